@@ -1,0 +1,5 @@
+#include "framework/P.h"
+
+#include <gtest/gtest.h>
+
+TEST(Placeholder, Builds) { SUCCEED(); }
