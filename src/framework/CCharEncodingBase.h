@@ -1,0 +1,37 @@
+#pragma once
+// Shared algorithms of the encodings, written in terms of the strict single-character decoder.
+// Each concrete encoding supplies its identity, the strict decoder and encoder, and overrides
+// whatever it can do more directly.
+
+#include "framework/CObject.h"
+#include "framework/ICharEncoding.h"
+
+namespace kore {
+
+class CCharEncodingBase : public CObject, public ICharEncoding {
+public:
+    uint32_t getCharSizeAt(const uint8_t* buf, uint32_t len, uint32_t off) const override;
+    uint32_t countChars(const uint8_t* buf, uint32_t len, uint32_t off) const override;
+    uint32_t getCharOffset(const uint8_t* buf, uint32_t len, uint32_t n) const override;
+    uint32_t findCharStart(const uint8_t* buf, uint32_t len, uint32_t off) const override;
+    uint32_t decodeChar(uint32_t& out, const uint8_t* buf, uint32_t len,
+                        uint32_t off) const override;
+    bool supportsReverse() const override { return true; }
+    uint32_t findPrevCharStart(const uint8_t* buf, uint32_t len, uint32_t off) const override;
+    uint32_t decodePrevCharStrict(uint32_t& out, const uint8_t* buf, uint32_t len,
+                                  uint32_t off) const override;
+    uint32_t decodePrevChar(uint32_t& out, const uint8_t* buf, uint32_t len,
+                            uint32_t off) const override;
+    uint32_t decodeChars(uint32_t* out, uint32_t max, uint32_t& count, const uint8_t* buf,
+                         uint32_t len, uint32_t off, uint32_t* offsets) const override;
+    uint32_t decodePrevChars(uint32_t* out, uint32_t max, uint32_t& count, const uint8_t* buf,
+                             uint32_t len, uint32_t off, uint32_t* offsets) const override;
+
+protected:
+    // `unit` is the size of one code unit: invalid input is skipped one unit at a time.
+    explicit CCharEncodingBase(uint32_t unit) : m_unit(unit) {}
+
+    const uint32_t m_unit;
+};
+
+} // namespace kore

@@ -1,0 +1,501 @@
+#include "framework/CString.h"
+
+#include "framework/CCaseTable.h"
+#include "framework/CCharCursor.h"
+#include "framework/CStringSlice.h"
+#include "framework/COutOfmemoryException.h"
+#include "framework/Cast.h"
+
+#include <cstring>
+#include <new>
+#include <vector>
+
+namespace kore {
+
+namespace {
+
+const uint8_t kEmptyBuffer[4] = {0, 0, 0, 0};
+
+bool sameChar(uint32_t a, uint32_t b, bool ignoreCase)
+{
+    return a == b || (ignoreCase && CCaseTable::map(a) == CCaseTable::map(b));
+}
+
+std::vector<uint32_t> decodeAll(const IString& s)
+{
+    std::vector<uint32_t> cps;
+    cps.reserve(s.getLength());
+    CCharCursor cursor(s);
+    for (uint32_t cp = 0; cursor.next(cp);)
+        cps.push_back(cp);
+    return cps;
+}
+
+bool matchesAt(const std::vector<uint32_t>& hay, size_t at, const std::vector<uint32_t>& needle,
+               bool ignoreCase)
+{
+    for (size_t i = 0; i < needle.size(); ++i) {
+        if (!sameChar(hay[at + i], needle[i], ignoreCase))
+            return false;
+    }
+    return true;
+}
+
+// Compares what is left of two cursors: the order of the first differing pair, else the shorter
+// runs out first. With `prefix`, running out of `b` first counts as equal.
+int32_t compareCursors(CCharCursor& a, CCharCursor& b, bool ignoreCase, uint32_t limit, bool prefix)
+{
+    for (uint32_t n = 0;; ++n) {
+        if (limit != IString::kUnknown && n >= limit)
+            return 0;
+        uint32_t ca = 0;
+        uint32_t cb = 0;
+        const bool hasA = a.next(ca);
+        const bool hasB = b.next(cb);
+        if (!hasB)
+            return !hasA || prefix ? 0 : 1;
+        if (!hasA)
+            return -1;
+        if (ca != cb) {
+            if (!ignoreCase)
+                return ca < cb ? -1 : 1;
+            ca = CCaseTable::map(ca);
+            cb = CCaseTable::map(cb);
+            if (ca != cb)
+                return ca < cb ? -1 : 1;
+        }
+    }
+}
+
+// Builds a new owned, terminated string in `encoding` from a code point source, in two passes:
+// measure, then encode. `forEach(f)` calls f(cp) for every code point. Unencodable code points
+// are dropped and not counted.
+template <class ForEach>
+P<IString> buildString(ICharEncoding& encoding, const ForEach& forEach)
+{
+    uint64_t total = 0;
+    forEach([&](uint32_t cp) { total += encoding.getEncodedSize(cp); });
+    uint32_t terminator = encoding.getEncodedSize(0);
+    if (terminator == 0)
+        terminator = 1;
+    if (total + terminator > 0xFFFFFFF0u)
+        throw COutOfmemoryException();
+    const uint32_t size = static_cast<uint32_t>(total) + terminator;
+    uint8_t* buffer = CString::allocateBuffer(size);
+    uint32_t off = 0;
+    uint32_t chars = 0;
+    forEach([&](uint32_t cp) {
+        const uint32_t end = encoding.encodeChar(cp, buffer, size - terminator, off);
+        if (end != off && end != 0) {
+            off = end;
+            ++chars;
+        }
+    });
+    std::memset(buffer + off, 0, size - off);
+    return make<CString>(buffer, off, chars, true, encoding, CString::kAdopt);
+}
+
+// Concatenation and replacement keep the encoding when it can hold any text, else use UTF-16.
+ICharEncoding& resultEncoding(const IString& a, const IString& b)
+{
+    ICharEncoding* enc = a.getEncoding();
+    const uint32_t id = enc->getId();
+    if (id == b.getEncoding()->getId() || id == CUTF8CharEncoding::kId ||
+        id == CUTF16CharEncoding::kId || id == CUTF32CharEncoding::kId)
+        return *enc;
+    return *CUTF16CharEncoding::instance();
+}
+
+} // namespace
+
+CString::CString()
+{
+    m_encoding = CUTF16CharEncoding::instance();
+    initFrom(kEmptyBuffer, 0, 0, true, kBorrow);
+}
+
+CString::CString(const void* buffer, uint32_t byteLength, uint32_t charCount, bool terminated,
+                 ICharEncoding& encoding, StorageMode mode)
+{
+    m_encoding = &encoding;
+    initFrom(buffer, byteLength, charCount, terminated, mode);
+}
+
+CString::CString(SliceTag, const uint8_t* buffer, uint32_t byteLength, uint32_t charCount,
+                 ICharEncoding& encoding)
+{
+    m_encoding = &encoding;
+    initFrom(buffer, byteLength, charCount, false, kBorrow);
+}
+
+CString::CString(const CString& other) : CObject(other), IString(other)
+{
+    m_encoding = other.m_encoding;
+    initFrom(other.m_buffer, other.m_byteLength, other.m_charCount, other.m_terminated, kCopy);
+}
+
+CString::CString(const IString& source, ICharEncoding& encoding)
+{
+    P<IString> converted = buildString(encoding, [&](auto&& sink) {
+        CCharCursor cursor(source);
+        for (uint32_t cp = 0; cursor.next(cp);)
+            sink(cp);
+    });
+    // Take over the converted buffer rather than copying it once more.
+    auto& built = static_cast<CString&>(*converted);
+    m_encoding = &encoding;
+    m_buffer = built.m_buffer;
+    m_byteLength = built.m_byteLength;
+    m_charCount = built.m_charCount;
+    m_terminated = true;
+    m_owned = true;
+    built.m_owned = false;
+}
+
+CString::~CString()
+{
+    if (m_owned)
+        freeBuffer(const_cast<uint8_t*>(m_buffer));
+}
+
+void CString::initFrom(const void* buffer, uint32_t byteLength, uint32_t charCount, bool terminated,
+                       StorageMode mode)
+{
+    const auto* bytes = static_cast<const uint8_t*>(buffer);
+    if (!bytes) {
+        bytes = kEmptyBuffer;
+        byteLength = 0;
+        charCount = 0;
+        terminated = true;
+        if (mode == kAdopt)
+            mode = kBorrow;
+    }
+    if (byteLength == kUnknown)
+        byteLength = m_encoding->getTerminatedLength(bytes);
+    switch (mode) {
+    case kAdopt:
+        m_buffer = bytes;
+        m_owned = true;
+        m_terminated = terminated;
+        break;
+    case kBorrow:
+        m_buffer = bytes;
+        m_owned = false;
+        m_terminated = terminated;
+        break;
+    case kCopy:
+    default: {
+        uint32_t terminator = m_encoding->getEncodedSize(0);
+        if (terminator == 0)
+            terminator = 1;
+        if (byteLength > 0xFFFFFFF0u - terminator)
+            throw COutOfmemoryException();
+        uint8_t* copy = allocateBuffer(byteLength + terminator);
+        if (byteLength)
+            std::memcpy(copy, bytes, byteLength);
+        std::memset(copy + byteLength, 0, terminator);
+        m_buffer = copy;
+        m_owned = true;
+        m_terminated = true;
+        break;
+    }
+    }
+    m_byteLength = byteLength;
+    m_charCount = charCount == kUnknown ? m_encoding->countChars(m_buffer, m_byteLength, 0) : charCount;
+}
+
+uint8_t* CString::allocateBuffer(uint32_t bytes)
+{
+    try {
+        return static_cast<uint8_t*>(::operator new(bytes == 0 ? 1 : bytes));
+    } catch (const std::bad_alloc&) {
+        throw COutOfmemoryException();
+    }
+}
+
+void CString::freeBuffer(uint8_t* buffer) noexcept
+{
+    ::operator delete(buffer);
+}
+
+P<IString> CString::empty()
+{
+    return make<CString>();
+}
+
+P<IString> CString::fromUTF8(std::string_view text)
+{
+    return make<CUTF8String>(text);
+}
+
+P<IString> CString::fromUTF16(std::u16string_view text)
+{
+    return make<CUTF16String>(text);
+}
+
+int32_t CString::compareTo(const IComparable& other) const
+{
+    return compareString(*cast<const IString>(&other), false, kUnknown, false);
+}
+
+int32_t CString::compareString(const IString& other, bool ignoreCase, uint32_t limit,
+                               bool prefix) const
+{
+    CCharCursor a(*this);
+    CCharCursor b(other);
+    return compareCursors(a, b, ignoreCase, limit, prefix);
+}
+
+uint32_t CString::findString(const IString& what, uint32_t from, bool ignoreCase) const
+{
+    if (from > m_charCount)
+        return kNotFound;
+    const std::vector<uint32_t> needle = decodeAll(what);
+    if (needle.size() > m_charCount - from)
+        return kNotFound;
+    const std::vector<uint32_t> hay = decodeAll(*this);
+    for (size_t at = from; at + needle.size() <= hay.size(); ++at) {
+        if (matchesAt(hay, at, needle, ignoreCase))
+            return static_cast<uint32_t>(at);
+    }
+    return kNotFound;
+}
+
+uint32_t CString::findLastString(const IString& what, uint32_t from, bool ignoreCase) const
+{
+    const std::vector<uint32_t> needle = decodeAll(what);
+    // Read backwards: the last characters come first.
+    std::vector<uint32_t> hay(m_charCount);
+    CCharCursor cursor(*this);
+    size_t filled = 0;
+    for (uint32_t cp = 0; filled < hay.size() && cursor.prev(cp);)
+        hay[hay.size() - ++filled] = cp;
+    hay.erase(hay.begin(), hay.begin() + static_cast<std::ptrdiff_t>(hay.size() - filled));
+    if (needle.size() > hay.size())
+        return kNotFound;
+    size_t at = hay.size() - needle.size();
+    if (from != kUnknown && from < at)
+        at = from;
+    for (;; --at) {
+        if (matchesAt(hay, at, needle, ignoreCase))
+            return static_cast<uint32_t>(at);
+        if (at == 0)
+            return kNotFound;
+    }
+}
+
+uint32_t CString::countString(const IString& what, bool ignoreCase) const
+{
+    const std::vector<uint32_t> needle = decodeAll(what);
+    if (needle.empty() || needle.size() > m_charCount)
+        return 0;
+    const std::vector<uint32_t> hay = decodeAll(*this);
+    uint32_t n = 0;
+    for (size_t at = 0; at + needle.size() <= hay.size();) {
+        if (matchesAt(hay, at, needle, ignoreCase)) {
+            ++n;
+            at += needle.size();
+        } else {
+            ++at;
+        }
+    }
+    return n;
+}
+
+bool CString::startsWithString(const IString& what, bool ignoreCase) const
+{
+    return compareString(what, ignoreCase, kUnknown, true) == 0;
+}
+
+bool CString::endsWithString(const IString& what, bool ignoreCase) const
+{
+    const uint32_t n = what.getLength();
+    if (n > m_charCount)
+        return false;
+    const uint32_t start = m_encoding->getCharOffset(m_buffer, m_byteLength, m_charCount - n);
+    if (start == ICharEncoding::kFail)
+        return false;
+    CCharCursor a(*this, start);
+    CCharCursor b(what);
+    return compareCursors(a, b, ignoreCase, kUnknown, false) == 0;
+}
+
+P<IString> CString::slice(uint32_t start, uint32_t count) const
+{
+    if (start > m_charCount)
+        start = m_charCount;
+    if (count > m_charCount - start)
+        count = m_charCount - start;
+    uint32_t begin = m_encoding->getCharOffset(m_buffer, m_byteLength, start);
+    uint32_t end = m_encoding->getCharOffset(m_buffer, m_byteLength, start + count);
+    if (begin == ICharEncoding::kFail || end == ICharEncoding::kFail) {
+        begin = end = 0;
+        count = 0;
+    }
+    if (start + count == m_charCount)
+        end = m_byteLength; // keep invalid trailing bytes out of the question: they are skipped anyway
+    return make<CStringSlice>(*this, begin, end, count);
+}
+
+P<IString> CString::replaceAllString(const IString& what, const IString& with) const
+{
+    const std::vector<uint32_t> needle = decodeAll(what);
+    const std::vector<uint32_t> hay = decodeAll(*this);
+    const std::vector<uint32_t> replacement = decodeAll(with);
+    return buildString(resultEncoding(*this, with), [&](auto&& sink) {
+        for (size_t at = 0; at < hay.size();) {
+            if (!needle.empty() && at + needle.size() <= hay.size() &&
+                matchesAt(hay, at, needle, false)) {
+                for (uint32_t cp : replacement)
+                    sink(cp);
+                at += needle.size();
+            } else {
+                sink(hay[at++]);
+            }
+        }
+    });
+}
+
+P<IString> CString::concatString(const IString& other) const
+{
+    return buildString(resultEncoding(*this, other), [&](auto&& sink) {
+        CCharCursor a(*this);
+        for (uint32_t cp = 0; a.next(cp);)
+            sink(cp);
+        CCharCursor b(other);
+        for (uint32_t cp = 0; b.next(cp);)
+            sink(cp);
+    });
+}
+
+uint32_t CString::getCharAt(uint32_t index) const
+{
+    if (index >= m_charCount)
+        return kNotFound;
+    const uint32_t off = m_encoding->getCharOffset(m_buffer, m_byteLength, index);
+    if (off == ICharEncoding::kFail)
+        return kNotFound;
+    uint32_t cp = 0;
+    return m_encoding->decodeChar(cp, m_buffer, m_byteLength, off) == ICharEncoding::kFail ? kNotFound
+                                                                                          : cp;
+}
+
+uint32_t CString::hash() const
+{
+    // FNV-1a over the code points, so that equal text hashes equal in every encoding.
+    uint32_t h = 2166136261u;
+    CCharCursor cursor(*this);
+    for (uint32_t cp = 0; cursor.next(cp);) {
+        for (int i = 0; i < 4; ++i) {
+            h ^= (cp >> (8 * i)) & 0xFF;
+            h *= 16777619u;
+        }
+    }
+    return h;
+}
+
+P<IString> CString::convertTo(ICharEncoding& encoding) const
+{
+    return make<CString>(*this, encoding);
+}
+
+P<IString> CString::toString() const
+{
+    return P<IString>(const_cast<CString*>(this));
+}
+
+// --- IString conveniences
+
+std::u16string IString::toU16() const
+{
+    std::u16string out;
+    out.reserve(getLength());
+    CCharCursor cursor(*this);
+    for (uint32_t cp = 0; cursor.next(cp);) {
+        if (cp >= 0x10000 && cp < 0x110000) {
+            out.push_back(static_cast<char16_t>(0xD800 | ((cp - 0x10000) >> 10)));
+            out.push_back(static_cast<char16_t>(0xDC00 | ((cp - 0x10000) & 0x3FF)));
+        } else if (cp < 0x10000 && (cp < 0xD800 || cp > 0xDFFF)) {
+            out.push_back(static_cast<char16_t>(cp));
+        }
+    }
+    return out;
+}
+
+std::string IString::toUTF8() const
+{
+    CUTF8String utf8(*this);
+    return std::string(reinterpret_cast<const char*>(utf8.getBuffer()), utf8.getByteLength());
+}
+
+// --- CStringArg
+
+static_assert(sizeof(CString) <= 160, "CStringArg's in-place storage is too small for CString");
+
+namespace {
+enum EncodingKind { kLatin1Kind, kUTF16Kind, kUTF32Kind };
+}
+
+void CStringArg::borrow(const void* buffer, uint32_t byteLength, int encodingKind)
+{
+    ICharEncoding* enc = nullptr;
+    switch (encodingKind) {
+    case kLatin1Kind:
+        enc = CLatin1CharEncoding::instance().get();
+        break;
+    case kUTF16Kind:
+        enc = CUTF16CharEncoding::instance().get();
+        break;
+    default:
+        enc = CUTF32CharEncoding::instance().get();
+        break;
+    }
+    const bool terminated = byteLength == kUnknownLength;
+    m_str = new (m_storage) CString(buffer, byteLength, IString::kUnknown, terminated, *enc,
+                                    CString::kBorrow);
+    m_wrapped = true;
+}
+
+CStringArg::CStringArg(const char* latin1, uint32_t length)
+{
+    borrow(latin1, length, kLatin1Kind);
+}
+
+CStringArg::CStringArg(const char16_t* utf16, uint32_t length)
+{
+    borrow(utf16, length == kUnknownLength ? length : 2 * length, kUTF16Kind);
+}
+
+CStringArg::CStringArg(const char32_t* utf32, uint32_t length)
+{
+    borrow(utf32, length == kUnknownLength ? length : 4 * length, kUTF32Kind);
+}
+
+CStringArg::CStringArg(const wchar_t* wide, uint32_t length)
+{
+    constexpr uint32_t unit = sizeof(wchar_t);
+    borrow(wide, length == kUnknownLength ? length : unit * length, unit == 2 ? kUTF16Kind : kUTF32Kind);
+}
+
+CStringArg::CStringArg(char latin1) : m_char(static_cast<uint8_t>(latin1))
+{
+    borrow(&m_char, 1, kLatin1Kind);
+}
+
+CStringArg::CStringArg(char16_t utf16) : m_char(utf16)
+{
+    borrow(&m_char, 2, kUTF16Kind);
+}
+
+CStringArg::CStringArg(char32_t codePoint) : m_char(codePoint)
+{
+    borrow(&m_char, 4, kUTF32Kind);
+}
+
+CStringArg::~CStringArg()
+{
+    if (m_wrapped)
+        static_cast<const CString*>(m_str)->~CString();
+}
+
+} // namespace kore

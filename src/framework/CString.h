@@ -1,0 +1,98 @@
+#pragma once
+// The framework's one string class: a byte buffer in one of the five encodings, with its byte
+// length and character count. Not changed after construction, so it may be read from several
+// threads at once.
+//
+// Storage modes: copy (the string owns a private copy, always terminated), adopt (the string
+// takes over a buffer from CString::allocateBuffer and frees it), borrow (the string refers to the
+// caller's memory, which must outlive it unchanged).
+
+#include "framework/CObject.h"
+#include "framework/ICharEncoding.h"
+#include "framework/IString.h"
+#include "framework/P.h"
+
+#include <string_view>
+
+namespace kore {
+
+class CString : public CObject, public IString {
+public:
+    enum StorageMode : uint32_t { kCopy = 0, kAdopt = 1, kBorrow = 2 };
+
+    // The empty string (UTF-16).
+    CString();
+    // `byteLength` kUnknown: measure up to the encoded NUL. `charCount` kUnknown: count them.
+    CString(const void* buffer, uint32_t byteLength, uint32_t charCount, bool terminated,
+            ICharEncoding& encoding, StorageMode mode);
+    // Conversion of any string into `encoding`.
+    CString(const IString& source, ICharEncoding& encoding);
+    // Copies the bytes (a borrowed source becomes an owned copy).
+    CString(const CString& other);
+    CString& operator=(const CString&) = delete;
+    ~CString() override;
+
+    // Buffers handed over in adopt mode come from here.
+    static uint8_t* allocateBuffer(uint32_t bytes);
+    static void freeBuffer(uint8_t* buffer) noexcept;
+
+    // A new empty string.
+    static P<IString> empty();
+    // New strings (copy mode) from raw text.
+    static P<IString> fromUTF8(std::string_view text);
+    static P<IString> fromUTF16(std::u16string_view text);
+
+    const uint8_t* getBuffer() const override { return m_buffer; }
+    uint32_t getByteLength() const override { return m_byteLength; }
+    uint32_t getLength() const override { return m_charCount; }
+    bool isTerminated() const override { return m_terminated; }
+    bool isOwned() const override { return m_owned; }
+    ICharEncoding* getEncoding() const override { return m_encoding.get(); }
+
+    int32_t compareTo(const IComparable& other) const override;
+    int32_t compareString(const IString& other, bool ignoreCase, uint32_t limit,
+                          bool prefix) const override;
+    uint32_t findString(const IString& what, uint32_t from, bool ignoreCase) const override;
+    uint32_t findLastString(const IString& what, uint32_t from, bool ignoreCase) const override;
+    uint32_t countString(const IString& what, bool ignoreCase) const override;
+    bool startsWithString(const IString& what, bool ignoreCase) const override;
+    bool endsWithString(const IString& what, bool ignoreCase) const override;
+    P<IString> slice(uint32_t start, uint32_t count = kUnknown) const override;
+    P<IString> replaceAllString(const IString& what, const IString& with) const override;
+    P<IString> concatString(const IString& other) const override;
+    uint32_t getCharAt(uint32_t index) const override;
+    uint32_t hash() const override;
+    P<IString> convertTo(ICharEncoding& encoding) const override;
+
+    // A string describes itself by its text.
+    P<IString> toString() const override;
+
+protected:
+    // For subclasses that keep the buffer's owner alive themselves (slices).
+    struct SliceTag {};
+    CString(SliceTag, const uint8_t* buffer, uint32_t byteLength, uint32_t charCount,
+            ICharEncoding& encoding);
+
+private:
+    void initFrom(const void* buffer, uint32_t byteLength, uint32_t charCount, bool terminated,
+                  StorageMode mode);
+
+    const uint8_t* m_buffer = nullptr;
+    uint32_t m_byteLength = 0;
+    bool m_terminated = false;
+    bool m_owned = false;
+    P<ICharEncoding> m_encoding;
+    uint32_t m_charCount = 0;
+};
+
+} // namespace kore
+
+#include "framework/TTypedString.h"
+
+// The typed strings, so that including the string class gives the usual ways to make text.
+#include "framework/CCPString.h"
+#include "framework/CLatin1String.h"
+#include "framework/CUTF16String.h"
+#include "framework/CUTF32String.h"
+#include "framework/CUTF8String.h"
+#include "framework/CWCharString.h"

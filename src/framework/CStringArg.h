@@ -1,0 +1,52 @@
+#pragma once
+// Text argument of a string operation: either a framework string or raw text that is wrapped,
+// without copying, in a string that borrows the caller's buffer. Every operation that takes text
+// is written once against IString; this class supplies the argument variants (narrow Latin-1,
+// wide UTF-16, the platform's wchar_t, with or without a length, single characters).
+// Only ever a temporary: the borrowed buffer must outlive the call it is passed to.
+
+#include <cstdint>
+
+namespace kore {
+
+class IString;
+template <class T> class P;
+
+class CStringArg {
+public:
+    static constexpr uint32_t kUnknownLength = 0xFFFFFFFF;
+
+    CStringArg(const IString& s) noexcept : m_str(&s) {}
+    template <class T>
+    CStringArg(const P<T>& s) noexcept : m_str(s.get())
+    {
+    }
+    CStringArg(const char* latin1, uint32_t length = kUnknownLength);
+    CStringArg(const char16_t* utf16, uint32_t length = kUnknownLength);
+    CStringArg(const char32_t* utf32, uint32_t length = kUnknownLength);
+    CStringArg(const wchar_t* wide, uint32_t length = kUnknownLength);
+
+    // Single characters, held inside the argument itself. Explicit, so that numbers never turn
+    // into text by accident.
+    explicit CStringArg(char latin1);
+    explicit CStringArg(char16_t utf16);
+    explicit CStringArg(char32_t codePoint);
+
+    ~CStringArg();
+    CStringArg(const CStringArg&) = delete;
+    CStringArg& operator=(const CStringArg&) = delete;
+
+    // Never null: a null text pointer reads as the empty string.
+    const IString& get() const noexcept { return *m_str; }
+    const IString* operator->() const noexcept { return m_str; }
+
+private:
+    void borrow(const void* buffer, uint32_t byteLength, int encodingKind);
+
+    const IString* m_str = nullptr;
+    bool m_wrapped = false;
+    uint32_t m_char = 0;
+    alignas(16) unsigned char m_storage[160];
+};
+
+} // namespace kore

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "framework/CObject.h"
+#include "framework/IMutex.h"
+#include "framework/IString.h"
+
+#include <windows.h>
+
+namespace kore::win32 {
+
+// A named Win32 mutex shared by every process that opens the same name; recursive for its owner.
+// An owner that ended while holding it leaves it abandoned: the next lock or tryLock acquires it.
+class CGlobalMutexImpl : public CObject, public IMutex {
+public:
+    // Throws CException "Error createing global mutex <name>" when the system refuses the name.
+    explicit CGlobalMutexImpl(const CStringArg& name);
+    ~CGlobalMutexImpl() override;
+    CGlobalMutexImpl(const CGlobalMutexImpl&) = delete;
+    CGlobalMutexImpl& operator=(const CGlobalMutexImpl&) = delete;
+
+    // Throws CException "Error locking global mutex <name>" when the wait fails.
+    void lock() override;
+    void unlock() override;
+    bool tryLock(uint32_t timeoutMs) override;
+
+private:
+    P<IString> m_name;
+    HANDLE m_handle;
+};
+
+} // namespace kore::win32

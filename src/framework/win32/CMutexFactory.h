@@ -1,0 +1,14 @@
+#pragma once
+
+#include "framework/CObject.h"
+#include "framework/IMutexFactory.h"
+
+namespace kore::win32 {
+
+class CMutexFactory : public CObject, public IMutexFactory {
+public:
+    P<IMutex> createMutex() override;
+    P<IMutex> createGlobalMutex(const CStringArg& name) override;
+};
+
+} // namespace kore::win32
