@@ -1,0 +1,36 @@
+#!/usr/bin/env bash
+# Installs what is missing, then builds and runs every test: Linux release (assertions on),
+# Linux debug under AddressSanitizer + UndefinedBehaviorSanitizer, and the Windows x64 cross
+# build under Wine. Prints CTest's summary per build; fails when any test fails.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+tools/install_prerequisites.sh
+
+presets=("$@")
+[ ${#presets[@]} -gt 0 ] || presets=(linux-release linux-asan mingw)
+
+status=0
+summary=()
+for preset in "${presets[@]}"; do
+  echo "=== $preset: configure and build"
+  cmake --preset "$preset" >/dev/null
+  cmake --build --preset "$preset"
+  echo "=== $preset: test"
+  log=$(mktemp)
+  if ctest --preset "$preset" 2>&1 | tee "$log" | grep -E -v '^ +Start |Test +#' ; then :; fi
+  if ! grep -q '100% tests passed' "$log"; then status=1; fi
+  line=$(grep -E 'tests passed|tests failed' "$log" | tail -n 1 || true)
+  if [ "$preset" = mingw ]; then
+    # Under Wine a CTest test is a whole test program: add GoogleTest's own counts.
+    counts=$(grep -h -E '^\[  PASSED  \] [0-9]+ test' build/mingw/Testing/Temporary/LastTest.log \
+             | awk '{s += $4} END {print s + 0}')
+    line="$line (GoogleTest cases under Wine: $counts passed)"
+  fi
+  summary+=("$preset: $line")
+  rm -f "$log"
+done
+
+echo "=== summary"
+printf '%s\n' "${summary[@]}"
+exit $status
