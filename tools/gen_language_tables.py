@@ -6,6 +6,7 @@ iso-codes changes; --check regenerates in memory and fails if the checked-in fil
 """
 
 import argparse
+import difflib
 import json
 import os
 import sys
@@ -123,8 +124,12 @@ def main():
     parser.add_argument("--check", action="store_true", help="only compare with the existing output")
     args = parser.parse_args()
 
-    languages = language_rows(load_entries(os.path.join(args.iso_codes, "iso_639-2.json"), "639-2"))
-    countries = country_rows(load_entries(os.path.join(args.iso_codes, "iso_3166-1.json"), "3166-1"))
+    try:
+        languages = language_rows(load_entries(os.path.join(args.iso_codes, "iso_639-2.json"), "639-2"))
+        countries = country_rows(load_entries(os.path.join(args.iso_codes, "iso_3166-1.json"), "3166-1"))
+    except (OSError, ValueError, KeyError) as error:
+        print("cannot read the iso-codes data in %s: %s" % (args.iso_codes, error), file=sys.stderr)
+        return 2
     text = render(languages, countries)
     output = os.path.normpath(args.output)
 
@@ -137,6 +142,9 @@ def main():
             return 1
         if current != text:
             print("%s is out of date; run tools/gen_language_tables.py" % output, file=sys.stderr)
+            diff = difflib.unified_diff(current.splitlines(), text.splitlines(), "checked in", "generated", lineterm="")
+            for line in list(diff)[:40]:
+                print(line, file=sys.stderr)
             return 1
         print("%s is up to date (%d languages, %d countries)" % (output, len(languages), len(countries)))
         return 0
