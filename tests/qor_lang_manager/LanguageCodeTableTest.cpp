@@ -15,22 +15,17 @@ using namespace qor_lang;
 namespace {
 
 std::string toUtf8(std::u16string_view s) {
+    static const unsigned char lead[] = {0x00, 0xC0, 0xE0, 0xF0};
     std::string out;
     for (std::size_t i = 0; i < s.size(); ++i) {
         char32_t c = s[i];
         if (c >= 0xD800 && c < 0xDC00 && i + 1 < s.size()) {
             c = 0x10000 + ((c - 0xD800) << 10) + (s[++i] - 0xDC00);
         }
-        if (c < 0x80) {
-            out += static_cast<char>(c);
-        } else if (c < 0x800) {
-            out += {static_cast<char>(0xC0 | (c >> 6)), static_cast<char>(0x80 | (c & 0x3F))};
-        } else if (c < 0x10000) {
-            out += {static_cast<char>(0xE0 | (c >> 12)), static_cast<char>(0x80 | ((c >> 6) & 0x3F)),
-                    static_cast<char>(0x80 | (c & 0x3F))};
-        } else {
-            out += {static_cast<char>(0xF0 | (c >> 18)), static_cast<char>(0x80 | ((c >> 12) & 0x3F)),
-                    static_cast<char>(0x80 | ((c >> 6) & 0x3F)), static_cast<char>(0x80 | (c & 0x3F))};
+        const int extra = c < 0x80 ? 0 : c < 0x800 ? 1 : c < 0x10000 ? 2 : 3;
+        out += static_cast<char>(lead[extra] | (c >> (6 * extra)));
+        for (int k = extra - 1; k >= 0; --k) {
+            out += static_cast<char>(0x80 | ((c >> (6 * k)) & 0x3F));
         }
     }
     return out;
