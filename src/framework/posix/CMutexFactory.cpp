@@ -1,7 +1,6 @@
 #include "framework/posix/CMutexFactory.h"
 
-#include "framework/CException.h"
-#include "framework/CString.h"
+#include "framework/posix/CGlobalMutexImpl.h"
 #include "framework/posix/CMutexImpl.h"
 
 namespace kore {
@@ -20,7 +19,7 @@ P<IMutex> CMutexFactory::createMutex()
 
 P<IMutex> CMutexFactory::createGlobalMutex(const CStringArg& name)
 {
-    throw CException("", keepText("Error createing global mutex ")->concat(name));
+    return make<CGlobalMutexImpl>(name);
 }
 
 } // namespace posix

@@ -12,7 +12,8 @@ namespace kore::win32 {
 // An owner that ended while holding it leaves it abandoned: the next lock or tryLock acquires it.
 class CGlobalMutexImpl : public CObject, public IMutex {
 public:
-    // Throws CException "Error createing global mutex <name>" when the system refuses the name.
+    // Throws CException "Error createing global mutex <name>" when the system refuses the name,
+    // and for an empty name or one holding U+0000.
     explicit CGlobalMutexImpl(const CStringArg& name);
     ~CGlobalMutexImpl() override;
     CGlobalMutexImpl(const CGlobalMutexImpl&) = delete;
@@ -24,6 +25,8 @@ public:
     bool tryLock(uint32_t timeoutMs) override;
 
 private:
+    DWORD waitAnew(DWORD timeoutMs);
+
     P<IString> m_name;
     HANDLE m_handle;
 };

@@ -1,0 +1,34 @@
+#pragma once
+// A second process for tests that need one: this test program started again to run a single
+// test, usually a DISABLED_ one that only runs when asked for by name. The parent hands the child
+// one text through the environment (read with childParameter()).
+
+#include <cstdint>
+#include <string>
+
+namespace kore_test {
+
+class CChildProcess {
+public:
+    // Starts the test `testName` ("Suite.DISABLED_Name") in a new process of this program.
+    CChildProcess(const std::string& testName, const std::string& parameter);
+    // A child still running is killed: a failing test must not leave processes behind.
+    ~CChildProcess();
+    CChildProcess(const CChildProcess&) = delete;
+    CChildProcess& operator=(const CChildProcess&) = delete;
+
+    // Waits for the child to end and returns its exit code (0: its test passed). A child still
+    // running after `timeoutMs` is killed and -1 returned.
+    int wait(uint32_t timeoutMs = 30000);
+    // Ends the child at once, as a crash would (SIGKILL, TerminateProcess), and waits for its end.
+    void kill();
+
+private:
+    // A pid on POSIX, a process HANDLE on Windows; 0 once the child has been waited for.
+    intptr_t m_process = 0;
+};
+
+// The parent's text in a child process; empty in a process that is no child.
+std::string childParameter();
+
+} // namespace kore_test
