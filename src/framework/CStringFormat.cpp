@@ -234,7 +234,13 @@ P<IString> CStringFormat::getResult() const
     if (!isComplete())
         throw CInvalidObjectStateError(nullptr, "CStringFormat: not all parameters have been pushed in yet.",
                                        kObjectDescription);
-    return make<CUTF16String>(m_output.data(), static_cast<uint32_t>(m_output.size()));
+    // The output is always well-formed UTF-16 (every write goes through the checks above), so
+    // its characters are its units less the second halves of pairs; no decoding needed.
+    const uint32_t units = static_cast<uint32_t>(m_output.size());
+    uint32_t chars = units;
+    for (const char16_t u : m_output)
+        chars -= isLowSurrogate(u) ? 1 : 0;
+    return make<CUTF16String>(m_output.data(), units * 2, chars, CString::kCopy);
 }
 
 void CStringFormat::goToNextFormatField()
