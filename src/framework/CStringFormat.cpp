@@ -234,7 +234,7 @@ P<IString> CStringFormat::getResult() const
     if (!isComplete())
         throw CInvalidObjectStateError(nullptr, "CStringFormat: not all parameters have been pushed in yet.",
                                        kObjectDescription);
-    // The output is always well-formed UTF-16 (every write goes through the checks above), so
+    // The output is always well-formed UTF-16 (appendText and the writers below keep it so), so
     // its characters are its units less the second halves of pairs; no decoding needed.
     const uint32_t units = static_cast<uint32_t>(m_output.size());
     uint32_t chars = units;
@@ -474,7 +474,7 @@ void CStringFormat::doDouble(double value)
     checkNotPending("CStringFormat::doDouble");
     if (m_kind != kFloat)
         fail("CStringFormat::doDouble", kMismatch);
-    rebuildSpec(m_letter, true);
+    rebuildSpec(m_letter);
     // Room for the widest result: 308 integer digits for f (and g), plus sign, point, precision
     // (21 when not given) and exponent, with margins.
     const size_t base = m_letter == u'e' || m_letter == u'E' ? 1 : 308;
@@ -528,8 +528,7 @@ void CStringFormat::doChar(uint32_t codePoint)
         const CStringArg one(static_cast<char32_t>(codePoint));
         writeString(one.get());
     } else {
-        // The C runtime leaves a precision on "c" undefined: it is not passed on.
-        rebuildSpec(u'c', false);
+        rebuildSpec(u'c');
         formatWithRuntime(std::max<size_t>(m_width == kNotGiven ? 0 : static_cast<size_t>(m_width), 1) + 1,
                           static_cast<int>(codePoint));
     }
@@ -544,22 +543,25 @@ void CStringFormat::checkNotPending(const char* context) const
         fail(context, kPrecisionExpected);
 }
 
-void CStringFormat::rebuildSpec(char16_t letter, bool withPrecision)
+void CStringFormat::rebuildSpec(char16_t letter)
 {
+    // C defines only "-" and the width for "c"; the other flags and a precision are undefined
+    // there (the usual runtimes ignore them), so they are not passed on.
+    const bool number = letter != u'c';
     uint32_t len = 1;
     if (m_leftJustify)
         m_spec[len++] = '-';
-    if (m_plusSign)
+    if (m_plusSign && number)
         m_spec[len++] = '+';
-    if (m_spaceSign)
+    if (m_spaceSign && number)
         m_spec[len++] = ' ';
-    if (m_alternate)
+    if (m_alternate && number)
         m_spec[len++] = '#';
-    if (m_zeroPad)
+    if (m_zeroPad && number)
         m_spec[len++] = '0';
     if (m_width != kNotGiven)
         len += static_cast<uint32_t>(writeDecimal(m_spec + len, static_cast<uint32_t>(m_width)));
-    if (withPrecision && m_precision != kNotGiven) {
+    if (number && m_precision != kNotGiven) {
         m_spec[len++] = '.';
         len += static_cast<uint32_t>(writeDecimal(m_spec + len, static_cast<uint32_t>(m_precision)));
     }
@@ -572,10 +574,12 @@ void CStringFormat::growScratch(size_t size)
 {
     if (size <= m_scratchSize)
         return;
+    // Nothing larger could be appended to the output anyway.
+    if (size > kMaxUnits)
+        throw COutOfmemoryException();
     try {
         m_scratch.reset(new char[size]);
     } catch (const std::bad_alloc&) {
-        m_scratchSize = 0;
         throw COutOfmemoryException();
     }
     m_scratchSize = size;

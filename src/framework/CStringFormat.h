@@ -90,7 +90,7 @@ private:
     void writeInteger(uint64_t bits, bool isSigned);
     void writeString(const IString& value);
     // Rebuilds m_spec from the field for the C runtime.
-    void rebuildSpec(char16_t letter, bool withPrecision);
+    void rebuildSpec(char16_t letter);
     void growScratch(size_t size);
     // Runs the C runtime on m_spec and appends what it writes.
     template <class T>

@@ -1,5 +1,6 @@
 #include "framework/CInvalidArgError.h"
 #include "framework/CInvalidObjectStateError.h"
+#include "framework/COutOfmemoryException.h"
 #include "framework/CString.h"
 #include "framework/CStringFormat.h"
 
@@ -221,6 +222,20 @@ TEST(StringFormat, HeapFormatterIsAnObject)
     f->pushDouble(3.25);
     EXPECT_EQ(utf8(f->getResult()), "pi=3.25");
     EXPECT_EQ(f->getRefCount(), 1);
+    // Errors describe a formatter as the formatter describes itself.
+    EXPECT_EQ(utf8(f->toString()), "class kore::CStringFormat object");
+}
+
+TEST(StringFormat, OutputBeyondAStringIsRefusedBeforeAllocating)
+{
+    CStringFormat wide("%2147483647d");
+    EXPECT_THROW(wide.pushInt(1), COutOfmemoryException);
+    EXPECT_EQ(wide.getFieldKind(), CStringFormat::kInteger);
+    CStringFormat precise("%.2147483647f");
+    EXPECT_THROW(precise.pushDouble(1.0), COutOfmemoryException);
+    CStringFormat padded("%*s");
+    padded.pushInt(INT32_MAX);
+    EXPECT_THROW(padded.pushString("x"), COutOfmemoryException);
 }
 
 } // namespace kore_test
