@@ -75,23 +75,10 @@ struct Field {
             if (!std::strchr(skip, *f))
                 *out++ = *f;
         if (cWidth > 0)
-            out = writeNumber(out, cWidth);
-        if (precisionGiven) {
-            *out++ = '.';
-            out = writeNumber(out, cPrecision);
-        }
-        while (*length)
-            *out++ = *length++;
-        *out++ = conversion;
-        *out = 0;
-    }
-    // Counts in the grid stay below 100.
-    static char* writeNumber(char* out, int n)
-    {
-        if (n >= 10)
-            *out++ = static_cast<char>('0' + n / 10);
-        *out++ = static_cast<char>('0' + n % 10);
-        return out;
+            out += std::sprintf(out, "%d", cWidth);
+        if (precisionGiven)
+            out += std::sprintf(out, ".%d", cPrecision);
+        std::sprintf(out, "%s%c", length, conversion);
     }
     void pushCounts(CStringFormat& f) const
     {
