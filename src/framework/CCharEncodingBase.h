@@ -31,6 +31,9 @@ protected:
     // `unit` is the size of one code unit: invalid input is skipped one unit at a time.
     explicit CCharEncodingBase(uint32_t unit) : m_unit(unit) {}
 
+    // Where reading backwards from `off` begins: clamped to `len` and to a unit boundary.
+    uint32_t backwardStart(uint32_t len, uint32_t off) const;
+
     const uint32_t m_unit;
 };
 
