@@ -586,7 +586,9 @@ TEST(CodePageEncoding, DecodesOneByteAtATime)
     EXPECT_EQ(codePage().decodeChars(out, 16, count, all.data(), 256, 0x41, nullptr), 0x51u);
     EXPECT_EQ(count, 16u);
     EXPECT_EQ(out[0], 0x41u);
-    EXPECT_EQ(codePage().getTerminatedLength(all.data() + 1), 255u);
+    Bytes terminated(all.begin() + 1, all.end());
+    terminated.push_back(0);
+    EXPECT_EQ(codePage().getTerminatedLength(terminated.data()), 255u);
     for (uint32_t cp = 0; cp < 0x80; ++cp)
         EXPECT_EQ(encode(codePage(), cp), Bytes({static_cast<uint8_t>(cp)}));
 }
