@@ -69,11 +69,16 @@ int32_t compareCursors(CCharCursor& a, CCharCursor& b, bool ignoreCase, uint32_t
     }
 }
 
-// Builds a new owned, terminated string in `encoding` from a code point source, in two passes:
-// measure, then encode. `forEach(f)` calls f(cp) for every code point. Unencodable code points
-// are dropped.
+// Encodes a code point source into a new buffer (from CString::allocateBuffer) in `encoding`, in
+// two passes: measure, then encode. `forEach(f)` calls f(cp) for every code point. Unencodable
+// code points are dropped. The buffer is terminated; `length` excludes the terminator.
+struct EncodedText {
+    uint8_t* buffer;
+    uint32_t length;
+};
+
 template <class ForEach>
-P<IString> buildString(ICharEncoding& encoding, const ForEach& forEach)
+EncodedText encodeAll(ICharEncoding& encoding, const ForEach& forEach)
 {
     uint64_t total = 0;
     forEach([&](uint32_t cp) { total += encoding.getEncodedSize(cp); });
@@ -91,10 +96,24 @@ P<IString> buildString(ICharEncoding& encoding, const ForEach& forEach)
             off = end;
     });
     std::memset(buffer + off, 0, size - off);
-    // The count is what reading the result yields, not the number of code points written: UTF-8
-    // cannot read back what it writes for U+0800-U+0FFF and U+10000-U+3FFFF, a multibyte code page
-    // reads one character per byte, and every other operation relies on the two agreeing.
-    return make<CString>(buffer, off, IString::kUnknown, true, encoding, CString::kAdopt);
+    return {buffer, off};
+}
+
+// A new string over encodeAll's result. Its count is what reading the result yields, not the
+// number of code points written: UTF-8 cannot read back what it writes for U+0800-U+0FFF and
+// U+10000-U+3FFFF, a multibyte code page reads one character per byte, and every other operation
+// relies on the two agreeing.
+template <class ForEach>
+P<IString> buildString(ICharEncoding& encoding, const ForEach& forEach)
+{
+    const EncodedText text = encodeAll(encoding, forEach);
+    try {
+        return make<CString>(text.buffer, text.length, IString::kUnknown, true, encoding,
+                             CString::kAdopt);
+    } catch (...) {
+        CString::freeBuffer(text.buffer);
+        throw;
+    }
 }
 
 // Concatenation and replacement keep the encoding when it can hold any text, else use UTF-16.
@@ -138,20 +157,13 @@ CString::CString(const CString& other) : CObject(other), IString(other)
 
 CString::CString(const IString& source, ICharEncoding& encoding)
 {
-    P<IString> converted = buildString(encoding, [&](auto&& sink) {
+    const EncodedText text = encodeAll(encoding, [&](auto&& sink) {
         CCharCursor cursor(source);
         for (uint32_t cp = 0; cursor.next(cp);)
             sink(cp);
     });
-    // Take over the converted buffer rather than copying it once more.
-    auto& built = static_cast<CString&>(*converted);
     m_encoding = &encoding;
-    m_buffer = built.m_buffer;
-    m_byteLength = built.m_byteLength;
-    m_charCount = built.m_charCount;
-    m_terminated = true;
-    m_owned = true;
-    built.m_owned = false;
+    initFrom(text.buffer, text.length, kUnknown, true, kAdopt); // counts what it reads back
 }
 
 CString::~CString()
