@@ -109,4 +109,11 @@ uint32_t CCPCharEncoding::decodePrevChars(uint32_t*, uint32_t, uint32_t&, const 
     throw CMethodNotImplementedError(this, "");
 }
 
+uint32_t CCPCharEncoding::decodeChars(uint32_t* out, uint32_t max, uint32_t& count,
+                                       const uint8_t* buf, uint32_t len, uint32_t off,
+                                       uint32_t* offsets) const
+{
+    return decodeCharsWith(*this, 1, out, max, count, buf, len, off, offsets);
+}
+
 } // namespace kore

@@ -40,9 +40,12 @@ uint32_t CCharEncodingBase::getCharOffset(const uint8_t* buf, uint32_t len, uint
 
 uint32_t CCharEncodingBase::findCharStart(const uint8_t* buf, uint32_t len, uint32_t off) const
 {
+    // `len - off > m_unit` rather than `off + m_unit < len`: no wrap-around near 4 GiB.
     for (; off < len; off += m_unit) {
         if (getCharSizeAt(buf, len, off) != kFail)
             return off;
+        if (len - off <= m_unit)
+            break;
     }
     return kFail;
 }
@@ -54,26 +57,40 @@ uint32_t CCharEncodingBase::decodeChar(uint32_t& out, const uint8_t* buf, uint32
         const uint32_t end = decodeCharStrict(out, buf, len, off);
         if (end != kFail)
             return end;
+        if (len - off <= m_unit)
+            break;
     }
     return kFail;
+}
+
+uint32_t CCharEncodingBase::backwardStart(uint32_t len, uint32_t off) const
+{
+    if (off > len)
+        off = len;
+    // Units start at offset 0: a trailing partial unit (an odd end of UTF-16, the last 1-3 bytes
+    // of UTF-32) is no character, as it is not when reading forwards.
+    return off - off % m_unit;
 }
 
 uint32_t CCharEncodingBase::findPrevCharStart(const uint8_t* buf, uint32_t len, uint32_t off) const
 {
     if (off > len)
         off = len;
-    while (off >= m_unit) {
-        off -= m_unit;
-        if (getCharSizeAt(buf, len, off) != kFail)
-            return off;
+    if (off == 0)
+        return kFail;
+    // Characters start on unit boundaries; the one holding `off` itself begins before it.
+    for (uint32_t start = backwardStart(len, off - 1);; start -= m_unit) {
+        if (getCharSizeAt(buf, len, start) != kFail)
+            return start;
+        if (start < m_unit)
+            return kFail;
     }
-    return kFail;
 }
 
 uint32_t CCharEncodingBase::decodePrevCharStrict(uint32_t& out, const uint8_t* buf, uint32_t len,
                                                  uint32_t off) const
 {
-    if (off > len)
+    if (off > len || off % m_unit != 0)
         return kFail;
     // Only a sequence that ends exactly at `off` counts; no character is longer than the maximum.
     for (uint32_t size = m_unit; size <= getMaxCharSize() && size <= off; size += m_unit) {
@@ -89,8 +106,7 @@ uint32_t CCharEncodingBase::decodePrevCharStrict(uint32_t& out, const uint8_t* b
 uint32_t CCharEncodingBase::decodePrevChar(uint32_t& out, const uint8_t* buf, uint32_t len,
                                            uint32_t off) const
 {
-    if (off > len)
-        off = len;
+    off = backwardStart(len, off);
     // The character must fit before `off`: decode as if the buffer ended there.
     for (uint32_t start = off; start >= m_unit;) {
         start -= m_unit;

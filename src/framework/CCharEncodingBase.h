@@ -31,6 +31,35 @@ protected:
     // `unit` is the size of one code unit: invalid input is skipped one unit at a time.
     explicit CCharEncodingBase(uint32_t unit) : m_unit(unit) {}
 
+    // decodeChars with the strict decoder of `E` called directly rather than through the vtable:
+    // the block operation is the hot path of every string read. `E::decodeCharStrict` must be
+    // `final`. Same results as the generic decodeChars.
+    template <class E>
+    static uint32_t decodeCharsWith(const E& e, uint32_t unit, uint32_t* out, uint32_t max,
+                                    uint32_t& count, const uint8_t* buf, uint32_t len,
+                                    uint32_t off, uint32_t* offsets)
+    {
+        count = 0;
+        while (count < max) {
+            if (offsets)
+                offsets[count] = off;
+            uint32_t end = kFail;
+            for (uint32_t at = off; at < len; at += unit) {
+                end = e.E::decodeCharStrict(out[count], buf, len, at);
+                if (end != kFail || len - at <= unit)
+                    break;
+            }
+            if (end == kFail)
+                break;
+            off = end;
+            ++count;
+        }
+        return off;
+    }
+
+    // Where reading backwards from `off` begins: clamped to `len` and to a unit boundary.
+    uint32_t backwardStart(uint32_t len, uint32_t off) const;
+
     const uint32_t m_unit;
 };
 

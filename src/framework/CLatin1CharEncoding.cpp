@@ -69,4 +69,11 @@ uint32_t CLatin1CharEncoding::getCharOffset(const uint8_t*, uint32_t len, uint32
     return n <= len ? n : kFail;
 }
 
+uint32_t CLatin1CharEncoding::decodeChars(uint32_t* out, uint32_t max, uint32_t& count,
+                                           const uint8_t* buf, uint32_t len, uint32_t off,
+                                           uint32_t* offsets) const
+{
+    return decodeCharsWith(*this, 1, out, max, count, buf, len, off, offsets);
+}
+
 } // namespace kore

@@ -3,9 +3,11 @@
 #include "framework/CCaseTable.h"
 #include "framework/CCharCursor.h"
 #include "framework/CStringSlice.h"
+#include "framework/CInvalidArgError.h"
 #include "framework/COutOfmemoryException.h"
 #include "framework/Cast.h"
 
+#include <algorithm>
 #include <cstring>
 #include <new>
 #include <vector>
@@ -67,11 +69,16 @@ int32_t compareCursors(CCharCursor& a, CCharCursor& b, bool ignoreCase, uint32_t
     }
 }
 
-// Builds a new owned, terminated string in `encoding` from a code point source, in two passes:
-// measure, then encode. `forEach(f)` calls f(cp) for every code point. Unencodable code points
-// are dropped and not counted.
+// Encodes a code point source into a new buffer (from CString::allocateBuffer) in `encoding`, in
+// two passes: measure, then encode. `forEach(f)` calls f(cp) for every code point. Unencodable
+// code points are dropped. The buffer is terminated; `length` excludes the terminator.
+struct EncodedText {
+    uint8_t* buffer;
+    uint32_t length;
+};
+
 template <class ForEach>
-P<IString> buildString(ICharEncoding& encoding, const ForEach& forEach)
+EncodedText encodeAll(ICharEncoding& encoding, const ForEach& forEach)
 {
     uint64_t total = 0;
     forEach([&](uint32_t cp) { total += encoding.getEncodedSize(cp); });
@@ -83,16 +90,30 @@ P<IString> buildString(ICharEncoding& encoding, const ForEach& forEach)
     const uint32_t size = static_cast<uint32_t>(total) + terminator;
     uint8_t* buffer = CString::allocateBuffer(size);
     uint32_t off = 0;
-    uint32_t chars = 0;
     forEach([&](uint32_t cp) {
         const uint32_t end = encoding.encodeChar(cp, buffer, size - terminator, off);
-        if (end != off && end != 0) {
+        if (end != off && end != 0)
             off = end;
-            ++chars;
-        }
     });
     std::memset(buffer + off, 0, size - off);
-    return make<CString>(buffer, off, chars, true, encoding, CString::kAdopt);
+    return {buffer, off};
+}
+
+// A new string over encodeAll's result. Its count is what reading the result yields, not the
+// number of code points written: UTF-8 cannot read back what it writes for U+0800-U+0FFF and
+// U+10000-U+3FFFF, a multibyte code page reads one character per byte, and every other operation
+// relies on the two agreeing.
+template <class ForEach>
+P<IString> buildString(ICharEncoding& encoding, const ForEach& forEach)
+{
+    const EncodedText text = encodeAll(encoding, forEach);
+    try {
+        return make<CString>(text.buffer, text.length, IString::kUnknown, true, encoding,
+                             CString::kAdopt);
+    } catch (...) {
+        CString::freeBuffer(text.buffer);
+        throw;
+    }
 }
 
 // Concatenation and replacement keep the encoding when it can hold any text, else use UTF-16.
@@ -136,20 +157,13 @@ CString::CString(const CString& other) : CObject(other), IString(other)
 
 CString::CString(const IString& source, ICharEncoding& encoding)
 {
-    P<IString> converted = buildString(encoding, [&](auto&& sink) {
+    const EncodedText text = encodeAll(encoding, [&](auto&& sink) {
         CCharCursor cursor(source);
         for (uint32_t cp = 0; cursor.next(cp);)
             sink(cp);
     });
-    // Take over the converted buffer rather than copying it once more.
-    auto& built = static_cast<CString&>(*converted);
     m_encoding = &encoding;
-    m_buffer = built.m_buffer;
-    m_byteLength = built.m_byteLength;
-    m_charCount = built.m_charCount;
-    m_terminated = true;
-    m_owned = true;
-    built.m_owned = false;
+    initFrom(text.buffer, text.length, kUnknown, true, kAdopt); // counts what it reads back
 }
 
 CString::~CString()
@@ -218,6 +232,16 @@ void CString::freeBuffer(uint8_t* buffer) noexcept
     ::operator delete(buffer);
 }
 
+uint32_t CString::unitsToBytes(uint32_t units, uint32_t unitSize)
+{
+    if (units == kUnknown)
+        return units;
+    // Refused rather than wrapped into a short length.
+    if (units > 0xFFFFFFFEu / unitSize)
+        throw CInvalidArgError(nullptr, "CString::unitsToBytes", "units", "text length");
+    return units * unitSize;
+}
+
 P<IString> CString::empty()
 {
     return make<CString>();
@@ -264,13 +288,14 @@ uint32_t CString::findString(const IString& what, uint32_t from, bool ignoreCase
 uint32_t CString::findLastString(const IString& what, uint32_t from, bool ignoreCase) const
 {
     const std::vector<uint32_t> needle = decodeAll(what);
-    // Read backwards: the last characters come first.
-    std::vector<uint32_t> hay(m_charCount);
+    // Read backwards: the last characters come first. The stored count is not trusted to size
+    // the result, since a caller may have given it.
+    std::vector<uint32_t> hay;
+    hay.reserve(m_charCount);
     CCharCursor cursor(*this);
-    size_t filled = 0;
-    for (uint32_t cp = 0; filled < hay.size() && cursor.prev(cp);)
-        hay[hay.size() - ++filled] = cp;
-    hay.erase(hay.begin(), hay.begin() + static_cast<std::ptrdiff_t>(hay.size() - filled));
+    for (uint32_t cp = 0; cursor.prev(cp);)
+        hay.push_back(cp);
+    std::reverse(hay.begin(), hay.end());
     if (needle.size() > hay.size())
         return kNotFound;
     size_t at = hay.size() - needle.size();
@@ -326,12 +351,10 @@ P<IString> CString::slice(uint32_t start, uint32_t count) const
         start = m_charCount;
     if (count > m_charCount - start)
         count = m_charCount - start;
-    uint32_t begin = m_encoding->getCharOffset(m_buffer, m_byteLength, start);
+    const uint32_t begin = m_encoding->getCharOffset(m_buffer, m_byteLength, start);
     uint32_t end = m_encoding->getCharOffset(m_buffer, m_byteLength, start + count);
-    if (begin == ICharEncoding::kFail || end == ICharEncoding::kFail) {
-        begin = end = 0;
-        count = 0;
-    }
+    if (begin == ICharEncoding::kFail || end == ICharEncoding::kFail)
+        return make<CStringSlice>(*this, 0, 0, 0); // a count given by the creator was too high
     if (start + count == m_charCount)
         end = m_byteLength; // keep invalid trailing bytes out of the question: they are skipped anyway
     return make<CStringSlice>(*this, begin, end, count);
@@ -463,18 +486,18 @@ CStringArg::CStringArg(const char* latin1, uint32_t length)
 
 CStringArg::CStringArg(const char16_t* utf16, uint32_t length)
 {
-    borrow(utf16, length == kUnknownLength ? length : 2 * length, kUTF16Kind);
+    borrow(utf16, CString::unitsToBytes(length, 2), kUTF16Kind);
 }
 
 CStringArg::CStringArg(const char32_t* utf32, uint32_t length)
 {
-    borrow(utf32, length == kUnknownLength ? length : 4 * length, kUTF32Kind);
+    borrow(utf32, CString::unitsToBytes(length, 4), kUTF32Kind);
 }
 
 CStringArg::CStringArg(const wchar_t* wide, uint32_t length)
 {
     constexpr uint32_t unit = sizeof(wchar_t);
-    borrow(wide, length == kUnknownLength ? length : unit * length, unit == 2 ? kUTF16Kind : kUTF32Kind);
+    borrow(wide, CString::unitsToBytes(length, unit), unit == 2 ? kUTF16Kind : kUTF32Kind);
 }
 
 CStringArg::CStringArg(char latin1) : m_char(static_cast<uint8_t>(latin1))
@@ -482,9 +505,27 @@ CStringArg::CStringArg(char latin1) : m_char(static_cast<uint8_t>(latin1))
     borrow(&m_char, 1, kLatin1Kind);
 }
 
-CStringArg::CStringArg(char16_t utf16) : m_char(utf16)
+void CStringArg::borrowUnit(char16_t unit)
 {
-    borrow(&m_char, 2, kUTF16Kind);
+    m_char = unit;
+    const bool surrogate = unit >= 0xD800 && unit <= 0xDFFF;
+    // m_char holds the unit in its low bytes: machine order is little-endian.
+    borrow(&m_char, surrogate ? 4 : 2, surrogate ? kUTF32Kind : kUTF16Kind);
+}
+
+CStringArg::CStringArg(char16_t utf16)
+{
+    borrowUnit(utf16);
+}
+
+CStringArg::CStringArg(wchar_t wide)
+{
+    if constexpr (sizeof(wchar_t) == 2) {
+        borrowUnit(static_cast<char16_t>(wide));
+    } else {
+        m_char = static_cast<uint32_t>(wide);
+        borrow(&m_char, 4, kUTF32Kind);
+    }
 }
 
 CStringArg::CStringArg(char32_t codePoint) : m_char(codePoint)

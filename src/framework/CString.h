@@ -36,6 +36,10 @@ public:
     static uint8_t* allocateBuffer(uint32_t bytes);
     static void freeBuffer(uint8_t* buffer) noexcept;
 
+    // Byte length of `units` code units of `unitSize` bytes; kUnknown stays kUnknown. Throws
+    // CInvalidArgError when the bytes do not fit 32 bits.
+    static uint32_t unitsToBytes(uint32_t units, uint32_t unitSize);
+
     // A new empty string.
     static P<IString> empty();
     // New strings (copy mode) from raw text.

@@ -17,9 +17,12 @@ public:
     static constexpr uint32_t kUnknownLength = 0xFFFFFFFF;
 
     CStringArg(const IString& s) noexcept : m_str(&s) {}
+    // A null pointer reads as the empty string.
     template <class T>
-    CStringArg(const P<T>& s) noexcept : m_str(s.get())
+    CStringArg(const P<T>& s) : m_str(s.get())
     {
+        if (!m_str)
+            borrow(nullptr, 0, 0); // the empty Latin-1 string
     }
     CStringArg(const char* latin1, uint32_t length = kUnknownLength);
     CStringArg(const char16_t* utf16, uint32_t length = kUnknownLength);
@@ -29,8 +32,12 @@ public:
     // Single characters, held inside the argument itself. Explicit, so that numbers never turn
     // into text by accident.
     explicit CStringArg(char latin1);
+    // A lone surrogate unit is no UTF-16 text: it stands for its code point, so that it is searched
+    // for rather than read as the empty string (which matches everywhere).
     explicit CStringArg(char16_t utf16);
     explicit CStringArg(char32_t codePoint);
+    // The platform's wide character: a UTF-16 unit on Windows, a code point elsewhere.
+    explicit CStringArg(wchar_t wide);
 
     ~CStringArg();
     CStringArg(const CStringArg&) = delete;
@@ -42,6 +49,7 @@ public:
 
 private:
     void borrow(const void* buffer, uint32_t byteLength, int encodingKind);
+    void borrowUnit(char16_t unit);
 
     const IString* m_str = nullptr;
     bool m_wrapped = false;

@@ -99,4 +99,11 @@ uint32_t CUTF16CharEncoding::decodeCharStrict(uint32_t& out, const uint8_t* buf,
     return off + 4;
 }
 
+uint32_t CUTF16CharEncoding::decodeChars(uint32_t* out, uint32_t max, uint32_t& count,
+                                          const uint8_t* buf, uint32_t len, uint32_t off,
+                                          uint32_t* offsets) const
+{
+    return decodeCharsWith(*this, 2, out, max, count, buf, len, off, offsets);
+}
+
 } // namespace kore

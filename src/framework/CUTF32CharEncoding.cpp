@@ -74,4 +74,11 @@ uint32_t CUTF32CharEncoding::getCharOffset(const uint8_t*, uint32_t len, uint32_
     return 4 * n;
 }
 
+uint32_t CUTF32CharEncoding::decodeChars(uint32_t* out, uint32_t max, uint32_t& count,
+                                          const uint8_t* buf, uint32_t len, uint32_t off,
+                                          uint32_t* offsets) const
+{
+    return decodeCharsWith(*this, 4, out, max, count, buf, len, off, offsets);
+}
+
 } // namespace kore

@@ -21,7 +21,9 @@ public:
     uint32_t getEncodedSize(uint32_t ch) const override;
     uint32_t getTerminatedLength(const uint8_t* buf) const override;
     uint32_t decodeCharStrict(uint32_t& out, const uint8_t* buf, uint32_t len,
-                              uint32_t off) const override;
+                              uint32_t off) const final;
+    uint32_t decodeChars(uint32_t* out, uint32_t max, uint32_t& count, const uint8_t* buf,
+                         uint32_t len, uint32_t off, uint32_t* offsets) const override;
     uint32_t getCharSizeAt(const uint8_t* buf, uint32_t len, uint32_t off) const override;
     uint32_t countChars(const uint8_t* buf, uint32_t len, uint32_t off) const override;
     uint32_t getCharOffset(const uint8_t* buf, uint32_t len, uint32_t n) const override;

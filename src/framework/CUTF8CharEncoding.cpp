@@ -113,4 +113,11 @@ uint32_t CUTF8CharEncoding::decodeCharStrict(uint32_t& out, const uint8_t* buf, 
     return off + size;
 }
 
+uint32_t CUTF8CharEncoding::decodeChars(uint32_t* out, uint32_t max, uint32_t& count,
+                                         const uint8_t* buf, uint32_t len, uint32_t off,
+                                         uint32_t* offsets) const
+{
+    return decodeCharsWith(*this, 1, out, max, count, buf, len, off, offsets);
+}
+
 } // namespace kore

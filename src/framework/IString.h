@@ -110,10 +110,11 @@ public:
     }
     P<IString> concat(const CStringArg& other) const { return concatString(other.get()); }
 
-    // Single characters: narrow (Latin-1), UTF-16 unit, code point.
+    // Single characters: narrow (Latin-1), UTF-16 unit, code point, the platform's wchar_t.
     uint32_t find(char c, uint32_t from = 0) const { return find(CStringArg(c), from); }
     uint32_t find(char16_t c, uint32_t from = 0) const { return find(CStringArg(c), from); }
     uint32_t find(char32_t c, uint32_t from = 0) const { return find(CStringArg(c), from); }
+    uint32_t find(wchar_t c, uint32_t from = 0) const { return find(CStringArg(c), from); }
     uint32_t findLast(char c, uint32_t from = kUnknown) const { return findLast(CStringArg(c), from); }
     uint32_t findLast(char16_t c, uint32_t from = kUnknown) const
     {
@@ -123,15 +124,22 @@ public:
     {
         return findLast(CStringArg(c), from);
     }
+    uint32_t findLast(wchar_t c, uint32_t from = kUnknown) const
+    {
+        return findLast(CStringArg(c), from);
+    }
     uint32_t count(char c) const { return count(CStringArg(c)); }
     uint32_t count(char16_t c) const { return count(CStringArg(c)); }
     uint32_t count(char32_t c) const { return count(CStringArg(c)); }
+    uint32_t count(wchar_t c) const { return count(CStringArg(c)); }
     bool startsWith(char c) const { return startsWith(CStringArg(c)); }
     bool startsWith(char16_t c) const { return startsWith(CStringArg(c)); }
     bool startsWith(char32_t c) const { return startsWith(CStringArg(c)); }
+    bool startsWith(wchar_t c) const { return startsWith(CStringArg(c)); }
     bool endsWith(char c) const { return endsWith(CStringArg(c)); }
     bool endsWith(char16_t c) const { return endsWith(CStringArg(c)); }
     bool endsWith(char32_t c) const { return endsWith(CStringArg(c)); }
+    bool endsWith(wchar_t c) const { return endsWith(CStringArg(c)); }
 
     // --- Conveniences for code at the edges (exports, tests, the C runtime)
     std::u16string toU16() const;

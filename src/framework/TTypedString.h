@@ -22,9 +22,10 @@ public:
                   kUnknown, true, *Encoding::instance(), kCopy)
     {
     }
-    // A copy of `units` code units of text.
+    // A copy of `units` code units of text (kUnknown: up to the NUL). Note that the length counts
+    // units here but bytes in the (buffer, byte length, ...) form above.
     TTypedString(const Unit* text, uint32_t units)
-        : CString(text, units * static_cast<uint32_t>(sizeof(Unit)), kUnknown, false,
+        : CString(text, unitsToBytes(units, sizeof(Unit)), kUnknown, units == kUnknown,
                   *Encoding::instance(), kCopy)
     {
     }
