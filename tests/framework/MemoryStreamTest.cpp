@@ -84,14 +84,10 @@ TEST(MemoryStream, BadArgumentsAndClosedStreams)
     EXPECT_THROW(make<CMemoryStream>(nullptr, 3), CInvalidArgError);
 
     stream->close();
-    stream->close();
     char c = 0;
-    EXPECT_THROW(stream->read(&c, 1), CStreamClosedError);
-    EXPECT_THROW(stream->write(&c, 1), CStreamClosedError);
-    EXPECT_THROW(stream->seek(0), CStreamClosedError);
-    EXPECT_THROW(stream->flush(), CStreamClosedError);
     try {
-        stream->readSome(&c, 1);
+        stream->read(&c, 1);
+        FAIL() << "no error";
     } catch (const CStreamClosedError& e) {
         EXPECT_EQ(e.getDescription()->toUTF8(), "The stream has been closed.");
     }
