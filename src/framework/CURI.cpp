@@ -324,6 +324,8 @@ P<CURI> CURI::fromURIText(const CStringArg& text)
 P<CURI> CURI::fromLocalPath(const CStringArg& path)
 {
     std::string s = path->toUTF8();
+    if (s.find('\0') != std::string::npos)
+        throwFormat(path);
     // The "\\?\" and "\\?\UNC\" prefixes of long Windows paths.
     if (s.size() >= 4 && isSeparator(s[0]) && isSeparator(s[1]) && s[2] == '?' && isSeparator(s[3])) {
         s.erase(0, 4);

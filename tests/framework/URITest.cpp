@@ -100,6 +100,7 @@ TEST(URI, PathsThatAreNotAbsoluteAreFormatErrors)
         SCOPED_TRACE(bad);
         EXPECT_THROW(CURI::fromLocalPath(bad), CURIFormatError);
     }
+    EXPECT_THROW(CURI::fromLocalPath(CStringArg(u"/a\0b", 4)), CURIFormatError);
     try {
         CURI::fromLocalPath("Lang\\de");
         FAIL() << "no error";
