@@ -1,0 +1,15 @@
+#pragma once
+
+#include "framework/CObject.h"
+#include "framework/IPathes.h"
+
+namespace kore::posix {
+
+// The path service on POSIX systems.
+class CPathes : public CObject, public IPathes {
+public:
+    P<IURI> folderPathToURI(const CStringArg& path) override;
+    P<IURI> getTempFolder() override;
+};
+
+} // namespace kore::posix

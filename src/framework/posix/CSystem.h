@@ -1,0 +1,15 @@
+#pragma once
+
+#include "framework/CObject.h"
+#include "framework/ISystem.h"
+
+namespace kore::posix {
+
+// The system service on POSIX systems.
+class CSystem : public CObject, public ISystem {
+public:
+    bool fileExists(const IURI& uri) override;
+    bool folderExists(const IURI& uri) override;
+};
+
+} // namespace kore::posix

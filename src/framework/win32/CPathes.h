@@ -1,0 +1,15 @@
+#pragma once
+
+#include "framework/CObject.h"
+#include "framework/IPathes.h"
+
+namespace kore::win32 {
+
+// The path service on Windows.
+class CPathes : public CObject, public IPathes {
+public:
+    P<IURI> folderPathToURI(const CStringArg& path) override;
+    P<IURI> getTempFolder() override;
+};
+
+} // namespace kore::win32

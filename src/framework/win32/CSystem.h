@@ -1,0 +1,15 @@
+#pragma once
+
+#include "framework/CObject.h"
+#include "framework/ISystem.h"
+
+namespace kore::win32 {
+
+// The system service on Windows.
+class CSystem : public CObject, public ISystem {
+public:
+    bool fileExists(const IURI& uri) override;
+    bool folderExists(const IURI& uri) override;
+};
+
+} // namespace kore::win32

@@ -1,0 +1,280 @@
+#include "TempFolder.h"
+
+#include "framework/CDiskStream.h"
+#include "framework/CEndOfStreamError.h"
+#include "framework/CFileAccessDeniedError.h"
+#include "framework/CFileNotFoundError.h"
+#include "framework/CInvalidArgError.h"
+#include "framework/CInvalidObjectStateError.h"
+#include "framework/CMemoryStream.h"
+#include "framework/CReadOnlyError.h"
+#include "framework/CStreamClosedError.h"
+#include "framework/CStreamManager.h"
+#include "framework/CURI.h"
+#include "framework/CURIFormatError.h"
+#include "framework/CURITypeNotSupportedError.h"
+#include "framework/Cast.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace kore_test {
+
+using namespace kore;
+
+namespace {
+
+P<IStream> open(const P<IURI>& uri, uint32_t mode)
+{
+    return IStreamManager::instance()->openURI(*uri, mode);
+}
+
+std::string readAll(const P<IStream>& stream)
+{
+    ISeekableInStream* in = cast<ISeekableInStream>(stream);
+    in->seek(0);
+    std::string content(static_cast<size_t>(in->getLength()), '\0');
+    in->read(content.data(), static_cast<uint32_t>(content.size()));
+    return content;
+}
+
+} // namespace
+
+class DiskStream : public ::testing::Test {
+protected:
+    CTempFolder temp;
+    const char* const kFolder = "Sprachdateien äöü/日本";
+
+    void SetUp() override { temp.makeFolder(kFolder); }
+    P<IURI> fileURI(const char* utf8Name) const { return temp.uri(kFolder)->resolve(CString::fromUTF8(utf8Name)); }
+};
+
+TEST_F(DiskStream, WrittenFileHasTheNameOfItsURIAndReadsBack)
+{
+    const P<IURI> uri = fileURI("A-de-DE 100% #1.qorlang");
+    {
+        P<IStream> out = open(uri, IStreamManager::kWrite);
+        cast<IOutStream>(out)->write("URESFILE", 9);
+        EXPECT_EQ(out->getLength(), 9);
+        out->close();
+    }
+    EXPECT_EQ(temp.readFile(std::string(kFolder) + "/A-de-DE 100% #1.qorlang"), std::string("URESFILE\0", 9));
+
+    P<IStream> in = open(uri, IStreamManager::kRead);
+    EXPECT_EQ(in->getURI(), uri);
+    EXPECT_EQ(in->getLength(), 9);
+    EXPECT_EQ(readAll(in), std::string("URESFILE\0", 9));
+    // The same file through its path.
+    const P<IString> path = CString::fromUTF8(temp.utf8(std::string(kFolder) + "/A-de-DE 100% #1.qorlang"));
+    P<IStream> byPath = IStreamManager::instance()->openPath(path, IStreamManager::kRead);
+    EXPECT_EQ(readAll(byPath), std::string("URESFILE\0", 9));
+}
+
+TEST_F(DiskStream, SmallReadsAndWritesAreBuffered)
+{
+    std::string content(10000, '\0');
+    for (size_t i = 0; i < content.size(); ++i)
+        content[i] = static_cast<char>('a' + i % 26);
+    temp.writeFile("ten-thousand.bin", content);
+
+    P<CDiskStream> in = make<CDiskStream>(*temp.uri()->resolve("ten-thousand.bin"), CDiskStream::kRead);
+    std::string seen;
+    for (size_t i = 0; i < content.size(); ++i) {
+        char c = 0;
+        ASSERT_EQ(in->read(&c, 1), 1u);
+        seen += c;
+    }
+    EXPECT_EQ(seen, content);
+    EXPECT_LE(in->getSystemReadCount(), 2u);
+
+    P<CDiskStream> out = make<CDiskStream>(*temp.uri()->resolve("written.bin"), CDiskStream::kWrite);
+    for (char c : content)
+        out->write(&c, 1);
+    EXPECT_EQ(out->getSystemWriteCount(), 0u);
+    // Destruction flushes.
+    out = nullptr;
+    EXPECT_EQ(temp.readFile("written.bin"), content);
+}
+
+TEST_F(DiskStream, AReadPastTheEndThrowsAndConsumesNothing)
+{
+    temp.writeFile("short.bin", "0123456789");
+    const P<IURI> uri = temp.uri()->resolve("short.bin");
+    P<IStream> stream = open(uri, IStreamManager::kRead);
+    ISeekableInStream* in = cast<ISeekableInStream>(stream);
+    in->seek(6);
+    char buffer[10] = {};
+    try {
+        in->read(buffer, 10);
+        FAIL() << "no error";
+    } catch (const CEndOfStreamError& e) {
+        EXPECT_EQ(e.getDescription()->toUTF8(), "Unexpected end of data stream (uri: '" + uri->toString()->toUTF8() + "')");
+        EXPECT_EQ(e.getURI(), uri);
+    }
+    EXPECT_EQ(in->getPosition(), 6);
+    EXPECT_EQ(in->readSome(buffer, 10), 4u);
+    EXPECT_EQ(std::string(buffer, 4), "6789");
+    EXPECT_EQ(in->readSome(buffer, 10), 0u);
+    in->seek(1000);
+    EXPECT_THROW(in->read(buffer, 1), CEndOfStreamError);
+}
+
+TEST_F(DiskStream, MissingAndForbiddenFilesHaveTheirErrors)
+{
+    const P<IURI> missing = fileURI("missing.qorlang");
+    try {
+        open(missing, IStreamManager::kRead);
+        FAIL() << "no error";
+    } catch (const CFileNotFoundError& e) {
+        EXPECT_EQ(e.getGeneralDescription()->toUTF8(), "The file was not found.");
+        EXPECT_EQ(e.getDescription()->toUTF8(), "The file '" + missing->toString()->toUTF8() + "' was not found.");
+        EXPECT_EQ(e.getURI(), missing);
+    }
+    EXPECT_THROW(open(temp.uri("no such folder")->resolve("x"), IStreamManager::kWrite), CFileNotFoundError);
+    EXPECT_THROW(IStreamManager::instance()->openPath(CString::fromUTF8(temp.utf8("missing")), IStreamManager::kRead),
+                 CFileNotFoundError);
+
+    // A folder is not a stream, on every platform.
+    const P<IURI> folder = temp.uri(kFolder);
+    for (uint32_t mode : {IStreamManager::kRead, IStreamManager::kWrite, IStreamManager::kReadWrite}) {
+        try {
+            open(folder, mode);
+            FAIL() << "no error";
+        } catch (const CFileAccessDeniedError& e) {
+            EXPECT_EQ(e.getGeneralDescription()->toUTF8(), "FileError");
+            EXPECT_EQ(e.getDescription()->toUTF8(), "The access of the file '" + folder->toString()->toUTF8() + "' was denied.");
+        }
+    }
+
+    EXPECT_THROW(open(CURI::fromURIText("http://example.com/x"), IStreamManager::kRead), CURITypeNotSupportedError);
+    EXPECT_THROW(open(fileURI("x"), 0), CInvalidArgError);
+    EXPECT_THROW(open(fileURI("x"), 4), CInvalidArgError);
+    EXPECT_THROW(IStreamManager::instance()->openPath("relative/x", IStreamManager::kRead), CURIFormatError);
+}
+
+TEST_F(DiskStream, ModesDecideContentAndInterfaces)
+{
+    temp.writeFile("data.bin", "old content");
+    const P<IURI> uri = temp.uri()->resolve("data.bin");
+
+    P<IStream> reader = open(uri, IStreamManager::kRead);
+    EXPECT_NE(tryCast<ISeekableInStream>(reader), nullptr);
+    EXPECT_EQ(tryCast<IOutStream>(reader), nullptr);
+    EXPECT_EQ(tryCast<ISeekableOutStream>(reader), nullptr);
+    EXPECT_EQ(tryCast<IIOStream>(reader), nullptr);
+    EXPECT_EQ(tryCast<ISeekableIOStream>(reader), nullptr);
+    EXPECT_THROW(cast<CDiskStream>(reader)->write("x", 1), CReadOnlyError);
+    reader->close();
+
+    // Read-write keeps the content.
+    P<IStream> both = open(uri, IStreamManager::kReadWrite);
+    ISeekableIOStream* io = tryCast<ISeekableIOStream>(both);
+    ASSERT_NE(io, nullptr);
+    io->seek(4);
+    io->write("CONTENT!", 8);
+    EXPECT_EQ(readAll(both), "old CONTENT!");
+    both->close();
+
+    // Write empties the file and cannot read.
+    P<IStream> writer = open(uri, IStreamManager::kWrite);
+    EXPECT_EQ(writer->getLength(), 0);
+    EXPECT_NE(tryCast<ISeekableOutStream>(writer), nullptr);
+    EXPECT_EQ(tryCast<IInStream>(writer), nullptr);
+    EXPECT_EQ(tryCast<ISeekableInStream>(writer), nullptr);
+    char c = 0;
+    EXPECT_THROW(cast<CDiskStream>(writer)->read(&c, 1), CInvalidObjectStateError);
+    writer->close();
+    EXPECT_EQ(temp.readFile("data.bin"), "");
+
+    // Read-write creates a missing file.
+    P<IStream> created = open(temp.uri()->resolve("new.bin"), IStreamManager::kReadWrite);
+    EXPECT_EQ(created->getLength(), 0);
+}
+
+TEST_F(DiskStream, AClosedStreamWroteEverythingAndRefusesMore)
+{
+    P<IStream> stream = open(temp.uri()->resolve("closed.bin"), IStreamManager::kReadWrite);
+    ISeekableIOStream* io = cast<ISeekableIOStream>(stream);
+    io->write("abc", 3);
+    stream->close();
+    stream->close();
+    EXPECT_EQ(temp.readFile("closed.bin"), "abc");
+    char c = 0;
+    EXPECT_THROW(io->read(&c, 1), CStreamClosedError);
+    EXPECT_THROW(io->write(&c, 1), CStreamClosedError);
+    EXPECT_THROW(io->seek(0), CStreamClosedError);
+    EXPECT_THROW(io->flush(), CStreamClosedError);
+}
+
+// A random series of reads, writes and seeks of every size, small to larger than the buffer,
+// must leave a disk stream exactly like a memory stream given the same series.
+TEST_F(DiskStream, BehavesLikeAMemoryStreamUnderRandomUse)
+{
+    std::mt19937 random(20240611);
+    const P<IURI> uri = temp.uri()->resolve("random.bin");
+    P<CDiskStream> disk = make<CDiskStream>(*uri, CDiskStream::kReadWrite);
+    P<CMemoryStream> memory = make<CMemoryStream>();
+    std::vector<char> data(200000);
+    std::vector<char> fromDisk(data.size());
+    std::vector<char> fromMemory(data.size());
+
+    const auto size = [&]() -> uint32_t {
+        switch (random() % 4) {
+        case 0: return random() % 8;
+        case 1: return random() % 2000;
+        case 2: return random() % (CDiskStream::kBufferSize + 100);
+        default: return random() % static_cast<uint32_t>(data.size());
+        }
+    };
+    for (int step = 0; step < 2000; ++step) {
+        SCOPED_TRACE(step);
+        switch (random() % 5) {
+        case 0:
+        case 1: {
+            const uint32_t n = size();
+            for (uint32_t i = 0; i < n; ++i)
+                data[i] = static_cast<char>(random());
+            ASSERT_EQ(disk->write(data.data(), n), memory->write(data.data(), n));
+            break;
+        }
+        case 2: {
+            const uint32_t n = size();
+            const uint32_t a = disk->readSome(fromDisk.data(), n);
+            ASSERT_EQ(a, memory->readSome(fromMemory.data(), n));
+            ASSERT_EQ(0, std::memcmp(fromDisk.data(), fromMemory.data(), a));
+            break;
+        }
+        case 3: {
+            const uint32_t n = size();
+            const bool fits = memory->getPosition() + n <= memory->getLength();
+            if (fits) {
+                disk->read(fromDisk.data(), n);
+                memory->read(fromMemory.data(), n);
+                ASSERT_EQ(0, std::memcmp(fromDisk.data(), fromMemory.data(), n));
+            } else {
+                ASSERT_THROW(disk->read(fromDisk.data(), n), CEndOfStreamError);
+                ASSERT_THROW(memory->read(fromMemory.data(), n), CEndOfStreamError);
+            }
+            break;
+        }
+        default: {
+            const int64_t to = static_cast<int64_t>(random() % static_cast<uint32_t>(memory->getLength() + 1000));
+            disk->seek(to);
+            memory->seek(to);
+            break;
+        }
+        }
+        ASSERT_EQ(disk->getPosition(), memory->getPosition());
+        ASSERT_EQ(disk->getLength(), memory->getLength());
+    }
+    disk->close();
+    const std::string onDisk = temp.readFile("random.bin");
+    ASSERT_EQ(onDisk.size(), static_cast<size_t>(memory->getLength()));
+    EXPECT_EQ(0, std::memcmp(onDisk.data(), memory->getData(), onDisk.size()));
+}
+
+} // namespace kore_test

@@ -1,0 +1,85 @@
+#include "../TempFolder.h"
+
+#include "framework/CString.h"
+#include "framework/CURI.h"
+#include "framework/Cast.h"
+#include "framework/IFileEntry.h"
+#include "framework/IFileEnum.h"
+#include "framework/IFileSystemManager.h"
+#include "framework/IInStream.h"
+#include "framework/IStreamManager.h"
+#include "framework/ISystem.h"
+#include "framework/win32/CPathes.h"
+#include "framework/win32/CSystem.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace kore_test {
+
+using namespace kore;
+
+namespace {
+
+std::vector<std::string> names(const P<IURI>& folder, const char* pattern)
+{
+    std::vector<std::string> out;
+    for (P<IFileEnum> found = IFileSystemManager::instance()->enumerate(*folder, pattern); found->hasNext();)
+        out.push_back(found->next()->getName()->toUTF8());
+    return out;
+}
+
+} // namespace
+
+TEST(Win32Services, HaveTheirWin32Classes)
+{
+    EXPECT_NE(tryCast<win32::CPathes>(IPathes::instance()), nullptr);
+    EXPECT_NE(tryCast<win32::CSystem>(ISystem::instance()), nullptr);
+}
+
+TEST(Win32Services, NativePathsAreTheWindowsForm)
+{
+    EXPECT_EQ(CURI::fromLocalPath("C:/Lang/x")->getLocalPath()->toUTF8(), "C:\\Lang\\x");
+    EXPECT_EQ(CURI::fromURIText("file://server/share/x")->getLocalPath()->toUTF8(), "\\\\server\\share\\x");
+}
+
+// Names are equal whatever their case; enumeration, the existence test and opening agree.
+TEST(Win32Services, LetterCaseIsIgnored)
+{
+    CTempFolder temp;
+    temp.writeFile("Case.txt", "upper");
+    temp.writeFile("b.txt", "");
+    const P<IURI> folder = temp.uri();
+
+    EXPECT_EQ(names(folder, "*.TXT"), (std::vector<std::string>{"b.txt", "Case.txt"}));
+    EXPECT_EQ(names(folder, "case*"), std::vector<std::string>{"Case.txt"});
+    EXPECT_TRUE(ISystem::instance()->fileExists(*folder->resolve("CASE.TXT")));
+    P<IStream> stream = IStreamManager::instance()->openURI(*folder->resolve("cAsE.tXt"), IStreamManager::kRead);
+    char text[5] = {};
+    cast<IInStream>(stream)->read(text, 5);
+    EXPECT_EQ(std::string(text, 5), "upper");
+}
+
+TEST(Win32Services, RelativeAndLongFolderPaths)
+{
+    CTempFolder temp;
+    // A path longer than MAX_PATH works through the "\\?\" form.
+    std::string deep = "sub";
+    while (deep.size() < 300)
+        deep += "/Sprachdateien äöü 日本";
+    temp.makeFolder(deep);
+    temp.writeFile(deep + "/A-de-DE.qorlang", "deep");
+    const P<IURI> folder = temp.uri(deep);
+    EXPECT_TRUE(ISystem::instance()->fileExists(*folder->resolve("A-de-DE.qorlang")));
+    EXPECT_EQ(names(folder, "A-*.qorlang"), std::vector<std::string>{"A-de-DE.qorlang"});
+    P<IStream> stream = IStreamManager::instance()->openURI(*folder->resolve("A-de-DE.qorlang"), IStreamManager::kRead);
+    EXPECT_EQ(stream->getLength(), 4);
+
+    // "." and ".." are resolved by the system.
+    const P<IURI> dotted = IPathes::instance()->folderPathToURI(CString::fromUTF8(temp.utf8("sub") + "\\.\\..\\sub"));
+    EXPECT_EQ(dotted->toString()->toUTF8(), temp.uri("sub")->toString()->toUTF8());
+}
+
+} // namespace kore_test
