@@ -1,9 +1,13 @@
-// The process's ANSI code page, in both directions. Encoding through the C runtime's wctomb would
-// follow the runtime's locale instead, which a host that never calls setlocale leaves at "C"
-// (Latin-1 bytes): "€" read from a Windows-1252 file could then not be written back.
+// The code page as Windows programs of this framework have always seen it: decoding one byte at a
+// time through the platform's ANSI code page, encoding through the C runtime's wctomb under the
+// current locale. The two differ when the host never calls setlocale (the "C" locale writes only
+// code points below 256); the framework keeps that asymmetry rather than guess a locale.
 #include "framework/CodePage.h"
 
 #include <windows.h>
+
+#include <climits>
+#include <cstdlib>
 
 namespace kore::platform {
 
@@ -30,14 +34,9 @@ uint32_t codePageEncode(uint32_t ch, uint8_t* out)
 {
     if (ch > 0xFFFF || (ch >= 0xD800 && ch <= 0xDFFF))
         return 0;
-    const wchar_t wide = static_cast<wchar_t>(ch);
-    char buffer[8];
-    BOOL usedDefault = FALSE;
-    const bool utf8 = acpIsUTF8();
-    // No best-fit: a character the page lacks is unencodable, not silently turned into another.
-    const int n = WideCharToMultiByte(CP_ACP, utf8 ? 0 : WC_NO_BEST_FIT_CHARS, &wide, 1, buffer,
-                                      sizeof(buffer), nullptr, utf8 ? nullptr : &usedDefault);
-    if (n <= 0 || usedDefault)
+    char buffer[MB_LEN_MAX];
+    const int n = std::wctomb(buffer, static_cast<wchar_t>(ch));
+    if (n <= 0)
         return 0;
     for (int i = 0; i < n; ++i)
         out[i] = static_cast<uint8_t>(buffer[i]);
@@ -46,11 +45,7 @@ uint32_t codePageEncode(uint32_t ch, uint8_t* out)
 
 uint32_t codePageMaxCharSize()
 {
-    static const uint32_t size = [] {
-        CPINFO info{};
-        return GetCPInfo(CP_ACP, &info) && info.MaxCharSize > 0 ? info.MaxCharSize : 1u;
-    }();
-    return size;
+    return static_cast<uint32_t>(MB_CUR_MAX);
 }
 
 } // namespace kore::platform
