@@ -64,11 +64,12 @@ public:
     ~TSimpleHashTable() override { releaseAll(); }
 
     // The value of `key`, or null.
-    V* find(const Lookup& key) { return findWithHash(key, Traits::hash(key)); }
-    const V* find(const Lookup& key) const
+    V* find(const Lookup& key)
     {
-        return const_cast<TSimpleHashTable*>(this)->findWithHash(key, Traits::hash(key));
+        // An empty table answers without hashing (the log manager with no module sinks).
+        return m_bucketCount == 0 ? nullptr : findWithHash(key, Traits::hash(key));
     }
+    const V* find(const Lookup& key) const { return const_cast<TSimpleHashTable*>(this)->find(key); }
     bool contains(const Lookup& key) const { return find(key) != nullptr; }
 
     // Adds the entry or replaces the value of an existing key; true when the key was new.

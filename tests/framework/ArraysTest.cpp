@@ -40,23 +40,20 @@ std::vector<int> ids(const TSimpleArray<P<CItem>>& a)
 
 TEST(SimpleArray, GrowsLinearlyToTheLargerOfNeedAndGrowStep)
 {
-    auto a = make<TSimpleArray<int>>(1);
-    a->setCapacity(10);
+    auto a = make<TSimpleArray<int>>(1, 10);
     for (int i = 0; i < 10; ++i)
         a->add(i);
-    EXPECT_EQ(a->getCapacity(), 10);
     a->add(10);
     EXPECT_EQ(a->getCapacity(), 11);
 
     auto b = make<TSimpleArray<int>>(16);
-    b->add(1);
-    EXPECT_EQ(b->getCapacity(), 16);
     const std::vector<int> many(40, 7);
     b->insert(0, many.data(), 20);
-    EXPECT_EQ(b->getCapacity(), 32);
+    EXPECT_EQ(b->getCapacity(), 20);
+    b->add(1);
+    EXPECT_EQ(b->getCapacity(), 36);
     b->insert(0, many.data(), 40);
     EXPECT_EQ(b->getCapacity(), 61);
-    EXPECT_EQ(b->getCount(), 61);
     EXPECT_EQ((*b)[60], 1);
 }
 
@@ -68,8 +65,6 @@ TEST(SimpleArray, ReallocationKeepsEveryReferenceCount)
         items.push_back(make<CItem>(i));
         a->add(items.back());
     }
-    for (const auto& item : items)
-        EXPECT_EQ(item->getRefCount(), 2);
     a->setCapacity(40);
     for (const auto& item : items)
         EXPECT_EQ(item->getRefCount(), 2);
@@ -79,41 +74,26 @@ TEST(SimpleArray, ReallocationKeepsEveryReferenceCount)
     EXPECT_EQ(items[0]->getRefCount(), 2);
     EXPECT_EQ(items[4]->getRefCount(), 1);
     a = nullptr;
-    for (const auto& item : items)
-        EXPECT_EQ(item->getRefCount(), 1);
+    EXPECT_EQ(items[0]->getRefCount(), 1);
 }
 
-TEST(SimpleArray, InsertAndRemoveKeepOrderAndReleaseAtOnce)
-{
-    auto a = make<TSimpleArray<P<CItem>>>(2);
-    for (int i = 0; i < 4; ++i)
-        a->add(make<CItem>(i));
-    a->insert(1, make<CItem>(9));
-    EXPECT_EQ(ids(*a), (std::vector<int>{0, 9, 1, 2, 3}));
-
-    bool destroyed = false;
-    a->insert(5, make<CItem>(7, &destroyed));
-    a->remove(5);
-    EXPECT_TRUE(destroyed) << "a removed element must drop its reference at once";
-    a->remove(1, 2);
-    EXPECT_EQ(ids(*a), (std::vector<int>{0, 2, 3}));
-    EXPECT_EQ(a->indexOf((*a)[2]), 2);
-    a->clear();
-    EXPECT_EQ(a->getCount(), 0);
-    EXPECT_GT(a->getCapacity(), 0);
-}
-
-TEST(SimpleArray, InsertingItsOwnElementsSurvivesReallocation)
+TEST(SimpleArray, InsertAndRemoveKeepOrderEvenFromTheArrayItself)
 {
     auto a = make<TSimpleArray<P<CItem>>>(1);
     for (int i = 0; i < 3; ++i)
         a->add(make<CItem>(i));
-    a->setCapacity(3);
-    a->insert(0, (*a)[2]); // the reference points into the buffer that the growth frees
+    a->insert(0, (*a)[2]); // refers into the buffer that this very growth frees
     EXPECT_EQ(ids(*a), (std::vector<int>{2, 0, 1, 2}));
     a->insert(1, a->data() + 2, 2);
     EXPECT_EQ(ids(*a), (std::vector<int>{2, 1, 2, 0, 1, 2}));
     EXPECT_EQ((*a)[0]->getRefCount(), 3);
+
+    bool destroyed = false;
+    a->insert(3, make<CItem>(7, &destroyed));
+    a->remove(3);
+    EXPECT_TRUE(destroyed) << "a removed element must drop its reference at once";
+    a->remove(1, 2);
+    EXPECT_EQ(ids(*a), (std::vector<int>{2, 0, 1, 2}));
 }
 
 TEST(SimpleArray, RejectsBadPositionsAndStaysUnchanged)
@@ -121,18 +101,15 @@ TEST(SimpleArray, RejectsBadPositionsAndStaysUnchanged)
     auto a = make<TSimpleArray<int>>();
     a->add(1);
     a->add(2);
-    EXPECT_THROW((*a)[2], CInvalidArgError);
     EXPECT_THROW((*a)[-1], CInvalidArgError);
     EXPECT_THROW(a->insert(3, 5), CInvalidArgError);
     EXPECT_THROW(a->remove(1, 2), CInvalidArgError);
-    EXPECT_THROW(a->remove(0, -1), CInvalidArgError);
     EXPECT_THROW(a->setCapacity(-1), CInvalidArgError);
-    EXPECT_THROW(a->setGrowStep(-1), CInvalidArgError);
     EXPECT_THROW(a->insert(0, static_cast<const int*>(nullptr), 1), CInvalidArgError);
     EXPECT_EQ(a->getCount(), 2);
-    EXPECT_EQ((*a)[1], 2);
     try {
         (*a)[5];
+        FAIL();
     } catch (const CInvalidArgError& e) {
         EXPECT_NE(e.getDescription()->toUTF8().find("index 5"), std::string::npos);
     }
@@ -178,37 +155,29 @@ TEST(CleaningSimpleArray, RemovalDuringAWalkEmptiesTheSlotAndCleansAfterwards)
 {
     for (bool autoClean : {true, false}) {
         auto a = make<TCleaningSimpleArray<P<CItem>>>(10, autoClean);
+        bool destroyed = false;
+        a->add(make<CItem>(-1, &destroyed));
         for (int i = 0; i < 4; ++i)
             a->add(make<CItem>(i));
         std::vector<int> seen;
         a->forEach([&](const P<CItem>& item) {
             seen.push_back(item->id);
-            if (item->id == 1) {
-                a->removeAt(1); // itself
-                a->removeAt(2); // the next one: must not be visited
+            if (item->id == -1) {
+                a->removeAt(0); // itself: the visit's copy keeps it alive
+                EXPECT_FALSE(destroyed);
+            } else if (item->id == 1) {
+                a->removeAt(2); // itself
+                a->removeAt(3); // the next one: must not be visited
                 a->add(make<CItem>(9)); // waits for the next walk
             }
         });
-        EXPECT_EQ(seen, (std::vector<int>{0, 1, 3}));
-        EXPECT_EQ(a->getCount(), autoClean ? 3 : 5);
+        EXPECT_EQ(seen, (std::vector<int>{-1, 0, 1, 3}));
+        EXPECT_TRUE(destroyed);
+        EXPECT_EQ(a->getCount(), autoClean ? 3 : 6);
         a->clean();
         ASSERT_EQ(a->getCount(), 3);
         EXPECT_EQ(a->get(2)->id, 9);
     }
-}
-
-TEST(CleaningSimpleArray, AStrongElementOutlivesItsOwnRemovalDuringItsVisit)
-{
-    auto a = make<TCleaningSimpleArray<P<CItem>>>(10, true);
-    bool destroyed = false;
-    a->add(make<CItem>(1, &destroyed));
-    a->forEach([&](const P<CItem>& item) {
-        a->removeAt(0);
-        EXPECT_FALSE(destroyed);
-        EXPECT_EQ(item->id, 1);
-    });
-    EXPECT_TRUE(destroyed);
-    EXPECT_EQ(a->getCount(), 0);
 }
 
 class IListener : public virtual IBase {
@@ -234,34 +203,16 @@ private:
     TFrailArray<IListener>* m_list;
 };
 
-TEST(FrailArray, HoldsNoReferencesAndCallsInOrderOfAdding)
-{
-    auto list = make<TFrailArray<IListener>>();
-    auto a = make<CListener>(1, list.get());
-    auto b = make<CListener>(2, list.get());
-    EXPECT_EQ(a->getRefCount(), 1);
-    EXPECT_FALSE(list->add(a.get())) << "a listener is registered once";
-    EXPECT_EQ(list->getCount(), 2);
-    EXPECT_THROW(list->add(nullptr), CInvalidArgError);
-
-    std::vector<int> journal;
-    list->forEach([&](IListener& l) { l.onEvent(journal); });
-    EXPECT_EQ(journal, (std::vector<int>{1, 2}));
-
-    b = nullptr; // leaves the list in its destructor
-    EXPECT_EQ(list->getCount(), 1);
-    EXPECT_TRUE(list->contains(a.get()));
-    auto elsewhere = make<TFrailArray<IListener>>();
-    auto stranger = make<CListener>(3, elsewhere.get());
-    EXPECT_FALSE(list->contains(stranger.get()));
-}
-
-TEST(FrailArray, ListenersMayLeaveOrDieWhileBeingCalled)
+TEST(FrailArray, HoldsNoReferencesAndSurvivesListenersThatLeaveOrDieWhileCalled)
 {
     auto list = make<TFrailArray<IListener>>();
     auto a = make<CListener>(1, list.get());
     auto b = make<CListener>(2, list.get());
     auto c = make<CListener>(3, list.get());
+    EXPECT_EQ(a->getRefCount(), 1);
+    EXPECT_FALSE(list->add(a.get())) << "a listener is registered once";
+    EXPECT_THROW(list->add(nullptr), CInvalidArgError);
+
     P<CListener> late;
     // The first listener destroys the second one (which leaves the list) and adds a new one.
     a->action = [&] {
@@ -275,8 +226,9 @@ TEST(FrailArray, ListenersMayLeaveOrDieWhileBeingCalled)
     journal.clear();
     list->forEach([&](IListener& l) { l.onEvent(journal); });
     EXPECT_EQ(journal, (std::vector<int>{1, 3, 4}));
+    EXPECT_EQ(list->getCount(), 3);
     EXPECT_TRUE(list->remove(c.get()));
-    EXPECT_FALSE(list->remove(c.get()));
+    EXPECT_FALSE(list->contains(c.get()));
 }
 
 } // namespace
