@@ -52,10 +52,12 @@ bool CFrailArrayTemplateBase::containsObject(const IBase* listener) const
 void CFrailArrayTemplateBase::walk(void (*visit)(void* context, IBase& listener), void* context)
 {
     // Each slot is read again before its call, so a listener removed by an earlier one in the
-    // same walk (its slot emptied) is not called.
-    CCleaningSimpleArrayTemplateBase::Walk scope(*m_list);
+    // same walk (its slot emptied) is not called. The list is held for the walk: a listener may
+    // drop the last reference to the object that owns this array.
+    const P<TCleaningSimpleArray<PFrail<IBase>>> list = m_list;
+    CCleaningSimpleArrayTemplateBase::Walk scope(*list);
     for (int32_t i = 0; i < scope.end(); ++i) {
-        if (IBase* listener = m_list->get(i).get())
+        if (IBase* listener = list->get(i).get())
             visit(context, *listener);
     }
 }
