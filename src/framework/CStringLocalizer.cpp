@@ -41,17 +41,20 @@ void CStringLocalizer::setFallback(IStringLocalizer* fallback)
 
 void CStringLocalizer::setString(const CStringArg& key, const CStringArg& text)
 {
-    // The copy is made before the lock is taken: readers wait only for the table update.
+    // Hash and copy before the lock is taken: readers wait only for the table update.
+    const uint32_t hash = CValueList::hashKey(key.get());
     P<IString> copy = CValueList::copyText(text.get());
     CMutexLock lock(*m_mutex);
-    m_table.set(key, std::move(copy));
+    m_table.set(key.get(), hash, std::move(copy));
 }
 
 P<IString> CStringLocalizer::getString(const CStringArg& key, const CStringArg& defaultText) const
 {
+    // Hashing reads the whole key: the costliest step of a look-up, so it runs unlocked.
+    const uint32_t hash = CValueList::hashKey(key.get());
     {
         CMutexLock lock(*m_mutex);
-        IString* text = m_table.peekString(key);
+        IString* text = m_table.peekString(key.get(), hash);
         if (text && text->getLength() != 0)
             return P<IString>(text);
         if (m_fallback)

@@ -12,12 +12,12 @@ P<IString> CValueList::copyText(const IString& text)
                          *text.getEncoding(), CString::kCopy);
 }
 
-void CValueList::set(const CStringArg& key, P<IBase> value)
+void CValueList::set(const IString& key, uint32_t hash, P<IBase> value)
 {
     if (!value)
         throw CInvalidArgError(nullptr, "CValueList::set", "value (null)", "CValueList");
     IString* text = tryCast<IString>(value.get());
-    Entry& entry = m_table.findOrAdd(key.get(), [&key]() { return copyText(key.get()); });
+    Entry& entry = m_table.findOrAddHashed(key, hash, [&key]() { return copyText(key); });
     entry.text = text;
     entry.value = std::move(value);
 }
@@ -28,9 +28,9 @@ P<IBase> CValueList::get(const CStringArg& key) const
     return entry ? entry->value : nullptr;
 }
 
-IString* CValueList::peekString(const CStringArg& key) const
+IString* CValueList::peekString(const IString& key, uint32_t hash) const
 {
-    const Entry* entry = m_table.find(key.get());
+    const Entry* entry = m_table.findHashed(key, hash);
     return entry ? entry->text : nullptr;
 }
 

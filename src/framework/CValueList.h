@@ -12,6 +12,7 @@
 #include "framework/TSimpleHashTable.h"
 
 #include <cstdint>
+#include <utility>
 
 namespace kore {
 
@@ -30,12 +31,15 @@ public:
 
     // Adds the entry or replaces the value of an existing key. Throws CInvalidArgError for a
     // null value (a key is either present with a value or absent).
-    void set(const CStringArg& key, P<IBase> value);
+    void set(const CStringArg& key, P<IBase> value) { set(key.get(), hashKey(key.get()), std::move(value)); }
+    // The same with the key's hash (hashKey) computed by the caller, for example outside a lock.
+    void set(const IString& key, uint32_t hash, P<IBase> value);
     // The value under `key`, or null when the key is absent.
     P<IBase> get(const CStringArg& key) const;
     // The value under `key` as a string; null when absent or not a string. The pointer stays
     // valid until that key is set again, removed or cleared.
-    IString* peekString(const CStringArg& key) const;
+    IString* peekString(const CStringArg& key) const { return peekString(key.get(), hashKey(key.get())); }
+    IString* peekString(const IString& key, uint32_t hash) const;
     bool contains(const CStringArg& key) const;
     // False when the key was absent.
     bool remove(const CStringArg& key);
@@ -43,6 +47,8 @@ public:
     void clear() noexcept { m_table.clear(); }
     uint32_t getCount() const noexcept { return m_table.getCount(); }
 
+    // The hash under which a key is stored.
+    static uint32_t hashKey(const IString& key) { return key.hash(); }
     // An owned copy of `text` in its own encoding (a plain byte copy, no conversion).
     static P<IString> copyText(const IString& text);
 

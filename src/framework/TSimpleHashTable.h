@@ -70,6 +70,16 @@ public:
         return m_bucketCount == 0 ? nullptr : findWithHash(key, Traits::hash(key));
     }
     const V* find(const Lookup& key) const { return const_cast<TSimpleHashTable*>(this)->find(key); }
+    // The same with the key's hash (Traits::hash(key)) computed by the caller, which may do the
+    // costly part of a look-up outside its lock.
+    V* findHashed(const Lookup& key, uint32_t hash)
+    {
+        return m_bucketCount == 0 ? nullptr : findWithHash(key, hash);
+    }
+    const V* findHashed(const Lookup& key, uint32_t hash) const
+    {
+        return const_cast<TSimpleHashTable*>(this)->findHashed(key, hash);
+    }
     bool contains(const Lookup& key) const { return find(key) != nullptr; }
 
     // Adds the entry or replaces the value of an existing key; true when the key was new.
@@ -89,8 +99,13 @@ public:
     template <class MakeKey>
     V& findOrAdd(const Lookup& key, MakeKey&& makeKey, bool* added = nullptr)
     {
-        const uint32_t hash = Traits::hash(key);
-        if (V* found = findWithHash(key, hash)) {
+        return findOrAddHashed(key, Traits::hash(key), std::forward<MakeKey>(makeKey), added);
+    }
+    // The same with the key's hash computed by the caller.
+    template <class MakeKey>
+    V& findOrAddHashed(const Lookup& key, uint32_t hash, MakeKey&& makeKey, bool* added = nullptr)
+    {
+        if (V* found = findHashed(key, hash)) {
             if (added)
                 *added = false;
             return *found;
