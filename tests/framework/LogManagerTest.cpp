@@ -204,14 +204,6 @@ TEST_F(LogManagerTest, RecordsFromManyThreadsAllArrive)
     EXPECT_EQ(journal.size(), 2000u);
 }
 
-TEST(LogManager, OneInstanceServesAsLogAndAsManager)
-{
-    P<CLogManager>& manager = CLogManager::instance();
-    EXPECT_EQ(&manager, &CLogManager::instance());
-    EXPECT_EQ(static_cast<IBase*>(static_cast<ILog*>(manager.get())),
-              static_cast<IBase*>(static_cast<ILogManager*>(manager.get())));
-}
-
 // --- Sinks
 
 const system_clock::time_point kWhen =
