@@ -1,12 +1,13 @@
 #include "framework/LocalizedText.h"
 
-#include "framework/CString.h"
+#include "framework/CStringLocalizer.h"
+#include "framework/IString.h"
 
 namespace kore {
 
-P<IString> getLocalizedText(const CStringArg&, const CStringArg& englishDefault)
+P<IString> getLocalizedText(const CStringArg& key, const CStringArg& englishDefault)
 {
-    return make<CString>(englishDefault.get(), *englishDefault->getEncoding());
+    return CStringLocalizer::instance()->getString(key, englishDefault);
 }
 
 } // namespace kore

@@ -1,0 +1,59 @@
+#pragma once
+// A table of framework objects by string key: what the string localizer keeps its texts in.
+// Keys compare exactly (case and every character count), by code point, whatever their
+// encodings; the list keeps its own copy of each key, so keys may borrow caller memory.
+//
+// Not locked: the owner serialises access.
+
+#include "framework/CObject.h"
+#include "framework/CStringArg.h"
+#include "framework/IString.h"
+#include "framework/P.h"
+#include "framework/TSimpleHashTable.h"
+
+#include <cstdint>
+#include <utility>
+
+namespace kore {
+
+class CValueList : public CObject {
+public:
+    // One value. A value that is a string is also kept as such, so that reading it back as a
+    // string needs no cast.
+    struct Entry {
+        P<IBase> value;
+        IString* text = nullptr;
+    };
+
+    CValueList() = default;
+    CValueList(const CValueList&) = delete;
+    CValueList& operator=(const CValueList&) = delete;
+
+    // Adds the entry or replaces the value of an existing key. Throws CInvalidArgError for a
+    // null value (a key is either present with a value or absent).
+    void set(const CStringArg& key, P<IBase> value) { set(key.get(), hashKey(key.get()), std::move(value)); }
+    // The same with the key's hash (hashKey) computed by the caller, for example outside a lock.
+    void set(const IString& key, uint32_t hash, P<IBase> value);
+    // The value under `key`, or null when the key is absent.
+    P<IBase> get(const CStringArg& key) const;
+    // The value under `key` as a string; null when absent or not a string. The pointer stays
+    // valid until that key is set again, removed or cleared.
+    IString* peekString(const CStringArg& key) const { return peekString(key.get(), hashKey(key.get())); }
+    IString* peekString(const IString& key, uint32_t hash) const;
+    bool contains(const CStringArg& key) const;
+    // False when the key was absent.
+    bool remove(const CStringArg& key);
+    // Removes every entry.
+    void clear() noexcept { m_table.clear(); }
+    uint32_t getCount() const noexcept { return m_table.getCount(); }
+
+    // The hash under which a key is stored.
+    static uint32_t hashKey(const IString& key) { return key.hash(); }
+    // An owned copy of `text` in its own encoding (a plain byte copy, no conversion).
+    static P<IString> copyText(const IString& text);
+
+private:
+    TSimpleHashTable<P<IString>, Entry> m_table;
+};
+
+} // namespace kore
