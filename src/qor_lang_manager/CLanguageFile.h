@@ -1,0 +1,59 @@
+#pragma once
+// One language file (".qorlang") in memory: which language it is, for which application, who
+// wrote it, a comment. Built from the file's location; reads the descriptive chunks once, in the
+// constructor, and never changes afterwards. The string entries are read on demand
+// (readStringTable), when a pack loads the language.
+
+#include "chunk_file/IStream.h"
+#include "framework/CObject.h"
+#include "framework/IString.h"
+#include "framework/IURI.h"
+#include "framework/P.h"
+#include "qor_lang_manager/CLanguageStringTable.h"
+#include "qor_lang_manager/LanguageId.h"
+
+namespace qor_lang {
+
+class CLanguageFile : public kore::CObject {
+public:
+    // Opens the file at `location` (the file keeps a URI of its own) for reading. Throws when it
+    // cannot be opened, is not a container ("URESFILE"), or a read fails; missing chunks are not
+    // errors.
+    explicit CLanguageFile(const kore::IURI& location);
+    // Reads from an open stream positioned at the container's header; `source` names the file.
+    CLanguageFile(const kore::IURI* source, chf::IStream& stream);
+
+    kore::P<kore::IURI> getSource() const { return m_source; }
+    kore::P<kore::IString> getAuthor() const { return m_author; }
+    kore::P<kore::IString> getAppId() const { return m_appId; }
+    kore::P<kore::IString> getAppString2() const { return m_appString2; }
+    LanguageId getLanguage() const { return m_language; }
+    kore::P<kore::IString> getEnglishName() const { return m_englishName; }
+    kore::P<kore::IString> getEnglishSubName() const { return m_englishSubName; }
+    kore::P<kore::IString> getNativeName() const { return m_nativeName; }
+    kore::P<kore::IString> getNativeSubName() const { return m_nativeSubName; }
+    kore::P<kore::IString> getComment() const { return m_comment; }
+
+    // Reads the entries of the "data" chunk of each top-level "STMP" chunk into `table`; a later
+    // "data" chunk replaces what an earlier one gave. Reopens the file at the source location.
+    void readStringTable(CLanguageStringTable& table) const;
+    // The same from an open stream positioned at the container's header.
+    static void readStringTable(chf::IStream& stream, const kore::IURI* source,
+                                CLanguageStringTable& table);
+
+private:
+    void load(chf::IStream& stream);
+
+    kore::P<kore::IURI> m_source;
+    kore::P<kore::IString> m_author;
+    kore::P<kore::IString> m_appId;
+    kore::P<kore::IString> m_appString2;
+    LanguageId m_language;
+    kore::P<kore::IString> m_englishName;
+    kore::P<kore::IString> m_englishSubName;
+    kore::P<kore::IString> m_nativeName;
+    kore::P<kore::IString> m_nativeSubName;
+    kore::P<kore::IString> m_comment;
+};
+
+} // namespace qor_lang

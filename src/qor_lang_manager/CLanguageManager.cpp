@@ -1,0 +1,137 @@
+#include "qor_lang_manager/CLanguageManager.h"
+
+#include "framework/CException.h"
+#include "framework/CFileNotFoundError.h"
+#include "framework/CGlobalObjFactory.h"
+#include "framework/CLogManager.h"
+#include "framework/CString.h"
+#include "framework/CStringFormat.h"
+#include "framework/IFileEntry.h"
+#include "framework/IFileEnum.h"
+#include "framework/IFileSystemManager.h"
+#include "framework/Trace.h"
+
+#include <algorithm>
+
+namespace qor_lang {
+
+using kore::P;
+
+namespace {
+
+constexpr int32_t kInfoLevel = 1;
+// Where the language change is traced, as debugger users of this library know it.
+constexpr int32_t kTraceLine = 189;
+
+P<CLanguageManager> create()
+{
+    return kore::make<CLanguageManager>();
+}
+
+} // namespace
+
+const LanguageId CLanguageManager::kFallbackLanguage(u"en-US", LanguageTagMode::Tag);
+
+P<CLanguageManager>& CLanguageManager::instance()
+{
+    return kore::CGlobalObjFactory::accessor<CLanguageManager, &create>();
+}
+
+CLanguagePack* CLanguageManager::findPack(const kore::CStringArg& appId) const
+{
+    auto it = m_packs.find(appId.get());
+    return it == m_packs.end() ? nullptr : it->second.get();
+}
+
+void CLanguageManager::add(P<kore::IURI> folder, const kore::CStringArg& appId)
+{
+    P<kore::IString> id = kore::keepText(appId);
+    if (m_packs.count(id))
+        return; // the first registration of an id wins, silently
+    m_packs.emplace(id, kore::make<CLanguagePack>(std::move(folder), *id));
+}
+
+void CLanguageManager::reload()
+{
+    for (auto& [id, pack] : m_packs)
+        pack->reload();
+}
+
+bool CLanguageManager::setCurrentLanguage(const LanguageId& language)
+{
+    const std::u16string tag = language.getTag();
+    kore::CLogManager::instance()->log(kInfoLevel, kLogModule,
+                                       *kore::formatString("Setting Language: %s", tag.c_str()), 0,
+                                       -1);
+    m_current = language;
+    for (auto& [id, pack] : m_packs)
+        pack->setLanguage(language);
+    if (kore::isTraceEnabled())
+        kore::debugTrace("CLanguageManager.cpp", kTraceLine, tag.c_str());
+    // A copy: a listener may remove itself while being told.
+    const std::vector<ILanguageChangeListener*> listeners = m_listeners;
+    for (ILanguageChangeListener* listener : listeners)
+        listener->onLanguageChanged(language);
+    return true;
+}
+
+int32_t CLanguageManager::getLanguageCount(const kore::CStringArg& appId)
+{
+    CLanguagePack* pack = findPack(appId);
+    return pack ? pack->count() : 0;
+}
+
+P<CLanguageFile> CLanguageManager::getLanguageFile(const kore::CStringArg& appId, int32_t index)
+{
+    CLanguagePack* pack = findPack(appId);
+    if (!pack)
+        return nullptr;
+    // A negative index is the caller's error; it passes here as it always has.
+    if (!(index < pack->count()))
+        return nullptr;
+    return pack->file(index);
+}
+
+P<kore::IURI> CLanguageManager::findFile(const kore::IURI& folder, const kore::CStringArg& prefix,
+                                         const LanguageId& language, const kore::CStringArg& infix,
+                                         const kore::CStringArg& suffix)
+{
+    const std::u16string tag = language.getTag();
+    P<kore::IString> pattern =
+        kore::formatString("%s%s%s%s", prefix.get(), tag.c_str(), infix.get(), suffix.get());
+    P<kore::IFileEnum> entries;
+    try {
+        entries = kore::IFileSystemManager::instance()->enumerate(folder, *pattern);
+    } catch (const kore::CFileNotFoundError&) {
+        return nullptr;
+    }
+    while (entries->hasNext()) {
+        P<kore::IFileEntry> entry = entries->next();
+        if (!entry->isFolder())
+            return entry->getURI();
+    }
+    return nullptr;
+}
+
+P<kore::IURI> CLanguageManager::findLocalizedFile(const kore::IURI& folder,
+                                                  const kore::CStringArg& prefix,
+                                                  const kore::CStringArg& infix,
+                                                  const kore::CStringArg& suffix)
+{
+    if (P<kore::IURI> found = findFile(folder, prefix, m_current, infix, suffix))
+        return found;
+    return findFile(folder, prefix, kFallbackLanguage, infix, suffix);
+}
+
+void CLanguageManager::addListener(ILanguageChangeListener* listener)
+{
+    if (listener && std::find(m_listeners.begin(), m_listeners.end(), listener) == m_listeners.end())
+        m_listeners.push_back(listener);
+}
+
+void CLanguageManager::removeListener(ILanguageChangeListener* listener)
+{
+    m_listeners.erase(std::remove(m_listeners.begin(), m_listeners.end(), listener), m_listeners.end());
+}
+
+} // namespace qor_lang

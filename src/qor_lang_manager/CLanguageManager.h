@@ -1,0 +1,82 @@
+#pragma once
+// The one object behind the exported interface: one language pack per application id, the
+// current language of the whole process, and the listeners told when it changes. It also finds
+// language-specific companion files. No lock of its own: hosts must not add, reload or set the
+// language on one thread while another queries.
+
+#include "framework/CObject.h"
+#include "framework/IString.h"
+#include "framework/IURI.h"
+#include "framework/P.h"
+#include "qor_lang_manager/CLanguageFile.h"
+#include "qor_lang_manager/CLanguagePack.h"
+#include "qor_lang_manager/ILanguageChangeListener.h"
+#include "qor_lang_manager/LanguageId.h"
+
+#include <map>
+#include <vector>
+
+namespace qor_lang {
+
+class CLanguageManager : public kore::CObject {
+public:
+    // The module under which language changes are logged.
+    static constexpr const char* kLogModule = "qor_lang::manager";
+    // The second choice of the file search: "en-US".
+    static const LanguageId kFallbackLanguage;
+
+    // The process's manager, created on first request and destroyed at unload.
+    static kore::P<CLanguageManager>& instance();
+
+    CLanguageManager() = default;
+
+    // Registers a folder for an application id; the first registration of an id wins.
+    void add(kore::P<kore::IURI> folder, const kore::CStringArg& appId);
+    // Makes every pack forget its files.
+    void reload();
+    // Logs the change, stores the language, hands it to every pack, traces, tells the listeners.
+    // The caller has checked that the id is valid.
+    bool setCurrentLanguage(const LanguageId& language);
+    LanguageId getCurrentLanguage() const { return m_current; }
+    int32_t getLanguageCount(const kore::CStringArg& appId);
+    // Null for an unknown id or an index not below the count.
+    kore::P<CLanguageFile> getLanguageFile(const kore::CStringArg& appId, int32_t index);
+    // The first non-folder entry of `folder` matching prefix + tag + infix + suffix, with the
+    // current tag and then "en-US"; null when neither matches (or the folder does not exist).
+    kore::P<kore::IURI> findLocalizedFile(const kore::IURI& folder, const kore::CStringArg& prefix,
+                                          const kore::CStringArg& infix,
+                                          const kore::CStringArg& suffix);
+
+    // Listeners are not owned: a listener removes itself before it dies.
+    void addListener(ILanguageChangeListener* listener);
+    void removeListener(ILanguageChangeListener* listener);
+
+private:
+    // The string's own order; transparent, so that look-ups need no copy of the argument.
+    struct ByText {
+        using is_transparent = void;
+        bool operator()(const kore::P<kore::IString>& a, const kore::P<kore::IString>& b) const
+        {
+            return a->compare(*b) < 0;
+        }
+        bool operator()(const kore::P<kore::IString>& a, const kore::IString& b) const
+        {
+            return a->compare(b) < 0;
+        }
+        bool operator()(const kore::IString& a, const kore::P<kore::IString>& b) const
+        {
+            return a.compare(*b) < 0;
+        }
+    };
+
+    CLanguagePack* findPack(const kore::CStringArg& appId) const;
+    kore::P<kore::IURI> findFile(const kore::IURI& folder, const kore::CStringArg& prefix,
+                                 const LanguageId& language, const kore::CStringArg& infix,
+                                 const kore::CStringArg& suffix);
+
+    std::map<kore::P<kore::IString>, kore::P<CLanguagePack>, ByText> m_packs;
+    LanguageId m_current;
+    std::vector<ILanguageChangeListener*> m_listeners;
+};
+
+} // namespace qor_lang

@@ -1,0 +1,114 @@
+#include "qor_lang_manager/CLanguagePack.h"
+
+#include "chunk_file/CKoreFileStream.h"
+#include "chunk_file/TChunkRef.h"
+#include "framework/CException.h"
+#include "framework/CFileNotFoundError.h"
+#include "framework/CLogManager.h"
+#include "framework/CString.h"
+#include "framework/CStringFormat.h"
+#include "framework/CStringLocalizer.h"
+#include "framework/IFileEntry.h"
+#include "framework/IFileEnum.h"
+#include "framework/IFileSystemManager.h"
+#include "framework/IStreamManager.h"
+#include "framework/ISystem.h"
+
+namespace qor_lang {
+
+using kore::P;
+
+namespace {
+constexpr int32_t kErrorLevel = 3;
+}
+
+CLanguagePack::CLanguagePack(P<kore::IURI> folder, const kore::CStringArg& appId)
+    : m_folder(std::move(folder)), m_appId(kore::keepText(appId))
+{
+}
+
+P<kore::IString> CLanguagePack::fileName(const kore::CStringArg& appId, const kore::CStringArg& tag)
+{
+    P<kore::IString> name = kore::formatString("%s-%s.qorlang", appId.get(), tag.get());
+    // Reduce every "--" until none is left, so that runs of hyphens become one.
+    while (name->find("--") != kore::IString::kNotFound)
+        name = name->replaceAll("--", "-");
+    return name;
+}
+
+void CLanguagePack::reportLoadError(const kore::IString& name)
+{
+    P<kore::CLogManager> log = kore::CLogManager::instance();
+    log->log(kErrorLevel, kLogModule, *kore::formatString("error while loading '%s'", name), 0, -1);
+}
+
+void CLanguagePack::scanIfEmpty()
+{
+    if (!m_files.empty())
+        return;
+    P<kore::IFileEnum> entries;
+    try {
+        entries = kore::IFileSystemManager::instance()->enumerate(
+            *m_folder, *kore::formatString("%s*.qorlang", *m_appId));
+    } catch (const kore::CFileNotFoundError&) {
+        return; // a folder that does not exist (yet) holds no files
+    }
+    while (entries->hasNext()) {
+        P<kore::IFileEntry> entry = entries->next();
+        if (entry->isFolder())
+            continue;
+        try {
+            m_files.push_back(kore::make<CLanguageFile>(*entry->getURI()));
+        } catch (...) {
+            reportLoadError(*entry->getName());
+        }
+    }
+}
+
+int32_t CLanguagePack::count()
+{
+    scanIfEmpty();
+    return static_cast<int32_t>(m_files.size());
+}
+
+P<CLanguageFile> CLanguagePack::file(int32_t index)
+{
+    scanIfEmpty();
+    return m_files[static_cast<size_t>(index)];
+}
+
+void CLanguagePack::reload()
+{
+    m_files.clear();
+}
+
+int32_t CLanguagePack::setLanguage(const LanguageId& language)
+{
+    const std::u16string tag = language.getTag();
+    P<kore::IString> name = fileName(*m_appId, tag.c_str());
+    try {
+        P<kore::IURI> uri = m_folder->resolve(*name);
+        if (!kore::ISystem::instance()->fileExists(*uri))
+            return 0;
+        CLanguageStringTable table;
+        {
+            chf::TChunkRef<chf::IStream> stream(
+                new chf::CKoreFileStream(*uri, kore::IStreamManager::kRead));
+            CLanguageFile::readStringTable(*stream, uri.get(), table);
+        }
+        P<kore::IStringLocalizer> localizer = kore::CStringLocalizer::instance();
+        table.forEach([&](const CLanguageStringEntry& entry) {
+            const std::u16string& key = entry.key ? *entry.key : std::u16string();
+            const std::u16string& text = entry.text ? *entry.text : std::u16string();
+            localizer->setString(kore::CStringArg(key.data(), static_cast<uint32_t>(key.size())),
+                                 kore::CStringArg(text.data(), static_cast<uint32_t>(text.size())));
+        });
+        table.release();
+        return 1;
+    } catch (...) {
+        reportLoadError(*name);
+        return 0;
+    }
+}
+
+} // namespace qor_lang

@@ -1,0 +1,51 @@
+#pragma once
+// The chunk ids of a language file and the reading of its value encodings from chunk data.
+
+#include "chunk_file/CChunkStream.h"
+#include "chunk_file/ChunkId.h"
+#include "framework/IURI.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace qor_lang {
+
+inline constexpr uint32_t kChunkLang = chf::makeChunkId("lang");
+inline constexpr uint32_t kChunkApid = chf::makeChunkId("apid");
+inline constexpr uint32_t kChunkCmnt = chf::makeChunkId("cmnt");
+inline constexpr uint32_t kChunkXdid = chf::makeChunkId("xdid");
+inline constexpr uint32_t kChunkVers = chf::makeChunkId("vers");
+inline constexpr uint32_t kChunkStmp = chf::makeChunkId("STMP");
+inline constexpr uint32_t kChunkData = chf::makeChunkId("data");
+inline constexpr uint32_t kChunkRsid = chf::makeChunkId("RSID");
+
+// A counted string: nullopt when the file says N = 0 (absent, read as empty).
+using CountedString = std::optional<std::u16string>;
+
+// Reads the values of one chunk's data. Reads are not limited to the chunk (a count that runs
+// past it takes the bytes that follow), but every size is checked against what is left of the
+// whole file before anything is allocated: a hostile count fails like a read past the end would,
+// with CEndOfStreamError.
+class CLanguageChunkReader {
+public:
+    // `fileLength`: length of the underlying file; `source`: named by the errors.
+    CLanguageChunkReader(chf::CChunkStream& chunk, int64_t fileLength, const kore::IURI* source)
+        : m_chunk(chunk), m_fileLength(fileLength), m_source(source)
+    {
+    }
+
+    uint32_t readUInt32();
+    CountedString readCountedString();
+    // Fails unless at least `bytes` are left in the file from the current position.
+    void require(uint64_t bytes);
+
+private:
+    void readExactly(void* buffer, uint64_t bytes);
+
+    chf::CChunkStream& m_chunk;
+    int64_t m_fileLength;
+    const kore::IURI* m_source;
+};
+
+} // namespace qor_lang
