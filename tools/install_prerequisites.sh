@@ -3,6 +3,10 @@
 # Needs root only when something is missing.
 set -euo pipefail
 
+# --example: only what building the library and the example host needs.
+if [ "${1:-}" = "--example" ]; then
+  packages=(cmake ninja-build g++)
+else
 packages=(
   cmake                         # build system (>= 3.25)
   ninja-build                   # build tool used by the presets
@@ -13,6 +17,7 @@ packages=(
   wine wine64                   # runs the Windows tests and example
   python3 iso-codes             # table generators' up-to-date checks (optional tests)
 )
+fi
 
 missing=()
 for p in "${packages[@]}"; do

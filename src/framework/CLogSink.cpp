@@ -47,8 +47,12 @@ std::string CLogSink::levelName(int32_t level)
         return "WARN";
     case kError:
         return "ERROR";
-    default:
-        return "L" + std::to_string(level);
+    default: {
+        // Appending rather than "L" + ...: gcc 12 at -O3 warns falsely about the latter.
+        std::string name = "L";
+        name += std::to_string(level);
+        return name;
+    }
     }
 }
 

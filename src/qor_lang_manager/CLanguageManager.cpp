@@ -6,6 +6,7 @@
 #include "framework/CLogManager.h"
 #include "framework/CString.h"
 #include "framework/CStringFormat.h"
+#include "framework/CStringLocalizer.h"
 #include "framework/IFileEntry.h"
 #include "framework/IFileEnum.h"
 #include "framework/IFileSystemManager.h"
@@ -64,6 +65,13 @@ bool CLanguageManager::setCurrentLanguage(const LanguageId& language)
                                        *kore::formatString("Setting Language: %s", tag.c_str()), 0,
                                        -1);
     m_current = language;
+    // Texts of the previous language must not show through keys the new one lacks; but when no
+    // folder has the new language at all, the current texts stay rather than fall back.
+    const bool anyFile = std::any_of(m_packs.begin(), m_packs.end(), [&](const auto& entry) {
+        return entry.second->hasLanguageFile(language);
+    });
+    if (anyFile)
+        kore::CStringLocalizer::instance()->clear();
     for (auto& [id, pack] : m_packs)
         pack->setLanguage(language);
     if (kore::isTraceEnabled())

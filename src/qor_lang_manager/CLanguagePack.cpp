@@ -82,13 +82,28 @@ void CLanguagePack::reload()
     m_files.clear();
 }
 
+P<kore::IURI> CLanguagePack::languageFileURI(const kore::IString& name) const
+{
+    P<kore::IURI> uri = m_folder->resolve(name);
+    return kore::ISystem::instance()->fileExists(*uri) ? uri : nullptr;
+}
+
+bool CLanguagePack::hasLanguageFile(const LanguageId& language) const
+{
+    try {
+        return languageFileURI(*fileName(*m_appId, language.getTag().c_str())) != nullptr;
+    } catch (const kore::CException&) {
+        return false; // a name the folder cannot hold
+    }
+}
+
 int32_t CLanguagePack::setLanguage(const LanguageId& language)
 {
     const std::u16string tag = language.getTag();
     P<kore::IString> name = fileName(*m_appId, tag.c_str());
     try {
-        P<kore::IURI> uri = m_folder->resolve(*name);
-        if (!kore::ISystem::instance()->fileExists(*uri))
+        P<kore::IURI> uri = languageFileURI(*name);
+        if (!uri)
             return 0;
         CLanguageStringTable table;
         {

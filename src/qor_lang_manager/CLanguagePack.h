@@ -32,6 +32,9 @@ public:
     // or, for a file that fails midway, holds what was set before the failure).
     int32_t setLanguage(const LanguageId& language);
 
+    // True when the folder holds this pack's file for `language`.
+    bool hasLanguageFile(const LanguageId& language) const;
+
     // The file name of `appId` for `tag`: appId + "-" + tag + ".qorlang", every "--" then
     // reduced to "-".
     static kore::P<kore::IString> fileName(const kore::CStringArg& appId, const kore::CStringArg& tag);
@@ -40,6 +43,7 @@ public:
     kore::P<kore::IString> getAppId() const { return m_appId; }
 
 private:
+    kore::P<kore::IURI> languageFileURI(const kore::IString& name) const;
     void scanIfEmpty();
     static void reportLoadError(const kore::IString& name);
 
