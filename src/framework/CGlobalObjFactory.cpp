@@ -4,23 +4,34 @@
 
 #include <atomic>
 #include <cstdlib>
+#include <new>
 
 namespace kore {
 
 namespace {
 
 struct FactoryRecord {
-    P<CGlobalObjFactory> instance;
+    FactoryRecord() { new (m_instance) P<CGlobalObjFactory>(); }
+
+    P<CGlobalObjFactory>& instance()
+    {
+        return *std::launder(reinterpret_cast<P<CGlobalObjFactory>*>(m_instance));
+    }
+
     std::atomic<uint64_t> state{0};
     std::atomic<uint64_t> deadMark{0};
+
+private:
+    // The pointer is never destroyed by the runtime: the record must outlive every other static
+    // of the library during teardown, and only the unload routine empties it. So the record has
+    // no destructor to run and needs no heap memory that an unloaded library would leak.
+    alignas(P<CGlobalObjFactory>) unsigned char m_instance[sizeof(P<CGlobalObjFactory>)];
 };
 
-// Trivially destructible storage: the record must outlive every other static of the library,
-// since services may be asked for while statics are being torn down.
 FactoryRecord& record()
 {
-    static FactoryRecord* r = new FactoryRecord;
-    return *r;
+    static FactoryRecord r;
+    return r;
 }
 
 bool g_creationStarted = false;
@@ -34,14 +45,14 @@ P<IMutexFactory>& processMutexFactory()
 void createInstance()
 {
     FactoryRecord& r = record();
-    r.instance = nullptr;
+    r.instance() = nullptr;
     P<IMutex> mutex = processMutexFactory()->createMutex();
     mutex->lock();
     const bool started = g_creationStarted;
     g_creationStarted = true;
     if (!started) {
         r.state = 0;
-        r.instance = P<CGlobalObjFactory>::adopt(new CGlobalObjFactory);
+        r.instance() = P<CGlobalObjFactory>::adopt(new CGlobalObjFactory);
         r.state = CGlobalObjFactory::kReadyState;
     }
     mutex->unlock();
@@ -84,7 +95,7 @@ P<CGlobalObjFactory>& CGlobalObjFactory::instance()
             platform::debugBreak();
         platform::sleepMilliseconds(1);
     }
-    return r.instance;
+    return r.instance();
 }
 
 void CGlobalObjFactory::unload()
@@ -92,7 +103,7 @@ void CGlobalObjFactory::unload()
     FactoryRecord& r = record();
     r.state = 0;
     r.deadMark = kDeadMark;
-    r.instance = nullptr;
+    r.instance() = nullptr;
 }
 
 uint64_t CGlobalObjFactory::getState()
