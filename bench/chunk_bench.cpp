@@ -60,11 +60,14 @@ private:
     P<kore::IURI> m_uri;
 };
 
+// Emptied by main while the framework's services still exist: a static's destructor would run
+// after they are gone.
+std::map<std::pair<int, int32_t>, CBenchContainer> g_containers;
+
 // Built on first use; the benchmark library calls each benchmark function more than once.
 const kore::IURI& containerFile(int count, int32_t size)
 {
-    static std::map<std::pair<int, int32_t>, CBenchContainer> containers;
-    return containers.try_emplace({count, size}, count, size).first->second.uri();
+    return g_containers.try_emplace({count, size}, count, size).first->second.uri();
 }
 
 // Open, walk with nextChunk, open each chunk's stream, read its data, release.
@@ -123,4 +126,13 @@ BENCHMARK(readWholeFile)->Unit(benchmark::kMillisecond);
 
 } // namespace
 
-BENCHMARK_MAIN();
+int main(int argc, char** argv)
+{
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv))
+        return 1;
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    g_containers.clear();
+    return 0;
+}
