@@ -70,10 +70,11 @@ int64_t CKoreFileStream::write(const void* buffer, int32_t count)
 
 int64_t CKoreFileStream::read(void* buffer, int32_t count)
 {
-    if (count < 0)
-        raiseUnsupported();
+    // Without input nothing happens at all, whatever the count.
     if (!m_input)
         return 0;
+    if (count < 0)
+        raiseUnsupported();
     return m_input->read(buffer, static_cast<uint32_t>(count));
 }
 
