@@ -73,12 +73,17 @@ TEST_F(Exports, NonAsciiTextCrossesTheBoundaryUnchanged)
     // texts and defaults.
     const std::u16string key = m_app + u".メニュー.ファイル";
     const std::u16string text = u"ファイルを開く… \U0001F310 äöü";
-    writeLanguageFile(m_folder, m_app, u"ja-JP", {{key, text}});
+    // Unpaired surrogates are no characters, but Windows strings may hold them: what a host or a
+    // file gives comes back unit for unit.
+    const std::u16string unpaired = u"a" + std::u16string(1, char16_t(0xDC00)) + u"b\xD800";
+    writeLanguageFile(m_folder, m_app, u"ja-JP", {{key, text}, {m_app + u".unpaired", unpaired}});
     ASSERT_EQ(addFolder(m_folder, m_app), 0);
     ASSERT_EQ(setLanguage(u"ja-JP"), 0);
 
     EXPECT_EQ(localString(key, u"Open file"), text);
     EXPECT_EQ(localString(m_app + u".未定義", u"既定の文字列 \U0001F600"), u"既定の文字列 \U0001F600");
+    EXPECT_EQ(localString(m_app + u".unpaired", u"default"), unpaired);
+    EXPECT_EQ(localString(m_app + u".未定義", unpaired), unpaired);
 }
 
 TEST_F(Exports, SettingALanguageReplacesTheTextsOfEveryApplication)
