@@ -32,6 +32,11 @@ inline const QOR_LANG2_CHAR* w(const std::u16string& text)
     return reinterpret_cast<const QOR_LANG2_CHAR*>(text.c_str());
 }
 
+inline const QOR_LANG2_CHAR* w(const char16_t* text)
+{
+    return reinterpret_cast<const QOR_LANG2_CHAR*>(text);
+}
+
 inline std::u16string u16(std::string_view ascii)
 {
     return std::u16string(ascii.begin(), ascii.end());

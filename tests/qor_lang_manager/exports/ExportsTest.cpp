@@ -191,7 +191,7 @@ TEST_F(Exports, FoldersGivenAsUriText)
 {
     writeLanguageFile(m_folder, m_app, u"de-DE");
     for (const char16_t* bad : {u"not a uri", u"file:///%zz/", u"C:\\Lang\\", u"", u"x:/a"})
-        EXPECT_EQ(QOR_LANG2_addEx(bad, w(m_app)), -1) << utf8(bad);
+        EXPECT_EQ(QOR_LANG2_addEx(w(bad), w(m_app)), -1) << utf8(bad);
     EXPECT_EQ(QOR_LANG2_addEx(nullptr, w(m_app)), -1);
     EXPECT_EQ(QOR_LANG2_addEx(w(folderUri(m_folder)), nullptr), -1);
     EXPECT_EQ(QOR_LANG2_add(nullptr, nullptr, w(m_app)), -1);
