@@ -75,7 +75,7 @@ TEST_F(Exports, NonAsciiTextCrossesTheBoundaryUnchanged)
     const std::u16string text = u"ファイルを開く… \U0001F310 äöü";
     // Unpaired surrogates are no characters, but Windows strings may hold them: what a host or a
     // file gives comes back unit for unit.
-    const std::u16string unpaired = u"a" + std::u16string(1, char16_t(0xDC00)) + u"b\xD800";
+    const std::u16string unpaired = u"a\xDC00" u"b\xD800";
     writeLanguageFile(m_folder, m_app, u"ja-JP", {{key, text}, {m_app + u".unpaired", unpaired}});
     ASSERT_EQ(addFolder(m_folder, m_app), 0);
     ASSERT_EQ(setLanguage(u"ja-JP"), 0);
@@ -176,7 +176,7 @@ TEST_F(Exports, UnknownApplicationsHaveNoLanguages)
     EXPECT_FALSE(FileHandle(QOR_LANG2_getLanguageFile(nullptr, 0)));
 }
 
-TEST_F(Exports, AFolderIsReadOnlyWhenQueriedSoItMayAppearLater)
+TEST_F(Exports, AMissingFolderIsNoErrorAndIsLookedForAgain)
 {
     const fs::path later = m_folder / "later";
     ASSERT_EQ(addFolder(later, m_app), 0) << "a missing folder is no error";
@@ -190,7 +190,7 @@ TEST_F(Exports, AFolderIsReadOnlyWhenQueriedSoItMayAppearLater)
 TEST_F(Exports, FoldersGivenAsUriText)
 {
     writeLanguageFile(m_folder, m_app, u"de-DE");
-    for (const char16_t* bad : {u"not a uri", u"file:///%zz/", u"C:\\Lang\\", u"", u"x:/a"})
+    for (const char16_t* bad : {u"not a uri", u"file:///%zz/", u"C:\\Lang\\", u""})
         EXPECT_EQ(QOR_LANG2_addEx(w(bad), w(m_app)), -1) << utf8(bad);
     EXPECT_EQ(QOR_LANG2_addEx(nullptr, w(m_app)), -1);
     EXPECT_EQ(QOR_LANG2_addEx(w(folderUri(m_folder)), nullptr), -1);
