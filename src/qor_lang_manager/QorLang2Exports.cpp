@@ -7,10 +7,13 @@
 #include "framework/CString.h"
 #include "framework/CStringLocalizer.h"
 #include "framework/CURI.h"
+#include "framework/CUTF16CharEncoding.h"
 #include "framework/Cast.h"
+#include "framework/ICharEncoding.h"
 #include "framework/IPathes.h"
 #include "qor_lang_manager/CLanguageManager.h"
 
+#include <bit>
 #include <cstring>
 #include <limits>
 #include <new>
@@ -20,6 +23,8 @@ using qor_lang::CLanguageFile;
 using qor_lang::CLanguageManager;
 
 static_assert(sizeof(QOR_LANG2_CHAR) == sizeof(char16_t), "the exported strings are UTF-16");
+// The host's units are taken as the framework's UTF-16, which is little-endian, and back.
+static_assert(std::endian::native == std::endian::little, "UTF-16 crosses the boundary as bytes");
 
 namespace {
 
@@ -34,7 +39,8 @@ kore::CStringArg arg(const QOR_LANG2_CHAR* text)
 }
 
 // A new buffer of the library's allocator: length + 1 units, the size saturating, not wrapping.
-QOR_LANG2_CHAR* copyOut(const char16_t* text, size_t length)
+// `text` holds `length` UTF-16 units; it need not be aligned.
+QOR_LANG2_CHAR* copyOut(const void* text, size_t length)
 {
     constexpr size_t kMax = std::numeric_limits<size_t>::max() / sizeof(QOR_LANG2_CHAR);
     const size_t units = length >= kMax ? kMax : length + 1;
@@ -54,6 +60,10 @@ QOR_LANG2_CHAR* copyOut(const std::u16string& text)
 
 QOR_LANG2_CHAR* copyOut(const kore::IString& text)
 {
+    // UTF-16 text (the host's own and the language files') is copied unit for unit: decoding
+    // would drop unpaired surrogates, which Windows strings may hold.
+    if (text.getEncoding()->getId() == kore::CUTF16CharEncoding::kId)
+        return copyOut(text.getBuffer(), text.getByteLength() / sizeof(char16_t));
     return copyOut(text.toU16());
 }
 

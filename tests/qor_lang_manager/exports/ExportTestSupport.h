@@ -1,0 +1,153 @@
+#pragma once
+// What the tests of the exported functions share: UTF-16 text in and out of the C interface,
+// results freed the way a host must free them, and language files written to disk. Files are
+// written by the test program's own copy of the language classes; everything under test is
+// reached through qor_lang2.h only.
+
+#include "qor_lang2.h"
+
+#include "../../framework/TempFolder.h"
+#include "framework/CString.h"
+#include "framework/CURI.h"
+#include "qor_lang_manager/CLanguageFileWriter.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace export_test {
+
+static_assert(sizeof(QOR_LANG2_CHAR) == sizeof(char16_t));
+
+// Text for the interface. The buffer must outlive the call.
+inline const QOR_LANG2_CHAR* w(const std::u16string& text)
+{
+    return reinterpret_cast<const QOR_LANG2_CHAR*>(text.c_str());
+}
+
+inline const QOR_LANG2_CHAR* w(const char16_t* text)
+{
+    return reinterpret_cast<const QOR_LANG2_CHAR*>(text);
+}
+
+inline std::u16string u16(std::string_view ascii)
+{
+    return std::u16string(ascii.begin(), ascii.end());
+}
+
+// For failure messages.
+inline std::string utf8(const std::u16string& text)
+{
+    return kore::CString::fromUTF16(text)->toUTF8();
+}
+
+// A string the library returned, copied and then given back to the library; nullopt for null.
+using Text = std::optional<std::u16string>;
+
+inline Text take(QOR_LANG2_CHAR* returned)
+{
+    if (!returned)
+        return std::nullopt;
+    Text text(reinterpret_cast<const char16_t*>(returned));
+    QOR_LANG2_freeWideString(returned);
+    return text;
+}
+
+struct FileHandleDeleter {
+    void operator()(void* handle) const { QOR_LANG2_freeQorLangFile(handle); }
+};
+using FileHandle = std::unique_ptr<void, FileHandleDeleter>;
+
+inline FileHandle languageFile(const std::u16string& appId, int32_t index)
+{
+    return FileHandle(QOR_LANG2_getLanguageFile(w(appId), index));
+}
+
+inline Text currentLanguage()
+{
+    return take(QOR_LANG2_getCurrentLanguage());
+}
+
+inline Text localString(const std::u16string& key, const std::u16string& defaultText)
+{
+    return take(QOR_LANG2_getLocalString(w(key), w(defaultText)));
+}
+
+inline int32_t setLanguage(const std::u16string& tag)
+{
+    return QOR_LANG2_setCurrentLanguage(w(tag));
+}
+
+inline std::u16string pathText(const std::filesystem::path& path)
+{
+    return path.u16string();
+}
+
+// The "file" URI text of a folder, ending in "/".
+inline std::u16string folderUri(const std::filesystem::path& folder)
+{
+    std::u16string uri = kore::CURI::fromLocalPath(pathText(folder).c_str())->toString()->toU16();
+    if (uri.empty() || uri.back() != u'/')
+        uri += u'/';
+    return uri;
+}
+
+inline int32_t addFolder(const std::filesystem::path& folder, const std::u16string& appId)
+{
+    return QOR_LANG2_add(w(pathText(folder)), nullptr, w(appId));
+}
+
+// A language file with a tag, an application id and strings; the other items stay empty.
+inline qor_lang::CLanguageFileWriter languageWriter(
+    const std::u16string& tag, const std::u16string& appId,
+    const std::vector<std::pair<std::u16string, std::u16string>>& strings = {})
+{
+    qor_lang::CLanguageFileWriter writer;
+    writer.setLanguage(tag, std::nullopt, std::nullopt);
+    writer.setApplication(appId);
+    for (const auto& [key, text] : strings)
+        writer.addString(key, text);
+    return writer;
+}
+
+inline void writeLanguageFile(const std::filesystem::path& file,
+                              const qor_lang::CLanguageFileWriter& writer)
+{
+    writer.writeFile(*kore::CURI::fromLocalPath(pathText(file).c_str()));
+}
+
+// `appId` + "-" + `tag` + ".qorlang" in `folder`, as the library looks for it.
+inline void writeLanguageFile(const std::filesystem::path& folder, const std::u16string& appId,
+                              const std::u16string& tag,
+                              const std::vector<std::pair<std::u16string, std::u16string>>& strings = {})
+{
+    writeLanguageFile(folder / (appId + u"-" + tag + u".qorlang"), languageWriter(tag, appId, strings));
+}
+
+inline void writeBytes(const std::filesystem::path& file, std::string_view bytes)
+{
+    std::ofstream out(file, std::ios::binary | std::ios::trunc);
+    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+}
+
+inline std::string readBytes(const std::filesystem::path& file)
+{
+    std::ifstream in(file, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+}
+
+// The running test's name, as an id or key prefix that no other test uses in this process.
+inline std::u16string testName()
+{
+    const auto* info = ::testing::UnitTest::GetInstance()->current_test_info();
+    return u16(std::string(info->test_suite_name()) + "." + info->name());
+}
+
+} // namespace export_test
