@@ -32,8 +32,8 @@ public:
     // or, for a file that fails midway, holds what was set before the failure).
     int32_t setLanguage(const LanguageId& language);
 
-    // The file name of `appId` for `tag`: appId + "-" + tag + ".qorlang", every "--" then
-    // reduced to "-".
+    // The file name of `appId` for `tag`: appId + "-" + tag + ".qorlang", then every "--"
+    // replaced by "-" in one pass.
     static kore::P<kore::IString> fileName(const kore::CStringArg& appId, const kore::CStringArg& tag);
 
     kore::P<kore::IURI> getFolder() const { return m_folder; }
