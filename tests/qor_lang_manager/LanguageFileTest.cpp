@@ -114,6 +114,12 @@ TEST(LanguageFile, LangMustComeBeforeEveryChunkButRsid)
     EXPECT_EQ(utf8(bare->getEnglishSubName()), "");
     EXPECT_EQ(utf8(bare->getNativeName()), "français");
     EXPECT_EQ(utf8(bare->getAppId()), "App");
+
+    // An unknown country makes the id invalid, but the language it found keeps its English name.
+    const auto unknownCountry = readFile(container(langChunk(u"de-XX")));
+    EXPECT_FALSE(unknownCountry->getLanguage().isValid());
+    EXPECT_EQ(utf8(unknownCountry->getEnglishName()), "German");
+    EXPECT_EQ(utf8(unknownCountry->getEnglishSubName()), "");
 }
 
 TEST(LanguageFile, OnlyTheLastStmpWithDataCounts)

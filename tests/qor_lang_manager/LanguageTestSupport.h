@@ -30,21 +30,19 @@ inline Bytes operator+(Bytes a, const Bytes& b)
 
 inline Bytes u32(uint32_t value)
 {
-    Bytes out;
-    qor_lang::CLanguageFileWriter::appendUInt32(out, value);
-    return out;
+    return {uint8_t(value), uint8_t(value >> 8), uint8_t(value >> 16), uint8_t(value >> 24)};
 }
 
-inline Bytes u64(uint64_t value)
-{
-    return u32(static_cast<uint32_t>(value)) + u32(static_cast<uint32_t>(value >> 32));
-}
+inline Bytes u64(uint64_t value) { return u32(uint32_t(value)) + u32(uint32_t(value >> 32)); }
 
-// A counted string as the writer stores it (N = units + 1, zero terminated); nullopt is N = 0.
+// A counted string: N = units + 1, the units, a zero unit; nullopt is N = 0.
 inline Bytes counted(const qor_lang::CountedString& text)
 {
-    Bytes out;
-    qor_lang::CLanguageFileWriter::appendCountedString(out, text);
+    if (!text)
+        return u32(0);
+    Bytes out = u32(uint32_t(text->size() + 1));
+    for (char16_t c : *text + u'\0')
+        out = out + Bytes{uint8_t(c), uint8_t(c >> 8)};
     return out;
 }
 
