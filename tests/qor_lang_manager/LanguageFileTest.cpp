@@ -80,7 +80,8 @@ TEST(LanguageFile, CountedStrings)
         chunk("apid", counted(std::nullopt) + counted(u"two")) +
         // A count running past its chunk takes the bytes that follow it: the next chunk's id.
         chunk("cmnt", u32(3)) + chunk("h\0i\0", Bytes{}) +
-        chunk("xdid", u32(1) + counted(u"QOR_LANG_AUTHOR") + counted(u"Ann")));
+        chunk("xdid", u32(2) + counted(u"QOR_LANG_AUTHOR") + counted(u"Bob") + counted(u"QOR_LANG_AUTHOR") +
+                          counted(u"Ann")));
 
     const auto read = readFile(file);
     EXPECT_EQ(utf8(read->getNativeName()), "");
@@ -88,7 +89,7 @@ TEST(LanguageFile, CountedStrings)
     EXPECT_EQ(utf8(read->getAppId()), "");
     EXPECT_EQ(utf8(read->getAppString2()), "two");
     EXPECT_EQ(utf8(read->getComment()), "hi");
-    EXPECT_EQ(utf8(read->getAuthor()), "Ann");
+    EXPECT_EQ(utf8(read->getAuthor()), "Ann") << "the later of two pairs with one key";
 }
 
 TEST(LanguageFile, LangMustComeBeforeEveryChunkButRsid)

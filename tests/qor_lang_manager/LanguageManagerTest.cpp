@@ -126,6 +126,7 @@ TEST_F(LanguageManagerTest, LocalizedFilesPreferTheCurrentLanguageThenEnUs)
 
     std::filesystem::remove(folder.path("help_en-US.pdf"));
     EXPECT_EQ(found("help_", "", ".pdf"), "<null>");
+    EXPECT_EQ(manager->findLocalizedFile(*folder.uri("missing"), "help_", "", ".pdf"), nullptr);
 }
 
 } // namespace
