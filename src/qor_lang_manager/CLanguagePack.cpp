@@ -29,11 +29,8 @@ CLanguagePack::CLanguagePack(P<kore::IURI> folder, const kore::CStringArg& appId
 
 P<kore::IString> CLanguagePack::fileName(const kore::CStringArg& appId, const kore::CStringArg& tag)
 {
-    P<kore::IString> name = kore::formatString("%s-%s.qorlang", appId.get(), tag.get());
-    // Reduce every "--" until none is left, so that runs of hyphens become one.
-    while (name->find("--") != kore::IString::kNotFound)
-        name = name->replaceAll("--", "-");
-    return name;
+    // One pass, so "A--" + "-" + tag keeps "A--" in front, as the folder scan ("A--*") expects.
+    return kore::formatString("%s-%s.qorlang", appId.get(), tag.get())->replaceAll("--", "-");
 }
 
 void CLanguagePack::reportLoadError(const kore::IString& name)

@@ -35,8 +35,8 @@ public:
     // True when the folder holds this pack's file for `language`.
     bool hasLanguageFile(const LanguageId& language) const;
 
-    // The file name of `appId` for `tag`: appId + "-" + tag + ".qorlang", every "--" then
-    // reduced to "-".
+    // The file name of `appId` for `tag`: appId + "-" + tag + ".qorlang", then every "--"
+    // replaced by "-" in one pass.
     static kore::P<kore::IString> fileName(const kore::CStringArg& appId, const kore::CStringArg& tag);
 
     kore::P<kore::IURI> getFolder() const { return m_folder; }

@@ -1,0 +1,273 @@
+#include "LanguageTestSupport.h"
+
+#include "framework/CEndOfStreamError.h"
+#include "framework/IURI.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace lang_test;
+using qor_lang::CLanguageFile;
+using qor_lang::CLanguageFileWriter;
+using qor_lang::CLanguageStringTable;
+
+CLanguageFileWriter frenchCanadian(bool withAuthor)
+{
+    CLanguageFileWriter writer;
+    writer.setLanguage(u"fr-CA", u"français", u"Canada (Québec)");
+    writer.setApplication(u"MyApp", u"second");
+    writer.setComment(u"Traduit à la main");
+    writer.addExtra(u"QOR_LANG_TOOL", u"lc 2.1");
+    if (withAuthor)
+        writer.setAuthor(u"Émilie Tremblay");
+    writer.setVersion(7);
+    writer.addString(u"menu.file", u"Fichier");
+    return writer;
+}
+
+void expectFrenchCanadian(const CLanguageFile& file, const char* author)
+{
+    EXPECT_TRUE(file.getLanguage().isValid());
+    EXPECT_EQ(file.getLanguage().getTag(), u"fr-CA");
+    EXPECT_EQ(utf8(file.getEnglishName()), "French") << "from the code table, not the file";
+    EXPECT_EQ(utf8(file.getEnglishSubName()), "Canada");
+    EXPECT_EQ(utf8(file.getNativeName()), "français");
+    EXPECT_EQ(utf8(file.getNativeSubName()), "Canada (Québec)");
+    EXPECT_EQ(utf8(file.getAppId()), "MyApp");
+    EXPECT_EQ(utf8(file.getAppString2()), "second");
+    EXPECT_EQ(utf8(file.getComment()), "Traduit à la main");
+    EXPECT_EQ(utf8(file.getAuthor()), author);
+}
+
+TEST(LanguageFile, DescriptiveDataReadsBackFromMemoryAndDisk)
+{
+    expectFrenchCanadian(*readFile(written(frenchCanadian(true))), "Émilie Tremblay");
+    expectFrenchCanadian(*readFile(written(frenchCanadian(false))), "");
+
+    kore_test::CTempFolder folder;
+    const kore::P<kore::IURI> uri = folder.uri()->resolve("MyApp-fr-CA.qorlang");
+    frenchCanadian(true).writeFile(*uri);
+    const auto onDisk = kore::make<CLanguageFile>(*uri);
+    expectFrenchCanadian(*onDisk, "Émilie Tremblay");
+    EXPECT_EQ(utf8(onDisk->getSource()->toString()), utf8(uri->toString()));
+
+    // Every reader test builds its files with the writer: pin the layout it writes.
+    CLanguageFileWriter minimal;
+    minimal.setLanguage(u"de-DE", u"Deutsch", std::nullopt);
+    minimal.setApplication(u"A");
+    minimal.setAuthor(u"me");
+    minimal.addString(u"k", u"v", 5);
+    const Bytes expected = container(
+        chunk("lang", counted(u"de-DE") + counted(u"Deutsch") + u32(0)) + chunk("apid", counted(u"A") + u32(0)) +
+        chunk("cmnt", u32(0)) + chunk("xdid", u32(1) + counted(u"QOR_LANG_AUTHOR") + counted(u"me")) +
+        chunk("vers", u32(1)) +
+        chunk("STMP", chunk("data", u32(1) + u32(5) + counted(u"k") + counted(u"v") + u32(0) + u32(0))));
+    EXPECT_EQ(written(minimal), expected);
+}
+
+TEST(LanguageFile, CountedStrings)
+{
+    // native: N = 1 (empty); sub-name: N = 7 whose last unit is '?', not zero.
+    const Bytes sub = u32(7) + Bytes{'Q', 0, 'u', 0, 0xE9, 0, 'b', 0, 'e', 0, 'c', 0, '?', 0};
+    const Bytes file = container(
+        chunk("lang", counted(u"fr-CA") + counted(u"") + sub) +
+        // N = 0: absent, and only its count is consumed.
+        chunk("apid", counted(std::nullopt) + counted(u"two")) +
+        // A count running past its chunk takes the bytes that follow it: the next chunk's id.
+        chunk("cmnt", u32(3)) + chunk("h\0i\0", Bytes{}) +
+        chunk("xdid", u32(2) + counted(u"QOR_LANG_AUTHOR") + counted(u"Bob") + counted(u"QOR_LANG_AUTHOR") +
+                          counted(u"Ann")));
+
+    const auto read = readFile(file);
+    EXPECT_EQ(utf8(read->getNativeName()), "");
+    EXPECT_EQ(utf8(read->getNativeSubName()), "Québec");
+    EXPECT_EQ(utf8(read->getAppId()), "");
+    EXPECT_EQ(utf8(read->getAppString2()), "two");
+    EXPECT_EQ(utf8(read->getComment()), "hi");
+    EXPECT_EQ(utf8(read->getAuthor()), "Ann") << "the later of two pairs with one key";
+}
+
+TEST(LanguageFile, LangMustComeBeforeEveryChunkButRsid)
+{
+    const Bytes apid = chunk("apid", counted(u"App") + counted(u""));
+    const Bytes cmnt = chunk("cmnt", counted(u"note"));
+    const Bytes rsid = chunk("RSID", counted(u"IDR_1"));
+
+    const auto late = readFile(container(apid + langChunk(u"de-DE", u"Deutsch") + cmnt));
+    EXPECT_FALSE(late->getLanguage().isValid());
+    EXPECT_EQ(utf8(late->getEnglishName()), "");
+    EXPECT_EQ(utf8(late->getNativeName()), "");
+    EXPECT_EQ(utf8(late->getAppId()), "App") << "the other chunks are searched from the start";
+    EXPECT_EQ(utf8(late->getComment()), "note");
+
+    const auto afterRsid = readFile(container(rsid + rsid + langChunk(u"de-DE", u"Deutsch") + apid));
+    EXPECT_EQ(afterRsid->getLanguage().getTag(), u"de-DE");
+    EXPECT_EQ(utf8(afterRsid->getNativeName()), "Deutsch");
+
+    const auto bare = readFile(container(langChunk(u"fr", u"français", u"France") + apid));
+    EXPECT_FALSE(bare->getLanguage().isValid()) << "a tag needs its country part";
+    EXPECT_EQ(utf8(bare->getEnglishName()), "");
+    EXPECT_EQ(utf8(bare->getEnglishSubName()), "");
+    EXPECT_EQ(utf8(bare->getNativeName()), "français");
+    EXPECT_EQ(utf8(bare->getAppId()), "App");
+
+    // An unknown country makes the id invalid, but the language it found keeps its English name.
+    const auto unknownCountry = readFile(container(langChunk(u"de-XX")));
+    EXPECT_FALSE(unknownCountry->getLanguage().isValid());
+    EXPECT_EQ(utf8(unknownCountry->getEnglishName()), "German");
+    EXPECT_EQ(utf8(unknownCountry->getEnglishSubName()), "");
+}
+
+TEST(LanguageFile, OnlyTheLastStmpWithDataCounts)
+{
+    const Bytes lang = langChunk(u"de-DE");
+    const Bytes first = stmpChunk({{u"a", u"1"}, {u"b", u"2"}});
+    const Bytes second = stmpChunk({{u"c", u"3"}});
+    const Bytes withoutData = chunk("STMP", chunk("note", counted(u"x")));
+
+    CLanguageStringTable table;
+    readTable(container(lang + first + second), table);
+    EXPECT_EQ(table.getCount(), 1);
+    EXPECT_EQ(table.find(u"a"), nullptr);
+    ASSERT_NE(table.find(u"c"), nullptr);
+    EXPECT_EQ(*table.find(u"c")->text, u"3");
+
+    readTable(container(lang + first + withoutData), table);
+    EXPECT_EQ(table.getCount(), 2) << "an STMP without data is passed over";
+    readTable(container(lang + withoutData), table);
+    EXPECT_EQ(table.getCount(), 2) << "no data chunk: nothing is emptied either";
+}
+
+struct Span {
+    std::string id;
+    size_t header, data, end;
+};
+
+std::vector<Span> chunksOf(const Bytes& bytes, size_t from, size_t to)
+{
+    std::vector<Span> spans;
+    for (size_t at = from; at + 12 <= to;) {
+        uint64_t size = 0;
+        for (int i = 7; i >= 0; --i)
+            size = size << 8 | bytes[at + 4 + static_cast<size_t>(i)];
+        spans.push_back({std::string(bytes.begin() + long(at), bytes.begin() + long(at + 4)), at, at + 12,
+                         at + 12 + size});
+        at += 12 + size;
+    }
+    return spans;
+}
+
+TEST(LanguageFile, FileCutAnywhereFailsOrReadsOnlyWholeChunks)
+{
+    CLanguageFileWriter writer;
+    writer.setLanguage(u"de-DE", u"Deutsch", u"Deutschland");
+    writer.setApplication(u"App", u"x");
+    writer.setComment(u"note");
+    writer.setAuthor(u"Ann");
+    writer.addString(u"k1", u"v1");
+    writer.addString(u"k2", u"v2");
+    const Bytes good = written(writer);
+    const std::vector<Span> spans = chunksOf(good, 16, good.size());
+    ASSERT_EQ(spans.size(), 6u);
+    ASSERT_EQ(spans.back().id, "STMP");
+    const Span data = chunksOf(good, spans.back().data, spans.back().end).at(0);
+
+    for (size_t cut = 0; cut < 8; ++cut)
+        EXPECT_ANY_THROW(readFile(Bytes(good.begin(), good.begin() + long(cut)))) << "magic cut at " << cut;
+    for (size_t cut = 16; cut < good.size(); ++cut) {
+        SCOPED_TRACE("cut at " + std::to_string(cut));
+        const Bytes prefix(good.begin(), good.begin() + long(cut));
+        size_t at = 0;
+        while (spans[at].end <= cut)
+            ++at;
+        if (cut >= spans[at].data && spans[at].id != "STMP") {
+            EXPECT_THROW(readFile(prefix), kore::CEndOfStreamError);
+            continue;
+        }
+        // A cut header ends the walk: that chunk and all after it are missing, which is no error.
+        auto whole = [&](const char* id) {
+            for (size_t i = 0; i < at; ++i)
+                if (spans[i].id == id)
+                    return true;
+            return false;
+        };
+        const auto file = readFile(prefix);
+        EXPECT_EQ(file->getLanguage().isValid(), whole("lang"));
+        EXPECT_EQ(utf8(file->getNativeSubName()), whole("lang") ? "Deutschland" : "");
+        EXPECT_EQ(utf8(file->getAppString2()), whole("apid") ? "x" : "");
+        EXPECT_EQ(utf8(file->getComment()), whole("cmnt") ? "note" : "");
+        EXPECT_EQ(utf8(file->getAuthor()), whole("xdid") ? "Ann" : "");
+
+        CLanguageStringTable table;
+        if (cut >= data.data) {
+            EXPECT_THROW(readTable(prefix, table), kore::CEndOfStreamError);
+        } else {
+            readTable(prefix, table);
+            EXPECT_EQ(table.getCount(), 0) << "the data chunk is not reached";
+        }
+    }
+}
+
+TEST(LanguageFile, CountsBeyondTheFileFailAtOnceWithoutAllocating)
+{
+    const Bytes lang = langChunk(u"de-DE");
+    struct Case {
+        const char* name;
+        Bytes file;
+        bool table;
+    };
+    const std::vector<Case> cases = {
+        {"tag N = 0xFFFFFFFF", container(chunk("lang", u32(0xFFFFFFFF) + counted(u"x"))), false},
+        {"comment N = 2^31", container(lang + chunk("cmnt", u32(0x80000000))), false},
+        {"comment N one unit too many", container(lang + chunk("cmnt", u32(3) + Bytes{'a', 0, 0, 0})), false},
+        {"xdid M = 0xFFFFFFFF", container(lang + chunk("xdid", u32(0xFFFFFFFF))), false},
+        {"xdid M = 2, one pair", container(lang + chunk("xdid", u32(2) + counted(u"k") + counted(u"v"))), false},
+        {"data M = 0xFFFFFFFF", container(lang + chunk("STMP", chunk("data", u32(0xFFFFFFFF)))), true},
+        {"entry key N = 0xFFFFFFFF", container(lang + chunk("STMP", chunk("data", u32(1) + u32(0) + u32(0xFFFFFFFF)))), true},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const auto start = std::chrono::steady_clock::now();
+        CLanguageStringTable table;
+        size_t largest = 0;
+        {
+            CAllocationProbe probe(1 << 20);
+            if (c.table)
+                EXPECT_THROW(readTable(c.file, table), kore::CEndOfStreamError);
+            else
+                EXPECT_THROW(readFile(c.file), kore::CEndOfStreamError);
+            largest = probe.largest();
+        }
+        EXPECT_LT(largest, 1u << 16);
+        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
+    }
+}
+
+TEST(LanguageFile, ChunkSizesThatWouldWrapEndTheWalk)
+{
+    const Bytes lang = langChunk(u"de-DE", u"Deutsch");
+    const Bytes apid = chunk("apid", counted(u"App") + counted(u""));
+    for (uint64_t size : {~0ull, ~0ull - 11, 1ull << 63, (1ull << 63) - 1, (1ull << 63) - 12, (1ull << 63) - 40}) {
+        SCOPED_TRACE(size);
+        const Bytes file = container(lang + chunk("junk", size, counted(u"j")) + apid + stmpChunk({{u"k", u"v"}}));
+        const auto read = readFile(file);
+        EXPECT_EQ(utf8(read->getNativeName()), "Deutsch");
+        EXPECT_EQ(utf8(read->getAppId()), "") << "nothing after the chunk is reached";
+        CLanguageStringTable unreached;
+        readTable(file, unreached);
+        EXPECT_EQ(unreached.getCount(), 0);
+
+        const Bytes nested = container(lang + chunk("STMP", chunk("junk", size, Bytes{}) + chunk("data", u32(0))) +
+                                       stmpChunk({{u"k", u"v"}}));
+        CLanguageStringTable table;
+        readTable(nested, table);
+        EXPECT_EQ(table.getCount(), 1) << "the nested walk ends; the next STMP still counts";
+    }
+}
+
+} // namespace

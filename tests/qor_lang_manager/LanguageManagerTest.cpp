@@ -1,0 +1,132 @@
+#include "LanguageTestSupport.h"
+
+#include "qor_lang_manager/CLanguageManager.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace lang_test;
+using qor_lang::CLanguageFileWriter;
+using qor_lang::CLanguageManager;
+using qor_lang::LanguageId;
+using qor_lang::LanguageTagMode;
+
+LanguageId tag(const char16_t* text)
+{
+    return LanguageId(text, LanguageTagMode::Tag);
+}
+
+struct LanguageManagerTest : ::testing::Test {
+    kore_test::CTempFolder folder;
+    CLocalizerGuard localizer;
+    kore::P<CLanguageManager> manager = kore::make<CLanguageManager>();
+
+    void writeLanguage(const std::string& name, const char16_t* languageTag, const char16_t* text = u"")
+    {
+        CLanguageFileWriter writer;
+        writer.setLanguage(languageTag, u"", u"");
+        writer.addString(u"k", text);
+        writeBytes(folder, name, written(writer));
+    }
+    std::string found(const char* prefix, const char* infix, const char* suffix)
+    {
+        const kore::P<kore::IURI> uri = manager->findLocalizedFile(*folder.uri(), prefix, infix, suffix);
+        return uri ? utf8(uri->getName()) : "<null>";
+    }
+};
+
+struct CListener : kore::CObject, qor_lang::ILanguageChangeListener {
+    CListener(std::string name, std::vector<std::string>& journal) : name(std::move(name)), journal(journal) {}
+    void onLanguageChanged(const LanguageId& language) override
+    {
+        const std::u16string t = language.getTag();
+        journal.push_back(name + ":" + std::string(t.begin(), t.end()));
+    }
+    std::string name;
+    std::vector<std::string>& journal;
+};
+
+TEST_F(LanguageManagerTest, FirstRegistrationOfAnIdWins)
+{
+    folder.makeFolder("one");
+    folder.makeFolder("two");
+    writeLanguage("one/A-de-DE.qorlang", u"de-DE");
+    writeLanguage("two/A-fr-FR.qorlang", u"fr-FR");
+    writeLanguage("two/A-it-IT.qorlang", u"it-IT");
+    manager->add(folder.uri("one"), "A");
+    manager->add(folder.uri("two"), "A");
+    EXPECT_EQ(manager->getLanguageCount("A"), 1);
+    EXPECT_EQ(manager->getLanguageFile("A", 0)->getLanguage().getTag(), u"de-DE");
+    EXPECT_EQ(manager->getLanguageCount("B"), 0);
+    EXPECT_EQ(manager->getLanguageFile("B", 0), nullptr);
+}
+
+TEST_F(LanguageManagerTest, IndexIsCheckedAgainstTheCountAndReloadRescans)
+{
+    writeLanguage("A-de-DE.qorlang", u"de-DE");
+    writeLanguage("A-en-US.qorlang", u"en-US");
+    manager->add(folder.uri(), "A");
+    ASSERT_EQ(manager->getLanguageCount("A"), 2);
+    EXPECT_EQ(manager->getLanguageFile("A", 1)->getLanguage().getTag(), u"en-US");
+    EXPECT_EQ(manager->getLanguageFile("A", 2), nullptr);
+
+    writeLanguage("A-fr-FR.qorlang", u"fr-FR");
+    EXPECT_EQ(manager->getLanguageCount("A"), 2);
+    manager->reload();
+    ASSERT_EQ(manager->getLanguageCount("A"), 3);
+    EXPECT_EQ(manager->getLanguageFile("A", 2)->getLanguage().getTag(), u"fr-FR");
+}
+
+TEST_F(LanguageManagerTest, SettingTheLanguageLogsStoresLoadsAndTells)
+{
+    EXPECT_TRUE(manager->getCurrentLanguage().isValid());
+    EXPECT_EQ(manager->getCurrentLanguage().getTag(), u"");
+
+    writeLanguage("A-de-DE.qorlang", u"de-DE", u"Deutsch");
+    manager->add(folder.uri(), "A");
+    std::vector<std::string> journal;
+    const auto first = kore::make<CListener>("first", journal);
+    const auto second = kore::make<CListener>("second", journal);
+    manager->addListener(first.get());
+    manager->addListener(second.get());
+
+    CLogCapture log(CLanguageManager::kLogModule);
+    EXPECT_TRUE(manager->setCurrentLanguage(tag(u"de-DE")));
+    EXPECT_EQ(localized("k"), "Deutsch");
+    EXPECT_EQ(manager->getCurrentLanguage().getTag(), u"de-DE");
+    manager->setCurrentLanguage(tag(u"de-DE"));
+    manager->removeListener(first.get());
+    manager->setCurrentLanguage(tag(u"fr-FR"));
+    EXPECT_EQ(localized("k"), "Deutsch") << "no fr-FR file: the strings stay";
+
+    EXPECT_EQ(log.records(), (std::vector<std::string>{"1:Setting Language: de-DE", "1:Setting Language: de-DE",
+                                                       "1:Setting Language: fr-FR"}));
+    EXPECT_EQ(journal, (std::vector<std::string>{"first:de-DE", "second:de-DE", "first:de-DE", "second:de-DE",
+                                                 "second:fr-FR"}));
+}
+
+TEST_F(LanguageManagerTest, LocalizedFilesPreferTheCurrentLanguageThenEnUs)
+{
+    folder.writeFile("help_en-US.pdf", "en");
+    EXPECT_EQ(found("help_", "", ".pdf"), "help_en-US.pdf") << "before any set the tag is empty";
+
+    folder.writeFile("help_de-DE.pdf", "de");
+    manager->setCurrentLanguage(tag(u"de-DE"));
+    EXPECT_EQ(found("help_", "", ".pdf"), "help_de-DE.pdf");
+    EXPECT_EQ(found("h?lp?", "*", ".p*"), "help_de-DE.pdf") << "wildcards are the enumeration's";
+    EXPECT_EQ(found("help_", "_x", ".pdf"), "<null>");
+
+    folder.makeFolder("help_fr-FR.pdf");
+    manager->setCurrentLanguage(tag(u"fr-FR"));
+    EXPECT_EQ(found("help_", "", ".pdf"), "help_en-US.pdf") << "a folder is no match";
+
+    std::filesystem::remove(folder.path("help_en-US.pdf"));
+    EXPECT_EQ(found("help_", "", ".pdf"), "<null>");
+    EXPECT_EQ(manager->findLocalizedFile(*folder.uri("missing"), "help_", "", ".pdf"), nullptr);
+}
+
+} // namespace

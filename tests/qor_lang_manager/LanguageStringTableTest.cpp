@@ -1,0 +1,122 @@
+#include "qor_lang_manager/CLanguageStringTable.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace {
+
+using qor_lang::CLanguageStringEntry;
+using qor_lang::CLanguageStringTable;
+
+void insert(CLanguageStringTable& table, const std::u16string& key, const std::u16string& text)
+{
+    CLanguageStringEntry entry;
+    entry.key = key;
+    entry.text = text;
+    table.insert(std::move(entry));
+}
+
+void insertFillers(CLanguageStringTable& table, int count)
+{
+    static int next = 0;
+    for (int i = 0; i < count; ++i) {
+        const std::string digits = std::to_string(next++);
+        insert(table, u"filler." + std::u16string(digits.begin(), digits.end()), u"");
+    }
+}
+
+// Texts of `key` in visiting order (the order in which a pack hands them to the localizer).
+std::vector<std::u16string> visits(const CLanguageStringTable& table, const std::u16string& key)
+{
+    std::vector<std::u16string> texts;
+    table.forEach([&](const CLanguageStringEntry& e) {
+        if (e.key && *e.key == key)
+            texts.push_back(*e.text);
+    });
+    return texts;
+}
+
+TEST(LanguageStringTable, HashIsTheFileFormatsOwn)
+{
+    // Worked by hand from h = h ^ ((h << 5) + (h >> 2, arithmetic) + c), 32 bits, from h = 0.
+    EXPECT_EQ(CLanguageStringTable::hashKey(std::nullopt), 0u);
+    EXPECT_EQ(CLanguageStringTable::hashKey(u""), 0u);
+    EXPECT_EQ(CLanguageStringTable::hashKey(u"a"), 0x61u);
+    EXPECT_EQ(CLanguageStringTable::hashKey(u"ab"), 0xCFBu);   // 0x61 ^ (0xC20 + 0x18 + 0x62)
+    EXPECT_EQ(CLanguageStringTable::hashKey(u"été"), 0x3B035u);
+    // Here h turns negative on the way: a logical shift would give 0xCD14DA2F.
+    EXPECT_EQ(CLanguageStringTable::hashKey(u"abcdefg"), 0x0D14DA2Fu);
+    EXPECT_EQ(CLanguageStringTable::hashKey(u"zzzzzzz"), 0xA8AA8813u);
+}
+
+TEST(LanguageStringTable, VisitsBucketsInOrderEachChainFromItsHead)
+{
+    CLanguageStringTable table;
+    // Buckets of 1000: "ab" 323, "zzzzzzz" 243 (the hash taken unsigned), "a" 97.
+    insert(table, u"ab", u"1");
+    insert(table, u"zzzzzzz", u"2");
+    insert(table, u"a", u"3");
+    insert(table, u"a", u"4");
+    std::u16string order;
+    table.forEach([&](const CLanguageStringEntry& e) { order += *e.text; });
+    EXPECT_EQ(order, u"4321");
+    EXPECT_EQ(*table.find(u"a")->text, u"4") << "a look-up stops at the head";
+    EXPECT_EQ(table.find(u"b"), nullptr);
+}
+
+TEST(LanguageStringTable, BucketsDoubleOncePastFourFifths)
+{
+    CLanguageStringTable table;
+    EXPECT_EQ(table.getBucketCount(), 1000);
+    insertFillers(table, 800);
+    EXPECT_EQ(table.getBucketCount(), 1000);
+    insertFillers(table, 1);
+    EXPECT_EQ(table.getBucketCount(), 2000);
+    insertFillers(table, 799);
+    EXPECT_EQ(table.getBucketCount(), 2000);
+    insertFillers(table, 1);
+    EXPECT_EQ(table.getBucketCount(), 4000);
+    EXPECT_EQ(table.getCount(), 1601);
+
+    table.clear();
+    EXPECT_EQ(table.getCount(), 0);
+    EXPECT_EQ(table.getBucketCount(), 4000) << "clear keeps the buckets";
+}
+
+TEST(LanguageStringTable, EachDoublingReversesEntriesThatShareABucket)
+{
+    // No doubling after both: the later one is visited first, so the earlier one is set last.
+    CLanguageStringTable none;
+    insert(none, u"dup", u"first");
+    insert(none, u"dup", u"second");
+    EXPECT_EQ(visits(none, u"dup"), (std::vector<std::u16string>{u"second", u"first"}));
+
+    // One doubling after both turns the chain round.
+    CLanguageStringTable one;
+    insert(one, u"dup", u"first");
+    insert(one, u"dup", u"second");
+    insertFillers(one, 799);
+    ASSERT_EQ(one.getBucketCount(), 2000);
+    EXPECT_EQ(visits(one, u"dup"), (std::vector<std::u16string>{u"first", u"second"}));
+    EXPECT_EQ(*one.find(u"dup")->text, u"first");
+
+    // A doubling between them moves only the first: the second goes to the head after it.
+    CLanguageStringTable between;
+    insert(between, u"dup", u"first");
+    insertFillers(between, 800);
+    ASSERT_EQ(between.getBucketCount(), 2000);
+    insert(between, u"dup", u"second");
+    EXPECT_EQ(visits(between, u"dup"), (std::vector<std::u16string>{u"second", u"first"}));
+
+    // Two doublings after both reverse twice.
+    CLanguageStringTable two;
+    insert(two, u"dup", u"first");
+    insert(two, u"dup", u"second");
+    insertFillers(two, 1599);
+    ASSERT_EQ(two.getBucketCount(), 4000);
+    EXPECT_EQ(visits(two, u"dup"), (std::vector<std::u16string>{u"second", u"first"}));
+}
+
+} // namespace

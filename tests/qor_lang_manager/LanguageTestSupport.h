@@ -1,0 +1,150 @@
+#pragma once
+// Shared by the language file, pack and manager tests: byte builders for hand-made container
+// files, good files from the writer, a log sink that records one module, a guard that leaves the
+// process's localizer empty, and a probe that watches the size of allocations.
+
+#include "../framework/TempFolder.h"
+#include "chunk_file/CMemoryStream.h"
+#include "chunk_file/TChunkRef.h"
+#include "framework/CLogManager.h"
+#include "framework/CObject.h"
+#include "framework/CString.h"
+#include "framework/CStringLocalizer.h"
+#include "qor_lang_manager/CLanguageFile.h"
+#include "qor_lang_manager/CLanguageFileWriter.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace lang_test {
+
+using Bytes = std::vector<uint8_t>;
+
+inline Bytes operator+(Bytes a, const Bytes& b)
+{
+    a.insert(a.end(), b.begin(), b.end());
+    return a;
+}
+
+inline Bytes u32(uint32_t value)
+{
+    return {uint8_t(value), uint8_t(value >> 8), uint8_t(value >> 16), uint8_t(value >> 24)};
+}
+
+inline Bytes u64(uint64_t value) { return u32(uint32_t(value)) + u32(uint32_t(value >> 32)); }
+
+// A counted string: N = units + 1, the units, a zero unit; nullopt is N = 0.
+inline Bytes counted(const qor_lang::CountedString& text)
+{
+    if (!text)
+        return u32(0);
+    Bytes out = u32(uint32_t(text->size() + 1));
+    for (char16_t c : *text + u'\0')
+        out = out + Bytes{uint8_t(c), uint8_t(c >> 8)};
+    return out;
+}
+
+inline Bytes chunk(const char (&id)[5], uint64_t size, const Bytes& data)
+{
+    return Bytes(id, id + 4) + u64(size) + data;
+}
+inline Bytes chunk(const char (&id)[5], const Bytes& data) { return chunk(id, data.size(), data); }
+inline Bytes container(const Bytes& area) { return Bytes{'U', 'R', 'E', 'S', 'F', 'I', 'L', 'E'} + u64(area.size()) + area; }
+
+inline Bytes langChunk(const char16_t* tag, const char16_t* native = u"", const char16_t* sub = u"")
+{
+    return chunk("lang", counted(tag) + counted(native) + counted(sub));
+}
+inline Bytes stmpChunk(const std::vector<std::pair<std::u16string, std::u16string>>& entries)
+{
+    Bytes data = u32(static_cast<uint32_t>(entries.size()));
+    for (const auto& [key, text] : entries)
+        data = data + u32(0) + counted(key) + counted(text) + counted(std::nullopt) + counted(std::nullopt);
+    return chunk("STMP", chunk("data", data));
+}
+
+inline Bytes written(const qor_lang::CLanguageFileWriter& writer)
+{
+    chf::TChunkRef<chf::CMemoryStream> stream(new chf::CMemoryStream());
+    writer.write(*stream);
+    return stream->getBytes();
+}
+
+// A file read from memory, without a source.
+inline kore::P<qor_lang::CLanguageFile> readFile(const Bytes& bytes)
+{
+    chf::TChunkRef<chf::CMemoryStream> stream(new chf::CMemoryStream(bytes));
+    return kore::make<qor_lang::CLanguageFile>(nullptr, *stream);
+}
+
+inline void readTable(const Bytes& bytes, qor_lang::CLanguageStringTable& table)
+{
+    chf::TChunkRef<chf::CMemoryStream> stream(new chf::CMemoryStream(bytes));
+    qor_lang::CLanguageFile::readStringTable(*stream, nullptr, table);
+}
+
+inline std::string utf8(const kore::P<kore::IString>& s) { return s ? s->toUTF8() : "<null>"; }
+
+inline void writeBytes(const kore_test::CTempFolder& folder, const std::string& name, const Bytes& bytes)
+{
+    folder.writeFile(name, std::string(bytes.begin(), bytes.end()));
+}
+
+// The localizer's text of `key`, "-" when it has none.
+inline std::string localized(const char* key)
+{
+    return utf8(kore::CStringLocalizer::instance()->getString(key, "-"));
+}
+
+// Empties the process's localizer before and after a test that loads strings into it.
+struct CLocalizerGuard {
+    CLocalizerGuard() { kore::CStringLocalizer::instance()->clear(); }
+    ~CLocalizerGuard() { kore::CStringLocalizer::instance()->clear(); }
+    CLocalizerGuard(const CLocalizerGuard&) = delete;
+    CLocalizerGuard& operator=(const CLocalizerGuard&) = delete;
+};
+
+// Records "<level>:<text>" of every record of one module while it lives.
+class CLogCapture {
+public:
+    explicit CLogCapture(const char* module) : m_module(module), m_sink(kore::make<CSink>())
+    {
+        kore::CLogManager::instance()->addLog(m_module.c_str(), m_sink.get());
+    }
+    ~CLogCapture() { kore::CLogManager::instance()->removeLog(m_module.c_str(), m_sink.get()); }
+    CLogCapture(const CLogCapture&) = delete;
+    CLogCapture& operator=(const CLogCapture&) = delete;
+
+    const std::vector<std::string>& records() const { return m_sink->records; }
+    void clear() { m_sink->records.clear(); }
+
+private:
+    struct CSink : kore::CObject, kore::ILog {
+        std::vector<std::string> records;
+        void write(const kore::CStringArg&, const kore::CStringArg& record) override { records.push_back(record->toUTF8()); }
+        void setLevel(int32_t) override {}
+        int32_t getLevel() const override { return 0; }
+        void log(int32_t level, const kore::CStringArg&, const kore::CStringArg& text, int32_t, int32_t) override
+        {
+            records.push_back(std::to_string(level) + ":" + text->toUTF8());
+        }
+    };
+    std::string m_module;
+    kore::P<CSink> m_sink;
+};
+
+// While one lives, operator new remembers the largest request made on this thread and refuses
+// (std::bad_alloc, nothing allocated) any request above `limit`. AllocationProbe.cpp.
+class CAllocationProbe {
+public:
+    explicit CAllocationProbe(std::size_t limit);
+    ~CAllocationProbe();
+    CAllocationProbe(const CAllocationProbe&) = delete;
+    CAllocationProbe& operator=(const CAllocationProbe&) = delete;
+    std::size_t largest() const;
+};
+
+} // namespace lang_test
