@@ -22,9 +22,11 @@ for preset in "${presets[@]}"; do
   if ! grep -q '100% tests passed' "$log"; then status=1; fi
   line=$(grep -E 'tests passed|tests failed' "$log" | tail -n 1 || true)
   if [ "$preset" = mingw ]; then
-    # Under Wine a CTest test is a whole test program: add GoogleTest's own counts.
-    counts=$(grep -h -E '^\[  PASSED  \] [0-9]+ test' build/mingw/Testing/Temporary/LastTest.log \
-             | awk '{s += $4} END {print s + 0}')
+    # Under Wine a CTest test is a whole test program: add GoogleTest's own counts, the last
+    # summary of each program's output (child processes print summaries of their own before).
+    counts=$(awk '/^Output:/ {last = 0} /^\[  PASSED  \] [0-9]+ test/ {last = $4}
+                  /^<end of output>/ {s += last; last = 0} END {print s + 0}' \
+             build/mingw/Testing/Temporary/LastTest.log)
     line="$line (GoogleTest cases under Wine: $counts passed)"
   fi
   summary+=("$preset: $line")

@@ -65,15 +65,19 @@ bool CLanguageManager::setCurrentLanguage(const LanguageId& language)
                                        *kore::formatString("Setting Language: %s", tag.c_str()), 0,
                                        -1);
     m_current = language;
-    // Texts of the previous language must not show through keys the new one lacks; but when no
-    // folder has the new language at all, the current texts stay rather than fall back.
-    const bool anyFile = std::any_of(m_packs.begin(), m_packs.end(), [&](const auto& entry) {
-        return entry.second->hasLanguageFile(language);
-    });
-    if (anyFile)
-        kore::CStringLocalizer::instance()->clear();
+    // Every pack reads its file first. Texts of the previous language must not show through keys
+    // the new one lacks, so the localizer is emptied before the new texts go in; but when no
+    // folder has a readable file for the language, the current texts stay.
+    std::vector<std::unique_ptr<CLanguageStringTable>> tables;
     for (auto& [id, pack] : m_packs)
-        pack->setLanguage(language);
+        tables.push_back(pack->readLanguage(language));
+    if (std::any_of(tables.begin(), tables.end(), [](const auto& table) { return table != nullptr; })) {
+        kore::CStringLocalizer::instance()->clear();
+        for (const auto& table : tables) {
+            if (table)
+                CLanguagePack::applyStrings(*table);
+        }
+    }
     if (kore::isTraceEnabled())
         kore::debugTrace("CLanguageManager.cpp", kTraceLine, tag.c_str());
     // A copy: a listener may remove itself while being told.

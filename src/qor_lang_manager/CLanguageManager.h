@@ -34,9 +34,9 @@ public:
     void add(kore::P<kore::IURI> folder, const kore::CStringArg& appId);
     // Makes every pack forget its files.
     void reload();
-    // Logs the change, stores the language, empties the string localizer when some folder has a
-    // file for the language, hands it to every pack, traces, tells the listeners. The caller has
-    // checked that the id is valid.
+    // Logs the change, stores the language, has every pack read its file for it and, when at
+    // least one could, empties the string localizer and hands it the new texts (packs in map
+    // order); then traces and tells the listeners. The caller has checked that the id is valid.
     bool setCurrentLanguage(const LanguageId& language);
     LanguageId getCurrentLanguage() const { return m_current; }
     int32_t getLanguageCount(const kore::CStringArg& appId);

@@ -85,42 +85,41 @@ P<kore::IURI> CLanguagePack::languageFileURI(const kore::IString& name) const
     return kore::ISystem::instance()->fileExists(*uri) ? uri : nullptr;
 }
 
-bool CLanguagePack::hasLanguageFile(const LanguageId& language) const
+std::unique_ptr<CLanguageStringTable> CLanguagePack::readLanguage(const LanguageId& language) const
 {
+    P<kore::IString> name = fileName(*m_appId, language.getTag().c_str());
     try {
-        return languageFileURI(*fileName(*m_appId, language.getTag().c_str())) != nullptr;
-    } catch (const kore::CException&) {
-        return false; // a name the folder cannot hold
+        P<kore::IURI> uri = languageFileURI(*name);
+        if (!uri)
+            return nullptr;
+        auto table = std::make_unique<CLanguageStringTable>();
+        chf::TChunkRef<chf::IStream> stream(new chf::CKoreFileStream(*uri, kore::IStreamManager::kRead));
+        CLanguageFile::readStringTable(*stream, uri.get(), *table);
+        return table;
+    } catch (...) {
+        reportLoadError(*name);
+        return nullptr;
     }
+}
+
+void CLanguagePack::applyStrings(const CLanguageStringTable& table)
+{
+    P<kore::IStringLocalizer> localizer = kore::CStringLocalizer::instance();
+    table.forEach([&](const CLanguageStringEntry& entry) {
+        const std::u16string& key = entry.key ? *entry.key : std::u16string();
+        const std::u16string& text = entry.text ? *entry.text : std::u16string();
+        localizer->setString(kore::CStringArg(key.data(), static_cast<uint32_t>(key.size())),
+                             kore::CStringArg(text.data(), static_cast<uint32_t>(text.size())));
+    });
 }
 
 int32_t CLanguagePack::setLanguage(const LanguageId& language)
 {
-    const std::u16string tag = language.getTag();
-    P<kore::IString> name = fileName(*m_appId, tag.c_str());
-    try {
-        P<kore::IURI> uri = languageFileURI(*name);
-        if (!uri)
-            return 0;
-        CLanguageStringTable table;
-        {
-            chf::TChunkRef<chf::IStream> stream(
-                new chf::CKoreFileStream(*uri, kore::IStreamManager::kRead));
-            CLanguageFile::readStringTable(*stream, uri.get(), table);
-        }
-        P<kore::IStringLocalizer> localizer = kore::CStringLocalizer::instance();
-        table.forEach([&](const CLanguageStringEntry& entry) {
-            const std::u16string& key = entry.key ? *entry.key : std::u16string();
-            const std::u16string& text = entry.text ? *entry.text : std::u16string();
-            localizer->setString(kore::CStringArg(key.data(), static_cast<uint32_t>(key.size())),
-                                 kore::CStringArg(text.data(), static_cast<uint32_t>(text.size())));
-        });
-        table.release();
-        return 1;
-    } catch (...) {
-        reportLoadError(*name);
+    std::unique_ptr<CLanguageStringTable> table = readLanguage(language);
+    if (!table)
         return 0;
-    }
+    applyStrings(*table);
+    return 1;
 }
 
 } // namespace qor_lang

@@ -11,6 +11,7 @@
 #include "qor_lang_manager/CLanguageFile.h"
 #include "qor_lang_manager/LanguageId.h"
 
+#include <memory>
 #include <vector>
 
 namespace qor_lang {
@@ -28,12 +29,13 @@ public:
     // Releases every file; files held elsewhere (handles) stay alive.
     void reload();
     // Loads the strings of the file for `language` into the string localizer: 1 when a file was
-    // loaded, 0 when there is none or it could not be read (the localizer is then unchanged
-    // or, for a file that fails midway, holds what was set before the failure).
+    // loaded, 0 when there is none or it could not be read (the localizer is then unchanged:
+    // the whole table is read before the first text is handed over).
     int32_t setLanguage(const LanguageId& language);
-
-    // True when the folder holds this pack's file for `language`.
-    bool hasLanguageFile(const LanguageId& language) const;
+    // The two halves of setLanguage. Reading gives null when there is no file or it cannot be
+    // read (reported to the log); applying hands every entry to the localizer in table order.
+    std::unique_ptr<CLanguageStringTable> readLanguage(const LanguageId& language) const;
+    static void applyStrings(const CLanguageStringTable& table);
 
     // The file name of `appId` for `tag`: appId + "-" + tag + ".qorlang", then every "--"
     // replaced by "-" in one pass.

@@ -109,6 +109,47 @@ TEST_F(LanguageManagerTest, SettingTheLanguageLogsStoresLoadsAndTells)
                                                  "second:fr-FR"}));
 }
 
+// Switching between languages that both have files never mixes them: a key the new language
+// lacks shows its default, not the old text. Where no folder has a readable file for the new
+// language, the current texts stay.
+TEST_F(LanguageManagerTest, SwitchingLanguagesDoesNotMixTheirTexts)
+{
+    folder.makeFolder("a");
+    folder.makeFolder("b");
+    CLanguageFileWriter german;
+    german.setLanguage(u"de-DE", u"", u"");
+    german.addString(u"both", u"beide");
+    german.addString(u"onlyGerman", u"nur deutsch");
+    writeBytes(folder, "a/A-de-DE.qorlang", written(german));
+    CLanguageFileWriter otherApp;
+    otherApp.setLanguage(u"de-DE", u"", u"");
+    otherApp.addString(u"otherApp", u"andere");
+    writeBytes(folder, "b/B-de-DE.qorlang", written(otherApp));
+    CLanguageFileWriter french;
+    french.setLanguage(u"fr-FR", u"", u"");
+    french.addString(u"both", u"les deux");
+    writeBytes(folder, "a/A-fr-FR.qorlang", written(french));
+    Bytes cut = written(french);
+    cut.resize(40); // unreadable
+    writeBytes(folder, "a/A-it-IT.qorlang", cut);
+    manager->add(folder.uri("a"), "A");
+    manager->add(folder.uri("b"), "B");
+
+    manager->setCurrentLanguage(tag(u"de-DE"));
+    EXPECT_EQ(localized("both"), "beide");
+    EXPECT_EQ(localized("onlyGerman"), "nur deutsch");
+    EXPECT_EQ(localized("otherApp"), "andere") << "every pack feeds the one localizer";
+
+    manager->setCurrentLanguage(tag(u"fr-FR"));
+    EXPECT_EQ(localized("both"), "les deux");
+    EXPECT_EQ(localized("onlyGerman"), "-");
+    EXPECT_EQ(localized("otherApp"), "-") << "B has no French file: its German texts go too";
+
+    manager->setCurrentLanguage(tag(u"it-IT"));
+    manager->setCurrentLanguage(tag(u"es-ES"));
+    EXPECT_EQ(localized("both"), "les deux") << "no readable file: the texts stay";
+}
+
 TEST_F(LanguageManagerTest, LocalizedFilesPreferTheCurrentLanguageThenEnUs)
 {
     folder.writeFile("help_en-US.pdf", "en");
