@@ -20,10 +20,12 @@ const Expected& expected()
 {
     static const Expected e = [] {
         Expected r;
-#define KORE_CASE_MAPS(from, to) r.maps.emplace(from, to);
+#define KORE_CASE_RUN(first, last, step, delta)                                                \
+    for (int64_t cp = first; cp <= last; cp += step)                                           \
+        r.maps.emplace(static_cast<uint32_t>(cp), static_cast<uint32_t>(cp + (delta)));
 #define KORE_CASE_LEFT_OUT(from, to) r.leftOut.emplace(from, to);
 #include "CaseTableExpected.inc"
-#undef KORE_CASE_MAPS
+#undef KORE_CASE_RUN
 #undef KORE_CASE_LEFT_OUT
         return r;
     }();
