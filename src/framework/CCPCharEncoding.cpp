@@ -15,6 +15,15 @@ P<CCPCharEncoding> create()
 constexpr uint32_t kScratch = 16;
 } // namespace
 
+// The strict decoder as a plain function, so that the block operations can inline it.
+static inline uint32_t decodeStrict(uint32_t& out, const uint8_t* buf, uint32_t len, uint32_t off)
+{
+    if (off >= len)
+        return ICharEncoding::kFail;
+    out = platform::codePageDecode(buf[off]);
+    return off + 1;
+}
+
 P<CCPCharEncoding>& CCPCharEncoding::instance()
 {
     return CGlobalObjFactory::accessor<CCPCharEncoding, &create>();
@@ -80,12 +89,9 @@ uint32_t CCPCharEncoding::getCharOffset(const uint8_t*, uint32_t len, uint32_t n
 
 // One byte is one character: multibyte code pages are deliberately not decoded as such.
 uint32_t CCPCharEncoding::decodeCharStrict(uint32_t& out, const uint8_t* buf, uint32_t len,
-                                           uint32_t off) const
+                                 uint32_t off) const
 {
-    if (off >= len)
-        return kFail;
-    out = platform::codePageDecode(buf[off]);
-    return off + 1;
+    return decodeStrict(out, buf, len, off);
 }
 
 uint32_t CCPCharEncoding::findPrevCharStart(const uint8_t*, uint32_t, uint32_t) const
@@ -113,7 +119,7 @@ uint32_t CCPCharEncoding::decodeChars(uint32_t* out, uint32_t max, uint32_t& cou
                                        const uint8_t* buf, uint32_t len, uint32_t off,
                                        uint32_t* offsets) const
 {
-    return decodeCharsWith(*this, 1, out, max, count, buf, len, off, offsets);
+    return decodeCharsWith(decodeStrict, 1, out, max, count, buf, len, off, offsets);
 }
 
 } // namespace kore

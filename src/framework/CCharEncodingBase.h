@@ -31,11 +31,11 @@ protected:
     // `unit` is the size of one code unit: invalid input is skipped one unit at a time.
     explicit CCharEncodingBase(uint32_t unit) : m_unit(unit) {}
 
-    // decodeChars with the strict decoder of `E` called directly rather than through the vtable:
-    // the block operation is the hot path of every string read. `E::decodeCharStrict` must be
-    // `final`. Same results as the generic decodeChars.
-    template <class E>
-    static uint32_t decodeCharsWith(const E& e, uint32_t unit, uint32_t* out, uint32_t max,
+    // decodeChars with the encoding's strict decoder called directly (and inlined) rather than
+    // through the vtable: the block operation is the hot path of every string read. Same results
+    // as the generic decodeChars.
+    template <class Decode>
+    static uint32_t decodeCharsWith(const Decode& decode, uint32_t unit, uint32_t* out, uint32_t max,
                                     uint32_t& count, const uint8_t* buf, uint32_t len,
                                     uint32_t off, uint32_t* offsets)
     {
@@ -45,7 +45,7 @@ protected:
                 offsets[count] = off;
             uint32_t end = kFail;
             for (uint32_t at = off; at < len; at += unit) {
-                end = e.E::decodeCharStrict(out[count], buf, len, at);
+                end = decode(out[count], buf, len, at);
                 if (end != kFail || len - at <= unit)
                     break;
             }
@@ -55,6 +55,26 @@ protected:
             ++count;
         }
         return off;
+    }
+
+    // countChars without a virtual call per character: invalid input is skipped a unit at a
+    // time, which counts exactly what findCharStart-and-retry would.
+    template <class Decode>
+    static uint32_t countCharsWith(const Decode& decode, uint32_t unit, const uint8_t* buf, uint32_t len,
+                                   uint32_t off)
+    {
+        uint32_t count = 0;
+        uint32_t ignored = 0;
+        while (off < len && len - off >= unit) {
+            const uint32_t end = decode(ignored, buf, len, off);
+            if (end == kFail) {
+                off += unit;
+            } else {
+                off = end;
+                ++count;
+            }
+        }
+        return count;
     }
 
     // Where reading backwards from `off` begins: clamped to `len` and to a unit boundary.

@@ -11,6 +11,15 @@ P<CLatin1CharEncoding> create()
 }
 } // namespace
 
+// The strict decoder as a plain function, so that the block operations can inline it.
+static inline uint32_t decodeStrict(uint32_t& out, const uint8_t* buf, uint32_t len, uint32_t off)
+{
+    if (off >= len)
+        return ICharEncoding::kFail;
+    out = buf[off];
+    return off + 1;
+}
+
 P<CLatin1CharEncoding>& CLatin1CharEncoding::instance()
 {
     return CGlobalObjFactory::accessor<CLatin1CharEncoding, &create>();
@@ -46,12 +55,9 @@ uint32_t CLatin1CharEncoding::getTerminatedLength(const uint8_t* buf) const
 }
 
 uint32_t CLatin1CharEncoding::decodeCharStrict(uint32_t& out, const uint8_t* buf, uint32_t len,
-                                               uint32_t off) const
+                                 uint32_t off) const
 {
-    if (off >= len)
-        return kFail;
-    out = buf[off];
-    return off + 1;
+    return decodeStrict(out, buf, len, off);
 }
 
 uint32_t CLatin1CharEncoding::getCharSizeAt(const uint8_t*, uint32_t len, uint32_t off) const
@@ -73,7 +79,7 @@ uint32_t CLatin1CharEncoding::decodeChars(uint32_t* out, uint32_t max, uint32_t&
                                            const uint8_t* buf, uint32_t len, uint32_t off,
                                            uint32_t* offsets) const
 {
-    return decodeCharsWith(*this, 1, out, max, count, buf, len, off, offsets);
+    return decodeCharsWith(decodeStrict, 1, out, max, count, buf, len, off, offsets);
 }
 
 } // namespace kore

@@ -405,15 +405,16 @@ uint32_t CString::getCharAt(uint32_t index) const
 
 uint32_t CString::hash() const
 {
-    // FNV-1a over the code points, so that equal text hashes equal in every encoding.
+    // FNV-1a with the code point as the unit, so that equal text hashes equal in every encoding;
+    // one multiplication per character, then a final mix so that the low bits (the bucket)
+    // depend on every character.
     uint32_t h = 2166136261u;
     CCharCursor cursor(*this);
-    for (uint32_t cp = 0; cursor.next(cp);) {
-        for (int i = 0; i < 4; ++i) {
-            h ^= (cp >> (8 * i)) & 0xFF;
-            h *= 16777619u;
-        }
-    }
+    for (uint32_t cp = 0; cursor.next(cp);)
+        h = (h ^ cp) * 16777619u;
+    h ^= h >> 15;
+    h *= 0x2C1B3C6Du;
+    h ^= h >> 12;
     return h;
 }
 

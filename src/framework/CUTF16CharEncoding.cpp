@@ -32,6 +32,27 @@ bool isLow(uint32_t u)
 }
 } // namespace
 
+// The strict decoder as a plain function, so that the block operations can inline it.
+static inline uint32_t decodeStrict(uint32_t& out, const uint8_t* buf, uint32_t len, uint32_t off)
+{
+    if (off >= len || len - off < 2)
+        return ICharEncoding::kFail;
+    const uint32_t u = unitAt(buf, off);
+    if (isLow(u))
+        return ICharEncoding::kFail;
+    if (!isHigh(u)) {
+        out = u;
+        return off + 2;
+    }
+    if (len - off < 4)
+        return ICharEncoding::kFail;
+    const uint32_t low = unitAt(buf, off + 2);
+    if (!isLow(low))
+        return ICharEncoding::kFail;
+    out = 0x10000 + ((u & 0x3FF) << 10) + (low & 0x3FF);
+    return off + 4;
+}
+
 P<CUTF16CharEncoding>& CUTF16CharEncoding::instance()
 {
     return CGlobalObjFactory::accessor<CUTF16CharEncoding, &create>();
@@ -70,6 +91,26 @@ uint32_t CUTF16CharEncoding::encodeChar(uint32_t ch, uint8_t* buf, uint32_t len,
     return off + size;
 }
 
+uint32_t CUTF16CharEncoding::countChars(const uint8_t* buf, uint32_t len, uint32_t off) const
+{
+    // Every string argument is counted, so this loop is on the look-up path: most units are
+    // characters of their own; only surrogates need a second look.
+    uint32_t count = 0;
+    while (off < len && len - off >= 2) {
+        const uint32_t u = unitAt(buf, off);
+        if (u < 0xD800 || u > 0xDFFF) {
+            ++count;
+            off += 2;
+        } else if (isHigh(u) && len - off >= 4 && isLow(unitAt(buf, off + 2))) {
+            ++count;
+            off += 4;
+        } else {
+            off += 2; // a lone surrogate is not a character
+        }
+    }
+    return count;
+}
+
 uint32_t CUTF16CharEncoding::getTerminatedLength(const uint8_t* buf) const
 {
     uint32_t n = 0;
@@ -79,31 +120,16 @@ uint32_t CUTF16CharEncoding::getTerminatedLength(const uint8_t* buf) const
 }
 
 uint32_t CUTF16CharEncoding::decodeCharStrict(uint32_t& out, const uint8_t* buf, uint32_t len,
-                                              uint32_t off) const
+                                 uint32_t off) const
 {
-    if (off >= len || len - off < 2)
-        return kFail;
-    const uint32_t u = unitAt(buf, off);
-    if (isLow(u))
-        return kFail;
-    if (!isHigh(u)) {
-        out = u;
-        return off + 2;
-    }
-    if (len - off < 4)
-        return kFail;
-    const uint32_t low = unitAt(buf, off + 2);
-    if (!isLow(low))
-        return kFail;
-    out = 0x10000 + ((u & 0x3FF) << 10) + (low & 0x3FF);
-    return off + 4;
+    return decodeStrict(out, buf, len, off);
 }
 
 uint32_t CUTF16CharEncoding::decodeChars(uint32_t* out, uint32_t max, uint32_t& count,
                                           const uint8_t* buf, uint32_t len, uint32_t off,
                                           uint32_t* offsets) const
 {
-    return decodeCharsWith(*this, 2, out, max, count, buf, len, off, offsets);
+    return decodeCharsWith(decodeStrict, 2, out, max, count, buf, len, off, offsets);
 }
 
 } // namespace kore

@@ -19,6 +19,7 @@ public:
     uint32_t getMaxCharSize() const override;
     uint32_t encodeChar(uint32_t ch, uint8_t* buf, uint32_t len, uint32_t off) const override;
     uint32_t getEncodedSize(uint32_t ch) const override;
+    uint32_t countChars(const uint8_t* buf, uint32_t len, uint32_t off) const override;
     uint32_t getTerminatedLength(const uint8_t* buf) const override;
     uint32_t decodeCharStrict(uint32_t& out, const uint8_t* buf, uint32_t len,
                               uint32_t off) const final;

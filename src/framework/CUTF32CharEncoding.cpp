@@ -11,6 +11,16 @@ P<CUTF32CharEncoding> create()
 }
 } // namespace
 
+// The strict decoder as a plain function, so that the block operations can inline it.
+static inline uint32_t decodeStrict(uint32_t& out, const uint8_t* buf, uint32_t len, uint32_t off)
+{
+    if (off >= len || len - off < 4)
+        return ICharEncoding::kFail;
+    out = static_cast<uint32_t>(buf[off]) | (static_cast<uint32_t>(buf[off + 1]) << 8) |
+          (static_cast<uint32_t>(buf[off + 2]) << 16) | (static_cast<uint32_t>(buf[off + 3]) << 24);
+    return off + 4;
+}
+
 P<CUTF32CharEncoding>& CUTF32CharEncoding::instance()
 {
     return CGlobalObjFactory::accessor<CUTF32CharEncoding, &create>();
@@ -47,13 +57,9 @@ uint32_t CUTF32CharEncoding::getTerminatedLength(const uint8_t* buf) const
 }
 
 uint32_t CUTF32CharEncoding::decodeCharStrict(uint32_t& out, const uint8_t* buf, uint32_t len,
-                                              uint32_t off) const
+                                 uint32_t off) const
 {
-    if (off >= len || len - off < 4)
-        return kFail;
-    out = static_cast<uint32_t>(buf[off]) | (static_cast<uint32_t>(buf[off + 1]) << 8) |
-          (static_cast<uint32_t>(buf[off + 2]) << 16) | (static_cast<uint32_t>(buf[off + 3]) << 24);
-    return off + 4;
+    return decodeStrict(out, buf, len, off);
 }
 
 uint32_t CUTF32CharEncoding::getCharSizeAt(const uint8_t*, uint32_t len, uint32_t off) const
@@ -78,7 +84,7 @@ uint32_t CUTF32CharEncoding::decodeChars(uint32_t* out, uint32_t max, uint32_t& 
                                           const uint8_t* buf, uint32_t len, uint32_t off,
                                           uint32_t* offsets) const
 {
-    return decodeCharsWith(*this, 4, out, max, count, buf, len, off, offsets);
+    return decodeCharsWith(decodeStrict, 4, out, max, count, buf, len, off, offsets);
 }
 
 } // namespace kore

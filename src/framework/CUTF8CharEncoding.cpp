@@ -11,6 +11,46 @@ P<CUTF8CharEncoding> create()
 }
 } // namespace
 
+// The strict decoder as a plain function, so that the block operations can inline it.
+static inline uint32_t decodeStrict(uint32_t& out, const uint8_t* buf, uint32_t len, uint32_t off)
+{
+    if (off >= len)
+        return ICharEncoding::kFail;
+    const uint8_t lead = buf[off];
+    if (lead < 0x80) {
+        out = lead;
+        return off + 1;
+    }
+    uint32_t size = 0;
+    uint32_t value = 0;
+    if ((lead & 0xE0) == 0xC0) {
+        size = 2;
+        value = lead & 0x1F;
+    } else if ((lead & 0xF0) == 0xE0) {
+        size = 3;
+        value = lead & 0x0F;
+    } else if ((lead & 0xF8) == 0xF0) {
+        size = 4;
+        value = lead & 0x07;
+    } else {
+        return ICharEncoding::kFail; // a continuation byte, or 11111xxx
+    }
+    // A crude guard against overlong forms: a lead without payload bits is rejected outright
+    // (0xC0, 0xE0, 0xF0), even where the sequence would be well formed.
+    if (value == 0 || len - off < size)
+        return ICharEncoding::kFail;
+    for (uint32_t i = 1; i < size; ++i) {
+        const uint8_t b = buf[off + i];
+        if ((b & 0xC0) != 0x80)
+            return ICharEncoding::kFail;
+        value = (value << 6) | (b & 0x3F);
+    }
+    if (value > 0x10FFFF)
+        return ICharEncoding::kFail;
+    out = value;
+    return off + size;
+}
+
 P<CUTF8CharEncoding>& CUTF8CharEncoding::instance()
 {
     return CGlobalObjFactory::accessor<CUTF8CharEncoding, &create>();
@@ -65,6 +105,11 @@ uint32_t CUTF8CharEncoding::encodeChar(uint32_t ch, uint8_t* buf, uint32_t len, 
     return off + size;
 }
 
+uint32_t CUTF8CharEncoding::countChars(const uint8_t* buf, uint32_t len, uint32_t off) const
+{
+    return countCharsWith(decodeStrict, 1, buf, len, off);
+}
+
 uint32_t CUTF8CharEncoding::getTerminatedLength(const uint8_t* buf) const
 {
     uint32_t n = 0;
@@ -74,50 +119,16 @@ uint32_t CUTF8CharEncoding::getTerminatedLength(const uint8_t* buf) const
 }
 
 uint32_t CUTF8CharEncoding::decodeCharStrict(uint32_t& out, const uint8_t* buf, uint32_t len,
-                                             uint32_t off) const
+                                 uint32_t off) const
 {
-    if (off >= len)
-        return kFail;
-    const uint8_t lead = buf[off];
-    if (lead < 0x80) {
-        out = lead;
-        return off + 1;
-    }
-    uint32_t size = 0;
-    uint32_t value = 0;
-    if ((lead & 0xE0) == 0xC0) {
-        size = 2;
-        value = lead & 0x1F;
-    } else if ((lead & 0xF0) == 0xE0) {
-        size = 3;
-        value = lead & 0x0F;
-    } else if ((lead & 0xF8) == 0xF0) {
-        size = 4;
-        value = lead & 0x07;
-    } else {
-        return kFail; // a continuation byte, or 11111xxx
-    }
-    // A crude guard against overlong forms: a lead without payload bits is rejected outright
-    // (0xC0, 0xE0, 0xF0), even where the sequence would be well formed.
-    if (value == 0 || len - off < size)
-        return kFail;
-    for (uint32_t i = 1; i < size; ++i) {
-        const uint8_t b = buf[off + i];
-        if ((b & 0xC0) != 0x80)
-            return kFail;
-        value = (value << 6) | (b & 0x3F);
-    }
-    if (value > 0x10FFFF)
-        return kFail;
-    out = value;
-    return off + size;
+    return decodeStrict(out, buf, len, off);
 }
 
 uint32_t CUTF8CharEncoding::decodeChars(uint32_t* out, uint32_t max, uint32_t& count,
                                          const uint8_t* buf, uint32_t len, uint32_t off,
                                          uint32_t* offsets) const
 {
-    return decodeCharsWith(*this, 1, out, max, count, buf, len, off, offsets);
+    return decodeCharsWith(decodeStrict, 1, out, max, count, buf, len, off, offsets);
 }
 
 } // namespace kore
