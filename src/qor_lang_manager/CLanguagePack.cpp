@@ -71,6 +71,10 @@ int32_t CLanguagePack::count()
 P<CLanguageFile> CLanguagePack::file(int32_t index)
 {
     scanIfEmpty();
+    // The manager checks only the upper bound; an index outside the list must still not read
+    // outside it.
+    if (index < 0 || static_cast<size_t>(index) >= m_files.size())
+        return nullptr;
     return m_files[static_cast<size_t>(index)];
 }
 

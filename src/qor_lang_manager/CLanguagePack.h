@@ -24,7 +24,7 @@ public:
     CLanguagePack(kore::P<kore::IURI> folder, const kore::CStringArg& appId);
 
     int32_t count();
-    // No range check: the caller checks the index against count().
+    // Null for an index outside the list.
     kore::P<CLanguageFile> file(int32_t index);
     // Releases every file; files held elsewhere (handles) stay alive.
     void reload();
