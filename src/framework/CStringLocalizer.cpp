@@ -5,6 +5,8 @@
 #include "framework/IMutexFactory.h"
 #include "framework/IString.h"
 
+#include <utility>
+
 namespace kore {
 
 namespace {
@@ -19,14 +21,17 @@ P<IStringLocalizer>& CStringLocalizer::instance()
     return CGlobalObjFactory::accessor<IStringLocalizer, &create>();
 }
 
-CStringLocalizer::CStringLocalizer() : m_mutex(createMutexFactory()->createMutex()) {}
+CStringLocalizer::CStringLocalizer()
+    : m_table(make<CValueList>()), m_mutex(createMutexFactory()->createMutex())
+{
+}
 
 CStringLocalizer::~CStringLocalizer() = default;
 
 void CStringLocalizer::clear()
 {
     CMutexLock lock(*m_mutex);
-    m_table.clear();
+    m_table->clear();
 }
 
 void CStringLocalizer::setFallback(IStringLocalizer* fallback)
@@ -45,7 +50,7 @@ void CStringLocalizer::setString(const CStringArg& key, const CStringArg& text)
     const uint32_t hash = CValueList::hashKey(key.get());
     P<IString> copy = CValueList::copyText(text.get());
     CMutexLock lock(*m_mutex);
-    m_table.set(key.get(), hash, std::move(copy));
+    m_table->set(key.get(), hash, std::move(copy));
 }
 
 P<IString> CStringLocalizer::getString(const CStringArg& key, const CStringArg& defaultText) const
@@ -54,7 +59,7 @@ P<IString> CStringLocalizer::getString(const CStringArg& key, const CStringArg& 
     const uint32_t hash = CValueList::hashKey(key.get());
     {
         CMutexLock lock(*m_mutex);
-        IString* text = m_table.peekString(key.get(), hash);
+        IString* text = m_table->peekString(key.get(), hash);
         if (text && text->getLength() != 0)
             return P<IString>(text);
         if (m_fallback)
@@ -64,10 +69,21 @@ P<IString> CStringLocalizer::getString(const CStringArg& key, const CStringArg& 
     return CValueList::copyText(defaultText.get());
 }
 
+void CStringLocalizer::replaceStrings(P<CValueList> table)
+{
+    if (!table)
+        table = make<CValueList>();
+    {
+        CMutexLock lock(*m_mutex);
+        std::swap(m_table, table);
+    }
+    // The old texts are freed here, outside the lock, so that readers do not wait for it.
+}
+
 uint32_t CStringLocalizer::getCount() const
 {
     CMutexLock lock(*m_mutex);
-    return m_table.getCount();
+    return m_table->getCount();
 }
 
 } // namespace kore

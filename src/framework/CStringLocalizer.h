@@ -30,11 +30,15 @@ public:
     // A hit returns the stored string itself (strings are immutable); a miss copies the default.
     P<IString> getString(const CStringArg& key, const CStringArg& defaultText) const override;
 
+    // Makes `table` (keys to string values, built apart from the localizer) its whole content in
+    // one step: a look-up sees either every old text or every new one, never neither.
+    void replaceStrings(P<CValueList> table);
+
     // Number of keys held (empty texts included).
     uint32_t getCount() const;
 
 private:
-    CValueList m_table;
+    P<CValueList> m_table;
     P<IStringLocalizer> m_fallback;
     P<IMutex> m_mutex;
 };

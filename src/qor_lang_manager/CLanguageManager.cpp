@@ -7,6 +7,8 @@
 #include "framework/CString.h"
 #include "framework/CStringFormat.h"
 #include "framework/CStringLocalizer.h"
+#include "framework/CValueList.h"
+#include "framework/Cast.h"
 #include "framework/IFileEntry.h"
 #include "framework/IFileEnum.h"
 #include "framework/IFileSystemManager.h"
@@ -66,18 +68,23 @@ bool CLanguageManager::setCurrentLanguage(const LanguageId& language)
                                        -1);
     m_current = language;
     // Every pack reads its file first. Texts of the previous language must not show through keys
-    // the new one lacks, so the localizer is emptied before the new texts go in; but when no
-    // folder has a readable file for the language, the current texts stay.
-    std::vector<std::unique_ptr<CLanguageStringTable>> tables;
-    for (auto& [id, pack] : m_packs)
-        tables.push_back(pack->readLanguage(language));
-    if (std::any_of(tables.begin(), tables.end(), [](const auto& table) { return table != nullptr; })) {
-        kore::CStringLocalizer::instance()->clear();
-        for (const auto& table : tables) {
-            if (table)
-                CLanguagePack::applyStrings(*table);
-        }
+    // the new one lacks, so the new texts (packs in map order, each in its own order, a later
+    // text of a key replacing an earlier one) replace the localizer's whole content in one step,
+    // and a look-up meanwhile sees the old or the new text. When no folder has a readable file
+    // for the language, the current texts stay.
+    P<kore::CValueList> texts;
+    for (auto& [id, pack] : m_packs) {
+        std::unique_ptr<CLanguageStringTable> table = pack->readLanguage(language);
+        if (!table)
+            continue;
+        if (!texts)
+            texts = kore::make<kore::CValueList>();
+        CLanguagePack::forEachString(*table, [&](const kore::CStringArg& key, const kore::CStringArg& text) {
+            texts->set(key, kore::CValueList::copyText(text.get()));
+        });
     }
+    if (texts)
+        kore::cast<kore::CStringLocalizer>(kore::CStringLocalizer::instance())->replaceStrings(texts);
     if (kore::isTraceEnabled())
         kore::debugTrace("CLanguageManager.cpp", kTraceLine, tag.c_str());
     // A copy: a listener may remove itself while being told.

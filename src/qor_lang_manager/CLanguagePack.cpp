@@ -106,14 +106,16 @@ std::unique_ptr<CLanguageStringTable> CLanguagePack::readLanguage(const Language
     }
 }
 
-void CLanguagePack::applyStrings(const CLanguageStringTable& table)
+void CLanguagePack::forEachString(
+    const CLanguageStringTable& table,
+    const std::function<void(const kore::CStringArg&, const kore::CStringArg&)>& visit)
 {
-    P<kore::IStringLocalizer> localizer = kore::CStringLocalizer::instance();
     table.forEach([&](const CLanguageStringEntry& entry) {
-        const std::u16string& key = entry.key ? *entry.key : std::u16string();
-        const std::u16string& text = entry.text ? *entry.text : std::u16string();
-        localizer->setString(kore::CStringArg(key.data(), static_cast<uint32_t>(key.size())),
-                             kore::CStringArg(text.data(), static_cast<uint32_t>(text.size())));
+        static const std::u16string kAbsent;
+        const std::u16string& key = entry.key ? *entry.key : kAbsent;
+        const std::u16string& text = entry.text ? *entry.text : kAbsent;
+        visit(kore::CStringArg(key.data(), static_cast<uint32_t>(key.size())),
+              kore::CStringArg(text.data(), static_cast<uint32_t>(text.size())));
     });
 }
 
@@ -122,7 +124,10 @@ int32_t CLanguagePack::setLanguage(const LanguageId& language)
     std::unique_ptr<CLanguageStringTable> table = readLanguage(language);
     if (!table)
         return 0;
-    applyStrings(*table);
+    P<kore::IStringLocalizer> localizer = kore::CStringLocalizer::instance();
+    forEachString(*table, [&](const kore::CStringArg& key, const kore::CStringArg& text) {
+        localizer->setString(key, text);
+    });
     return 1;
 }
 

@@ -11,6 +11,7 @@
 #include "qor_lang_manager/CLanguageFile.h"
 #include "qor_lang_manager/LanguageId.h"
 
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -33,9 +34,11 @@ public:
     // the whole table is read before the first text is handed over).
     int32_t setLanguage(const LanguageId& language);
     // The two halves of setLanguage. Reading gives null when there is no file or it cannot be
-    // read (reported to the log); applying hands every entry to the localizer in table order.
+    // read (reported to the log); visiting gives every entry's key and text in the order in which
+    // they reach the localizer (bucket by bucket, each chain from its head).
     std::unique_ptr<CLanguageStringTable> readLanguage(const LanguageId& language) const;
-    static void applyStrings(const CLanguageStringTable& table);
+    static void forEachString(const CLanguageStringTable& table,
+                              const std::function<void(const kore::CStringArg&, const kore::CStringArg&)>& visit);
 
     // The file name of `appId` for `tag`: appId + "-" + tag + ".qorlang", then every "--"
     // replaced by "-" in one pass.
