@@ -11,10 +11,7 @@ using kore::CCaseTable;
 
 namespace {
 
-struct Expected {
-    std::unordered_map<uint32_t, uint32_t> maps;
-    std::unordered_map<uint32_t, uint32_t> leftOut;
-};
+struct Expected { std::unordered_map<uint32_t, uint32_t> maps, leftOut; };
 
 const Expected& expected()
 {
@@ -67,9 +64,7 @@ TEST(CaseTable, MappingsThatDoNotFitSixteenBitsMapToThemselves)
 // Independent of the generator: what a reader of the Unicode charts expects.
 TEST(CaseTable, KnownCaseVariantsShareOneLowerCaseImage)
 {
-    struct Case {
-        uint32_t a, b, image;
-    };
+    struct Case { uint32_t a, b, image; };
     const Case cases[] = {
         // Latin, the last upper case outside Latin-1: A a, Z z, À à, Þ þ, Ÿ ÿ.
         {'A', 'a', 'a'}, {'Z', 'z', 'z'}, {0x00C0, 0x00E0, 0x00E0}, {0x00DE, 0x00FE, 0x00FE}, {0x0178, 0x00FF, 0x00FF},

@@ -23,13 +23,10 @@ std::string parseFailure(const std::function<void()>& parse)
 
 TEST(NumberParser, IntegersInEveryBase)
 {
-    const struct {
-        const char* text;
-        uint32_t base;
-        int64_t value;
-    } cases[] = {{"0", 10, 0}, {"-42", 10, -42}, {"+42", 10, 42}, {"007", 10, 7}, {"ff", 16, 255}, {"Ff", 16, 255},
-                 {"zz", 36, 35 * 36 + 35}, {"-101", 2, -5}, {"9223372036854775807", 10, INT64_MAX},
-                 {"-9223372036854775808", 10, INT64_MIN}};
+    const struct { const char* text; uint32_t base; int64_t value; } cases[] = {
+        {"0", 10, 0}, {"-42", 10, -42}, {"+42", 10, 42}, {"007", 10, 7}, {"ff", 16, 255}, {"Ff", 16, 255},
+        {"zz", 36, 35 * 36 + 35}, {"-101", 2, -5}, {"9223372036854775807", 10, INT64_MAX},
+        {"-9223372036854775808", 10, INT64_MIN}};
     for (const auto& c : cases)
         EXPECT_EQ(CNumberParser::parseInt64(c.text, c.base), c.value) << c.text;
     EXPECT_EQ(CNumberParser::parseInt64(u"123"), 123);

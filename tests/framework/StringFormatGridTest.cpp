@@ -24,11 +24,7 @@ using namespace kore;
 namespace {
 
 // A width or precision: not given, literal digits, or "*" with the value pushed for it.
-struct Count {
-    const char* text;
-    int value;
-    bool given;
-};
+struct Count { const char* text; int value; bool given; };
 const Count kWidths[] = {{"", 0, false}, {"0", 0, false}, {"1", 1, true}, {"5", 5, true},
                          {"20", 20, true}, {"*", 7, true}, {"*", -3, true}};
 const Count kPrecisions[] = {{"", 0, false}, {".", 0, true},   {".0", 0, true}, {".1", 1, true},
@@ -108,10 +104,7 @@ void forEachField(const char* letters, const Check& check)
     }
 }
 
-struct IntValue {
-    uint64_t bits;
-    bool isSigned;
-};
+struct IntValue { uint64_t bits; bool isSigned; };
 
 // Powers of the base and their neighbours, the extremes, and small values; signed and unsigned.
 std::vector<IntValue> intValues(unsigned base)
@@ -150,7 +143,10 @@ size_t expectInt(const Field& field, IntValue v, char* out)
     const char conversion = unsignedLetter ? field.letter : v.isSigned ? 'd' : 'u';
     const bool signShown =
         conversion == 'd' && (static_cast<int64_t>(v.bits) < 0 || field.has('+') || field.has(' '));
-    const char* prefix = !field.has('#') || !unsignedLetter ? "" : field.letter == 'o' ? "0" : field.letter == 'x' ? "0x" : "0X";
+    const char* prefix = !field.has('#') || !unsignedLetter ? ""
+                         : field.letter == 'o'               ? "0"
+                         : field.letter == 'x'               ? "0x"
+                                                             : "0X";
     const int prefixLength = static_cast<int>(std::strlen(prefix));
     const int width = field.widthValue();
     int precision = field.precisionValue();
@@ -189,7 +185,8 @@ void checkRow(const Field& field, const std::vector<Value>& values, const Push& 
         expected.append(out, expect(field, v, out)) += '\n';
     }
     const P<IString> result = f.getResult();
-    const std::u16string_view units(reinterpret_cast<const char16_t*>(result->getBuffer()), result->getByteLength() / 2);
+    const std::u16string_view units(reinterpret_cast<const char16_t*>(result->getBuffer()),
+                                    result->getByteLength() / 2);
     if (std::equal(units.begin(), units.end(), expected.begin(), expected.end()))
         return;
     EXPECT_EQ(result->toUTF8(), expected) << field.text;

@@ -124,14 +124,9 @@ TEST(StringFormat, ErrorsCarryContextMessageAndFormat)
     const char* const kPrecision = "expected integer value (field precision) in '";
     const char* const kCodePoint = "invalid character code point in '";
     const std::string kNext = "goToNextFormatField";
-    const struct {
-        const char* format;
-        char kind;
-        int64_t value;
-        std::string method, message;
-    } cases[] = {
-        {"a %q", 0, 0, kNext, kBad}, {"%I32d", 0, 0, kNext, kBad}, {"%lhd", 0, 0, kNext, kBad}, {"50%", 0, 0, kNext, kBad},
-        {"%99999999999d", 0, 0, kNext, kBad}, {"%d %q", 'i', 1, kNext, kBad},
+    const struct { const char* format; char kind; int64_t value; std::string method, message; } cases[] = {
+        {"a %q", 0, 0, kNext, kBad}, {"%I32d", 0, 0, kNext, kBad}, {"%lhd", 0, 0, kNext, kBad},
+        {"50%", 0, 0, kNext, kBad}, {"%99999999999d", 0, 0, kNext, kBad}, {"%d %q", 'i', 1, kNext, kBad},
         {"%-+ #0-d", 0, 0, kNext, "too many field flags specified in '"},
         {"%-+ #00q", 0, 0, kNext, "too many field flags specified in '"}, {"%s", 'i', 1, "doInt", kMismatch},
         {"x", 'u', 1, "doInt", kMismatch}, {"%*d", 'u', 0x80000000, "doInt", "field width out of range in '"},

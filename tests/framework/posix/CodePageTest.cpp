@@ -68,9 +68,7 @@ TEST(CodePagePosix, BothWaysAsIconvSays)
 TEST(CodePagePosix, EuroSignRoundTripsThroughTheCodePage)
 {
     const CCPString cp(CUTF16String(u"\u20AC\u00E9\u4E00"));
-    ASSERT_EQ(cp.getByteLength(), 2u); // U+4E00 has no byte
-    EXPECT_EQ(cp.getBuffer()[0], 0x80);
-    EXPECT_EQ(cp.getBuffer()[1], 0xE9);
+    EXPECT_EQ(std::string(reinterpret_cast<const char*>(cp.getBuffer()), cp.getByteLength()), "\x80\xE9"); // no U+4E00
     EXPECT_EQ(cp.getLength(), 2u);
     EXPECT_EQ(CUTF16String(cp).toU16(), u"\u20AC\u00E9");
 }

@@ -44,10 +44,8 @@ TEST(CodePageWin32, EncodingFollowsTheRuntimeLocale)
             << "byte " << b << " U+" << std::hex << cp;
     }
     // What the "C" locale cannot write, such as the euro sign and U+4E00, is dropped.
-    CCPString text(CUTF16String(u"A\u20AC\u00E9\u4E00"));
-    ASSERT_EQ(text.getByteLength(), 2u);
-    EXPECT_EQ(text.getBuffer()[0], 'A');
-    EXPECT_EQ(text.getBuffer()[1], 0xE9);
+    const CCPString text(CUTF16String(u"A\u20AC\u00E9\u4E00"));
+    EXPECT_EQ(std::string(reinterpret_cast<const char*>(text.getBuffer()), text.getByteLength()), "A\xE9");
 }
 
 TEST(CodePageWin32, Windows1252AsTheChartsSay)
