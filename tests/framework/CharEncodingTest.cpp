@@ -14,6 +14,7 @@
 #include <algorithm>
 #include <cstring>
 #include <numeric>
+#include <string>
 #include <vector>
 
 namespace kore_test {
@@ -172,13 +173,9 @@ void expectCodec(const ICharEncoding& enc, std::initializer_list<Decoding> decod
 
 TEST(UTF8Encoding, DecodesAndEncodesAsDefined)
 {
-    Bytes letters = bytesBelow('a' + 20);
-    letters.erase(letters.begin(), letters.begin() + 'a');
-    letters.insert(letters.begin() + 17, {0xFF, 0xFE}); // invalid bytes before the 18th character
-    letters.insert(letters.begin() + 3, {0xC3, 0xA9});  // é as the fourth character
-    CodePoints letterCps = {'a', 'b', 'c', 0xE9};
-    for (uint32_t c = 'd'; c < 'a' + 20; ++c)
-        letterCps.push_back(c);
+    // More than a block of 16 characters, with é and invalid bytes in the second block.
+    const std::string letters = "abc\xC3\xA9" "defghijklmnopq\xFF\xFE" "rst";
+    const std::u16string letterCps = u"abc\u00E9defghijklmnopqrst";
     expectCodec(utf8(),
                 {// The first and last sequence of each length; overlong C1 leads and surrogates.
                  {{0x00, 0x7F, 0xC2, 0x80, 0xDF, 0xBF, 0xE1, 0x80, 0x80, 0xEF, 0xBF, 0xBF, 0xF1, 0x80, 0x80, 0x80, 0xF4,
@@ -200,7 +197,7 @@ TEST(UTF8Encoding, DecodesAndEncodesAsDefined)
                  {{0xC3, 0x41}, {0x41}, kInvalid}, {{0xE2, 0x82, 0x41, 0xAC}, {0x41}, kInvalid},
                  {{0xE2, 0xE2, 0x82, 0xAC}, {0x20AC}, kInvalid},
                  {{0x41, 0xC3, 0xA9, 0xFF, 0xE2, 0x82, 0xAC}, {0x41, 0xE9, 0x20AC}, kInvalid},
-                 {letters, letterCps, kInvalid}},
+                 {Bytes(letters.begin(), letters.end()), CodePoints(letterCps.begin(), letterCps.end()), kInvalid}},
                 {{0x7F, {0x7F}}, {0x80, {0xC2, 0x80}}, {0x7FF, {0xDF, 0xBF}}, {0x800, {0xE0, 0xA0, 0x80}},
                  {0xFFFF, {0xEF, 0xBF, 0xBF}}, {0x10000, {0xF0, 0x90, 0x80, 0x80}},
                  {0x10FFFF, {0xF4, 0x8F, 0xBF, 0xBF}}, {0xD800, {0xED, 0xA0, 0x80}}, {0x110000, {}}, {0xFFFFFFFF, {}}});

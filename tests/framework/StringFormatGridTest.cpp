@@ -144,9 +144,7 @@ size_t expectInt(const Field& field, IntValue v, char* out)
     const bool signShown =
         conversion == 'd' && (static_cast<int64_t>(v.bits) < 0 || field.has('+') || field.has(' '));
     const char* prefix = !field.has('#') || !unsignedLetter ? ""
-                         : field.letter == 'o'               ? "0"
-                         : field.letter == 'x'               ? "0x"
-                                                             : "0X";
+                         : field.letter == 'o' ? "0" : field.letter == 'x' ? "0x" : "0X";
     const int prefixLength = static_cast<int>(std::strlen(prefix));
     const int width = field.widthValue();
     int precision = field.precisionValue();
