@@ -20,10 +20,11 @@ constexpr uint16_t k1252High[32] = {
     0x2039, 0x0152, 0,      0x017D, 0,      0,      0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
     0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0,      0x017E, 0x0178};
 
-uint32_t decode(uint8_t byte)
+uint32_t decode(uint32_t byte)
 {
+    const auto b = static_cast<uint8_t>(byte);
     uint32_t cp = 0xDEADBEEF;
-    EXPECT_EQ(CCPCharEncoding::instance()->decodeCharStrict(cp, &byte, 1, 0), 1u);
+    EXPECT_EQ(CCPCharEncoding::instance()->decodeCharStrict(cp, &b, 1, 0), 1u);
     return cp;
 }
 
@@ -36,16 +37,15 @@ TEST(CodePageWin32, EncodingFollowsTheRuntimeLocale)
     const ICharEncoding& page = *CCPCharEncoding::instance();
     EXPECT_EQ(page.getMaxCharSize(), static_cast<uint32_t>(MB_CUR_MAX));
     for (uint32_t b = 1; b < 256; ++b) {
-        const uint32_t cp = decode(static_cast<uint8_t>(b));
+        const uint32_t cp = decode(b);
         uint8_t out[8] = {0};
         const uint32_t end = page.encodeChar(cp, out, 8, 0);
-        if (cp != 0 && cp < 256) {
-            EXPECT_EQ(end, 1u) << "byte " << b;
-            EXPECT_EQ(out[0], cp) << "byte " << b;
-        } else if (cp >= 256) {
-            EXPECT_EQ(page.getEncodedSize(cp), 0u) << "U+" << std::hex << cp;
-        }
+        EXPECT_TRUE(cp == 0 || (cp < 256 ? end == 1 && out[0] == cp : page.getEncodedSize(cp) == 0))
+            << "byte " << b << " U+" << std::hex << cp;
     }
+    // What the "C" locale cannot write, such as the euro sign and U+4E00, is dropped.
+    const CCPString text(CUTF16String(u"A\u20AC\u00E9\u4E00"));
+    EXPECT_EQ(std::string(reinterpret_cast<const char*>(text.getBuffer()), text.getByteLength()), "A\xE9");
 }
 
 TEST(CodePageWin32, Windows1252AsTheChartsSay)
@@ -53,21 +53,11 @@ TEST(CodePageWin32, Windows1252AsTheChartsSay)
     if (GetACP() != 1252)
         GTEST_SKIP() << "ANSI code page is " << GetACP();
     for (uint32_t b = 0; b < 256; ++b) {
-        uint32_t want = b;
-        if (b >= 0x80 && b < 0xA0)
-            want = k1252High[b - 0x80];
-        const uint32_t got = decode(static_cast<uint8_t>(b));
+        const uint32_t want = b >= 0x80 && b < 0xA0 ? k1252High[b - 0x80] : b;
+        const uint32_t got = decode(b);
         // Windows maps the five undefined bytes to the C1 controls of the same value.
-        if (want == 0 && b != 0)
-            EXPECT_TRUE(got == 0 || got == b) << "byte " << b << " U+" << std::hex << got;
-        else
-            EXPECT_EQ(got, want) << "byte " << b;
+        EXPECT_TRUE(got == want || (want == 0 && got == b)) << "byte " << b << " U+" << std::hex << got;
     }
-    // What the "C" locale cannot write is dropped.
-    CCPString text(CUTF16String(u"A\u20AC\u00E9\u4E00"));
-    ASSERT_EQ(text.getByteLength(), 2u);
-    EXPECT_EQ(text.getBuffer()[0], 'A');
-    EXPECT_EQ(text.getBuffer()[1], 0xE9);
 }
 
 } // namespace kore_test
