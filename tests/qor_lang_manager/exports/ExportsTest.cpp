@@ -75,6 +75,16 @@ TEST_F(Exports, LookUpsWhileTheLanguageChangesSeeOneOfTheTexts)
     writeLanguageFile(m_folder, m_app, u"de-DE", {{key, u"Hallo"}});
     writeLanguageFile(m_folder, m_app, u"fr-FR", {{key, u"Bonjour"}});
     ASSERT_EQ(addFolder(m_folder, m_app), 0);
+    // Another application, whose many texts are handed over first, keeps any moment without
+    // either text open long enough to be seen.
+    std::vector<std::pair<std::u16string, std::u16string>> many;
+    for (int i = 0; i < 2000; ++i)
+        many.emplace_back(key + u16(std::to_string(i)), u"x");
+    const fs::path other = m_folder / "other";
+    fs::create_directory(other);
+    writeLanguageFile(other, u"0" + m_app, u"de-DE", many);
+    writeLanguageFile(other, u"0" + m_app, u"fr-FR", many);
+    ASSERT_EQ(addFolder(other, u"0" + m_app), 0);
     ASSERT_EQ(setLanguage(u"de-DE"), 0);
 
     std::atomic<bool> done{false};
