@@ -88,7 +88,7 @@ TEST_F(LanguagePackTest, ScansWhileEmptyAndAgainAfterReload)
     EXPECT_EQ(kore::make<CLanguagePack>(folder.uri("missing"), "A")->count(), 0);
 }
 
-TEST_F(LanguagePackTest, FileNames)
+TEST_F(LanguagePackTest, SetLanguageLoadsTheFileOfItsNameOrLeavesTheLocalizer)
 {
     EXPECT_EQ(utf8(CLanguagePack::fileName("A", "de-DE")), "A-de-DE.qorlang");
     EXPECT_EQ(utf8(CLanguagePack::fileName("A", "")), "A-.qorlang");
@@ -97,30 +97,19 @@ TEST_F(LanguagePackTest, FileNames)
     EXPECT_EQ(utf8(CLanguagePack::fileName("A--", "de-DE")), "A--de-DE.qorlang");
 
     writeLanguage("A-.qorlang", u"", {{u"k", u"no tag"}});
+    kore::CStringLocalizer::instance()->setString("other", "kept");
     EXPECT_EQ(pack()->setLanguage(LanguageId()), 1) << "the default id has the empty tag";
     EXPECT_EQ(localized("k"), "no tag");
+    EXPECT_EQ(localized("other"), "kept") << "the pack only sets strings";
+    EXPECT_EQ(pack()->setLanguage(tag(u"fr-FR")), 0);
+    EXPECT_EQ(localized("k"), "no tag");
+    EXPECT_TRUE(log.records().empty()) << "a missing file is no error";
 
     writeLanguage("A--de-DE.qorlang", u"de-DE", {{u"k", u"double"}});
     const auto dashed = pack("A--");
     EXPECT_EQ(dashed->count(), 1);
     EXPECT_EQ(dashed->setLanguage(tag(u"de-DE")), 1) << "a listed file can be set";
     EXPECT_EQ(localized("k"), "double");
-}
-
-TEST_F(LanguagePackTest, SetLanguageFillsTheLocalizerOrLeavesIt)
-{
-    writeLanguage("A-de-DE.qorlang", u"de-DE", {{u"menu.file", u"Datei"}, {u"menu.edit", u"Bearbeiten"}});
-    kore::CStringLocalizer::instance()->setString("other", "kept");
-    const auto p = pack();
-
-    EXPECT_EQ(p->setLanguage(tag(u"de-DE")), 1);
-    EXPECT_EQ(localized("menu.file"), "Datei");
-    EXPECT_EQ(localized("menu.edit"), "Bearbeiten");
-    EXPECT_EQ(localized("other"), "kept") << "the pack only sets strings";
-
-    EXPECT_EQ(p->setLanguage(tag(u"fr-FR")), 0);
-    EXPECT_EQ(localized("menu.file"), "Datei");
-    EXPECT_TRUE(log.records().empty()) << "a missing file is no error";
 }
 
 TEST_F(LanguagePackTest, OfTwoEntriesWithOneKeyTheOneVisitedLastWins)
