@@ -13,23 +13,11 @@ using namespace lang_test;
 using qor_lang::CLanguageFileWriter;
 using qor_lang::CLanguageManager;
 using qor_lang::LanguageId;
-using qor_lang::LanguageTagMode;
-
-LanguageId tag(const char16_t* text)
-{
-    return LanguageId(text, LanguageTagMode::Tag);
-}
 
 struct LanguageManagerTest : ::testing::Test {
     kore_test::CTempFolder folder;
     CLocalizerGuard localizer;
     kore::P<CLanguageManager> manager = kore::make<CLanguageManager>();
-
-    std::string found(const char* prefix, const char* infix, const char* suffix)
-    {
-        const kore::P<kore::IURI> uri = manager->findLocalizedFile(*folder.uri(), prefix, infix, suffix);
-        return uri ? utf8(uri->getName()) : "<null>";
-    }
 };
 
 struct CListener : kore::CObject, qor_lang::ILanguageChangeListener {
@@ -112,26 +100,6 @@ TEST_F(LanguageManagerTest, SwitchingLanguagesDoesNotMixTheirTexts)
     manager->setCurrentLanguage(tag(u"it-IT"));
     manager->setCurrentLanguage(tag(u"es-ES"));
     EXPECT_EQ(localized("both"), "les deux") << "no readable file: the texts stay";
-}
-
-TEST_F(LanguageManagerTest, LocalizedFilesPreferTheCurrentLanguageThenEnUs)
-{
-    folder.writeFile("help_en-US.pdf", "en");
-    EXPECT_EQ(found("help_", "", ".pdf"), "help_en-US.pdf") << "before any set the tag is empty";
-
-    folder.writeFile("help_de-DE.pdf", "de");
-    manager->setCurrentLanguage(tag(u"de-DE"));
-    EXPECT_EQ(found("help_", "", ".pdf"), "help_de-DE.pdf");
-    EXPECT_EQ(found("h?lp?", "*", ".p*"), "help_de-DE.pdf") << "wildcards are the enumeration's";
-    EXPECT_EQ(found("help_", "_x", ".pdf"), "<null>");
-
-    folder.makeFolder("help_fr-FR.pdf");
-    manager->setCurrentLanguage(tag(u"fr-FR"));
-    EXPECT_EQ(found("help_", "", ".pdf"), "help_en-US.pdf") << "a folder is no match";
-
-    std::filesystem::remove(folder.path("help_en-US.pdf"));
-    EXPECT_EQ(found("help_", "", ".pdf"), "<null>");
-    EXPECT_EQ(manager->findLocalizedFile(*folder.uri("missing"), "help_", "", ".pdf"), nullptr);
 }
 
 } // namespace

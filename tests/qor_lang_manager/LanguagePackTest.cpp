@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -14,12 +13,6 @@ using namespace lang_test;
 using qor_lang::CLanguageFileWriter;
 using qor_lang::CLanguagePack;
 using qor_lang::LanguageId;
-using qor_lang::LanguageTagMode;
-
-LanguageId tag(const char16_t* text)
-{
-    return LanguageId(text, LanguageTagMode::Tag);
-}
 
 struct LanguagePackTest : ::testing::Test {
     kore_test::CTempFolder folder;
@@ -66,26 +59,6 @@ TEST_F(LanguagePackTest, ListsFilesStartingWithItsIdInFolderOrder)
     EXPECT_EQ(utf8(p->file(0)->getSource()->getName()), "A-de-DE.qorlang");
     EXPECT_EQ(tags(*pack("B")), (std::vector<std::u16string>{u"es-ES"}));
     EXPECT_TRUE(log.records().empty());
-}
-
-TEST_F(LanguagePackTest, ScansWhileEmptyAndAgainAfterReload)
-{
-    const auto p = pack();
-    EXPECT_EQ(p->count(), 0);
-    writeLanguage("A-de-DE.qorlang", u"de-DE");
-    EXPECT_EQ(p->count(), 1) << "an empty list is scanned at every query";
-    writeLanguage("A-en-US.qorlang", u"en-US");
-    EXPECT_EQ(p->count(), 1) << "a filled list stays until reload";
-
-    const kore::P<qor_lang::CLanguageFile> held = p->file(0);
-    p->reload();
-    EXPECT_EQ(p->count(), 2);
-    std::filesystem::remove(folder.path("A-de-DE.qorlang"));
-    p->reload();
-    EXPECT_EQ(tags(*p), (std::vector<std::u16string>{u"en-US"}));
-    EXPECT_EQ(held->getLanguage().getTag(), u"de-DE") << "a file held elsewhere outlives the reload";
-
-    EXPECT_EQ(kore::make<CLanguagePack>(folder.uri("missing"), "A")->count(), 0);
 }
 
 TEST_F(LanguagePackTest, SetLanguageLoadsTheFileOfItsNameOrLeavesTheLocalizer)

@@ -65,45 +65,32 @@ TEST(LanguageStringTable, VisitsBucketsInOrderEachChainFromItsHead)
     EXPECT_EQ(table.find(u"b"), nullptr);
 }
 
-TEST(LanguageStringTable, BucketsDoubleOncePastFourFifths)
-{
-    CLanguageStringTable table;
-    EXPECT_EQ(table.getBucketCount(), 1000);
-    insertFillers(table, 800);
-    EXPECT_EQ(table.getBucketCount(), 1000);
-    insertFillers(table, 1);
-    EXPECT_EQ(table.getBucketCount(), 2000);
-    insertFillers(table, 799);
-    EXPECT_EQ(table.getBucketCount(), 2000);
-    insertFillers(table, 1);
-    EXPECT_EQ(table.getBucketCount(), 4000);
-    EXPECT_EQ(table.getCount(), 1601);
-
-    table.clear();
-    EXPECT_EQ(table.getCount(), 0);
-    EXPECT_EQ(table.getBucketCount(), 4000) << "clear keeps the buckets";
-}
-
-TEST(LanguageStringTable, EachDoublingReversesEntriesThatShareABucket)
+TEST(LanguageStringTable, BucketsDoubleOncePastFourFifthsAndEachDoublingReversesEntriesThatShareABucket)
 {
     const struct {
         int between, after, buckets;
         std::vector<std::u16string> visited;
     } cases[] = {
-        {0, 0, 1000, {u"second", u"first"}},     // no doubling: the later one is visited first
-        {0, 799, 2000, {u"first", u"second"}},   // one doubling after both turns the chain round
-        {800, 0, 2000, {u"second", u"first"}},   // one between moves only the first; the second goes to the head
-        {0, 1599, 4000, {u"second", u"first"}},  // two after both reverse twice
+        {0, 798, 1000, {u"second", u"first"}},    // no doubling: the later one is visited first
+        {0, 799, 2000, {u"first", u"second"}},    // one doubling after both turns the chain round
+        {800, 0, 2000, {u"second", u"first"}},    // one between moves only the first; the second goes to the head
+        {0, 1598, 2000, {u"first", u"second"}},
+        {0, 1599, 4000, {u"second", u"first"}},   // two after both reverse twice
     };
     for (const auto& c : cases) {
         CLanguageStringTable table;
+        EXPECT_EQ(table.getBucketCount(), 1000);
         insert(table, u"dup", u"first");
         insertFillers(table, c.between);
         insert(table, u"dup", u"second");
         insertFillers(table, c.after);
-        ASSERT_EQ(table.getBucketCount(), c.buckets);
+        EXPECT_EQ(table.getCount(), 2 + c.between + c.after);
+        ASSERT_EQ(table.getBucketCount(), c.buckets) << table.getCount() << " entries";
         EXPECT_EQ(visits(table, u"dup"), c.visited) << c.between << "/" << c.after;
         EXPECT_EQ(*table.find(u"dup")->text, c.visited.front()) << "a look-up stops at the head";
+        table.clear();
+        EXPECT_EQ(table.getCount(), 0);
+        EXPECT_EQ(table.getBucketCount(), c.buckets) << "clear keeps the buckets";
     }
 }
 

@@ -71,6 +71,7 @@ inline void readTable(const Bytes& bytes, qor_lang::CLanguageStringTable& table)
 }
 
 inline std::string utf8(const kore::P<kore::IString>& s) { return s ? s->toUTF8() : "<null>"; }
+inline qor_lang::LanguageId tag(const char16_t* text) { return {text, qor_lang::LanguageTagMode::Tag}; }
 
 inline void writeBytes(const kore_test::CTempFolder& folder, const std::string& name, const Bytes& bytes)
 {

@@ -223,30 +223,31 @@ TEST_F(Exports, LocalizedFilesAreFoundAsLocalPathsForTheCurrentLanguageOrEnglish
     fs::create_directory(folder);
     writeBytes(folder / "help_de-DE_v2.pdf", "x");
     writeBytes(folder / "help_en-US_v2.pdf", "x");
+    fs::create_directory(folder / "help_fr-FR_v2.pdf");
     const std::u16string uri = folderUri(folder), prefix = u"help_", infix = u"_v2", suffix = u".pdf";
-    const auto find = [&](const std::u16string& in) {
-        return take(QOR_LANG2_findLocalizedFile(w(in), w(prefix), w(infix), w(suffix)));
+    const auto find = [&](const std::u16string& in, const std::u16string& end) {
+        return take(QOR_LANG2_findLocalizedFile(w(in), w(prefix), w(infix), w(end)));
     };
-    const auto expectFound = [&](const char* name) {
-        const Text found = find(uri);
+    const auto expectFound = [&](const Text& found, const char* name) {
         ASSERT_TRUE(found) << name;
         EXPECT_TRUE(fs::path(*found).is_absolute()) << utf8(*found) << " is no local path";
         std::error_code error;
         EXPECT_TRUE(fs::equivalent(fs::path(*found), folder / name, error)) << utf8(*found);
     };
     ASSERT_EQ(setLanguage(u"de-DE"), 0);
-    expectFound("help_de-DE_v2.pdf");
-    ASSERT_EQ(setLanguage(u"it-IT"), 0);
-    expectFound("help_en-US_v2.pdf");
+    expectFound(find(uri, suffix), "help_de-DE_v2.pdf");
+    expectFound(find(uri, u".p?f"), "help_de-DE_v2.pdf");   // wildcards are the enumeration's
+    ASSERT_EQ(setLanguage(u"fr-FR"), 0);
+    expectFound(find(uri, suffix), "help_en-US_v2.pdf");   // a folder is no match
 
     EXPECT_EQ(take(QOR_LANG2_findLocalizedFile(nullptr, w(prefix), w(infix), w(suffix))), std::nullopt);
     EXPECT_EQ(take(QOR_LANG2_findLocalizedFile(w(uri), nullptr, w(infix), w(suffix))), std::nullopt);
     EXPECT_EQ(take(QOR_LANG2_findLocalizedFile(w(uri), w(prefix), nullptr, w(suffix))), std::nullopt);
     EXPECT_EQ(take(QOR_LANG2_findLocalizedFile(w(uri), w(prefix), w(infix), nullptr)), std::nullopt);
-    EXPECT_EQ(find(u"no uri"), std::nullopt);
-    EXPECT_EQ(find(folderUri(m_folder / "missing")), std::nullopt);
+    EXPECT_EQ(find(u"no uri", suffix), std::nullopt);
+    EXPECT_EQ(find(folderUri(m_folder / "missing"), suffix), std::nullopt);
     fs::remove(folder / "help_en-US_v2.pdf");
-    EXPECT_EQ(find(uri), std::nullopt);
+    EXPECT_EQ(find(uri, suffix), std::nullopt);
 }
 
 } // namespace

@@ -35,6 +35,11 @@ TEST(ExportsChild, DISABLED_BeforeAnyLanguageIsSet)
     QOR_LANG2_freeWideString(current);
 
     EXPECT_EQ(QOR_LANG2_reload(), 0) << "nothing registered yet";
+    kore_test::CTempFolder temp;
+    writeBytes(temp.path() / "help_en-US.pdf", "x");
+    const std::u16string uri = folderUri(temp.path()), prefix = u"help_", infix, suffix = u".pdf";
+    EXPECT_TRUE(take(QOR_LANG2_findLocalizedFile(w(uri), w(prefix), w(infix), w(suffix))))
+        << "the empty tag names no file; the English one is found";
     EXPECT_EQ(setLanguage(u"de"), 20);
     EXPECT_EQ(currentLanguage(), u"") << "a rejected tag leaves the default";
     EXPECT_EQ(setLanguage(u"en-US"), 0);
