@@ -28,10 +28,8 @@ inline Bytes slice(const Bytes& b, size_t from, size_t to) { return Bytes(b.begi
 
 inline Bytes u64(uint64_t value)
 {
-    Bytes out;
-    for (int i = 0; i < 8; ++i)
-        out.push_back(static_cast<uint8_t>(value >> (8 * i)));
-    return out;
+    return {uint8_t(value), uint8_t(value >> 8), uint8_t(value >> 16), uint8_t(value >> 24),
+            uint8_t(value >> 32), uint8_t(value >> 40), uint8_t(value >> 48), uint8_t(value >> 56)};
 }
 
 // A chunk whose size field says `size`, followed by `data` (which may differ in length).
@@ -130,7 +128,10 @@ public:
     explicit CDiskFile(const Bytes& bytes) : CDiskFile() { m_temp.writeFile(kPath, std::string(bytes.begin(), bytes.end())); }
 
     kore::P<kore::IURI> uri() const { return m_temp.uri(kFolder)->resolve("a file.chf"); }
-    Ref<chf::CKoreFileStream> open(uint32_t mode) const { return Ref<chf::CKoreFileStream>(new chf::CKoreFileStream(*uri(), mode)); }
+    Ref<chf::CKoreFileStream> open(uint32_t mode) const
+    {
+        return Ref<chf::CKoreFileStream>(new chf::CKoreFileStream(*uri(), mode));
+    }
     Bytes bytes() const { return text(m_temp.readFile(kPath)); }
 
 private:

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <string>
 #include <vector>
@@ -136,7 +137,7 @@ TEST(LanguageFile, OnlyTheLastStmpWithDataCounts)
 
 struct Span {
     std::string id;
-    size_t header, data, end;
+    size_t data, end;
 };
 
 // The chunks of bytes[from, to), whose sizes are all small.
@@ -145,7 +146,7 @@ std::vector<Span> chunksOf(const Bytes& bytes, size_t from, size_t to)
     std::vector<Span> spans;
     for (size_t at = from; at + 12 <= to; at = spans.back().end) {
         const size_t size = bytes[at + 4] | size_t(bytes[at + 5]) << 8;
-        spans.push_back({std::string(bytes.begin() + long(at), bytes.begin() + long(at + 4)), at, at + 12, at + 12 + size});
+        spans.push_back({std::string(bytes.begin() + long(at), bytes.begin() + long(at + 4)), at + 12, at + 12 + size});
     }
     return spans;
 }
@@ -179,10 +180,7 @@ TEST(LanguageFile, FileCutAnywhereFailsOrReadsOnlyWholeChunks)
         }
         // A cut header ends the walk: that chunk and all after it are missing, which is no error.
         auto whole = [&](const char* id) {
-            for (size_t i = 0; i < at; ++i)
-                if (spans[i].id == id)
-                    return true;
-            return false;
+            return std::any_of(spans.begin(), spans.begin() + long(at), [&](const Span& s) { return s.id == id; });
         };
         const auto file = readFile(prefix);
         EXPECT_EQ(file->getLanguage().isValid(), whole("lang"));
@@ -215,7 +213,8 @@ TEST(LanguageFile, CountsBeyondTheFileFailAtOnceWithoutAllocating)
         {"xdid M = 0xFFFFFFFF", container(lang + chunk("xdid", u32(0xFFFFFFFF))), false},
         {"xdid M = 2, one pair", container(lang + chunk("xdid", u32(2) + counted(u"k") + counted(u"v"))), false},
         {"data M = 0xFFFFFFFF", container(lang + chunk("STMP", chunk("data", u32(0xFFFFFFFF)))), true},
-        {"entry key N = 0xFFFFFFFF", container(lang + chunk("STMP", chunk("data", u32(1) + u32(0) + u32(0xFFFFFFFF)))), true},
+        {"entry key N = 0xFFFFFFFF",
+         container(lang + chunk("STMP", chunk("data", u32(1) + u32(0) + u32(0xFFFFFFFF)))), true},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);

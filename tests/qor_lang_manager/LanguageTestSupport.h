@@ -25,7 +25,7 @@ using chf_test::chunk;
 using chf_test::container;
 using chf_test::operator+;
 
-inline Bytes u32(uint32_t value) { return {uint8_t(value), uint8_t(value >> 8), uint8_t(value >> 16), uint8_t(value >> 24)}; }
+inline Bytes u32(uint32_t v) { return {uint8_t(v), uint8_t(v >> 8), uint8_t(v >> 16), uint8_t(v >> 24)}; }
 
 // A counted string: N = units + 1, the units, a zero unit; nullopt is N = 0.
 inline Bytes counted(const qor_lang::CountedString& text)

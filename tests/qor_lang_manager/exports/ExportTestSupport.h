@@ -26,7 +26,10 @@ namespace export_test {
 static_assert(sizeof(QOR_LANG2_CHAR) == sizeof(char16_t));
 
 // Text for the interface: a literal or a string that outlives the call.
-inline const QOR_LANG2_CHAR* w(std::u16string_view text) { return reinterpret_cast<const QOR_LANG2_CHAR*>(text.data()); }
+inline const QOR_LANG2_CHAR* w(std::u16string_view text)
+{
+    return reinterpret_cast<const QOR_LANG2_CHAR*>(text.data());
+}
 
 inline std::u16string u16(std::string_view ascii) { return std::u16string(ascii.begin(), ascii.end()); }
 
@@ -50,7 +53,10 @@ struct FileHandleDeleter {
 };
 using FileHandle = std::unique_ptr<void, FileHandleDeleter>;
 
-inline FileHandle languageFile(const std::u16string& appId, int32_t index) { return FileHandle(QOR_LANG2_getLanguageFile(w(appId), index)); }
+inline FileHandle languageFile(const std::u16string& appId, int32_t index)
+{
+    return FileHandle(QOR_LANG2_getLanguageFile(w(appId), index));
+}
 inline Text currentLanguage() { return take(QOR_LANG2_getCurrentLanguage()); }
 inline int32_t setLanguage(const std::u16string& tag) { return QOR_LANG2_setCurrentLanguage(w(tag)); }
 
