@@ -42,6 +42,10 @@ TEST(SpacePropagation, ChildGrownWhileOpenIsSkippedAndEveryEnclosingSizeFollows)
             EXPECT_EQ(readAll(Ref<CChunkStream>(step.holder->openChunkStream()).get()), step.data);
         }
         EXPECT_EQ(readAll(comment.get()), text("hi"));
+        // Read again from the file, a grown chunk's old size gives way to its open stream's length.
+        ASSERT_TRUE(stmp->findFirstChunk(makeChunkId("sub_")));
+        ASSERT_TRUE(stmp->nextChunk());
+        EXPECT_EQ(stmp->getChunkId(), makeChunkId("more"));
     };
     // The leaf's size, those of sub_ and STMP and the header's length are each 10 larger.
     for (const Bytes& bytes : editedInMemoryAndOnDisk(container(area(text("hello"))), grow))
