@@ -2,29 +2,29 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <utility>
+
 using namespace chf_test;
 
 namespace {
 
 TEST(BaseStream, InsertSpaceMovesOnlyTheLastBlockOfTheTail)
 {
-    const Bytes original = patternBytes(200000);
-    Ref<CTestStream> stream(new CTestStream(original));
-    stream->setPosition(0);
-    stream->insertSpace(100);
-
-    const size_t kept = 200000 - 65536;
-    const Bytes& bytes = stream->getBytes();
-    ASSERT_EQ(bytes.size(), 200100u);
-    EXPECT_EQ(stream->bytesWritten, 65536);
-    // Everything before the moved block, and the 100 bytes it left behind, are untouched.
-    EXPECT_EQ(slice(bytes, 0, kept + 100), slice(original, 0, kept + 100));
-    EXPECT_EQ(slice(bytes, kept + 100, 200100), slice(original, kept, 200000));
+    // The second tail is shorter than the disk stream's buffer and moves through that buffer.
+    for (const auto& [size, at] : {std::pair<int64_t, int64_t>{200000, 0}, {10000, 9000}}) {
+        const Bytes original = patternBytes(size_t(size));
+        const auto moved = size_t(std::max(size - 65536, at));
+        const auto edit = [at = at](chf::CBaseStream* stream) { stream->setPosition(at); stream->insertSpace(100); };
+        // Nothing before the moved block changed, the 100 bytes it left behind included.
+        for (const Bytes& bytes : editedInMemoryAndOnDisk(original, edit))
+            EXPECT_EQ(bytes, slice(original, 0, moved + 100) + slice(original, moved, size_t(size))) << size;
+    }
 }
 
 TEST(BaseStream, RemoveSpaceMovesTheWholeTailThenCutsTheFullCountOffTheEnd)
 {
-    Bytes expected = patternBytes(150000);
+    Bytes expected = patternBytes(150000);   // the tail moves in three pieces
     Ref<CTestStream> stream(new CTestStream(expected));
     stream->setPosition(5);
     stream->removeSpace(10);
@@ -37,14 +37,18 @@ TEST(BaseStream, RemoveSpaceMovesTheWholeTailThenCutsTheFullCountOffTheEnd)
     EXPECT_EQ(stream->getBytes(), slice(expected, 0, expected.size() - 5));
 }
 
-TEST(BaseStream, RemoveSpaceOnAStreamThatCannotTruncateMovesTheDataThenFails)
+TEST(BaseStream, RemoveSpaceOnAStreamThatCannotBeShortenedMovesTheDataThenRaises)
 {
-    const Bytes original = patternBytes(10);
-    Ref<CTestStream> stream(new CTestStream(original));
-    stream->failTruncate = true;
-    stream->setPosition(2);
-    EXPECT_THROW(stream->removeSpace(3), std::exception);
-    EXPECT_EQ(stream->getBytes(), slice(original, 0, 2) + slice(original, 5, 10) + slice(original, 7, 10));
+    // Files are never shortened: the old last 10 bytes stay behind the moved tail.
+    const Bytes original = patternBytes(150000);
+    const auto edit = [](chf::CBaseStream* stream) {
+        if (auto* memory = dynamic_cast<CTestStream*>(stream))
+            memory->failTruncate = true;
+        stream->setPosition(5);
+        EXPECT_TRUE(raisesPlainException([&] { stream->removeSpace(10); }));
+    };
+    for (const Bytes& bytes : editedInMemoryAndOnDisk(original, edit))
+        EXPECT_EQ(bytes, slice(original, 0, 5) + slice(original, 15, 150000) + slice(original, 149990, 150000));
 }
 
 } // namespace

@@ -1,7 +1,6 @@
 #include "ChunkTestSupport.h"
 
 #include "chunk_file/CChunkFileWriter.h"
-#include "chunk_file/ChunkId.h"
 
 #include <gtest/gtest.h>
 
@@ -16,32 +15,12 @@ using chf::makeChunkId;
 
 namespace {
 
-// "id(data)" per chunk, "id[...]" for the ids walked as nested sequences.
-std::string dump(CChunkIterator* sequence)
-{
-    std::string out;
-    sequence->rewind();
-    while (sequence->nextChunk()) {
-        const uint32_t id = sequence->getChunkId();
-        out += out.empty() ? "" : " ";
-        for (int i = 0; i < 4; ++i)
-            out += static_cast<char>(id >> (8 * i));
-        if (id == makeChunkId("STMP") || id == makeChunkId("sub_")) {
-            Ref<CChunkIterator> nested(sequence->openChunkIterator());
-            out += "[" + dump(nested.get()) + "]";
-        } else {
-            const Bytes data = readAll(Ref<CChunkStream>(sequence->openChunkStream()).get());
-            out += "(" + std::string(data.begin(), data.end()) + ")";
-        }
-    }
-    return out;
-}
-
 TEST(ChunkFileWriter, BuildsNestedChunksThatReadBackChunkForChunk)
 {
-    Ref<CTestStream> stream(new CTestStream());
-    {
-        Ref<CChunkFile> file(CChunkFileWriter::createFile(stream.get()));
+    const Bytes big = patternBytes(100000);   // more than the disk stream buffers
+    // The container reads back its header and sizes as it writes: a file is opened read-write.
+    const auto build = [&](chf::IStream* stream) {
+        Ref<CChunkFile> file(CChunkFileWriter::createFile(stream));
         CChunkFileWriter::appendChunk(file.get(), makeChunkId("vers"), "1.0", 3);
         Ref<CChunkIterator> stmp(CChunkFileWriter::appendChunkIterator(file.get(), makeChunkId("STMP")));
         // Appended behind the open STMP, which keeps growing afterwards.
@@ -51,19 +30,24 @@ TEST(ChunkFileWriter, BuildsNestedChunksThatReadBackChunkForChunk)
         data->write("lo", 2);
         CChunkFileWriter::appendChunk(stmp.get(), makeChunkId("more"), "xyz", 3);
         data->write("!!", 2);
+        CChunkFileWriter::appendChunk(stmp.get(), makeChunkId("big_"), big.data(), static_cast<int32_t>(big.size()));
         Ref<CChunkIterator> sub(CChunkFileWriter::appendChunkIterator(stmp.get(), makeChunkId("sub_")));
         CChunkFileWriter::appendChunk(sub.get(), makeChunkId("leaf"), "L", 1);
-    }
-    const Bytes expected = container(chunk("vers", text("1.0"))
-                                     + chunk("STMP", chunk("data", text("hello!!")) + chunk("more", text("xyz"))
-                                                         + chunk("sub_", chunk("leaf", text("L"))))
-                                     + chunk("cmnt", text("hi")));
-    EXPECT_EQ(stream->getBytes(), expected);
+        CChunkFileWriter::appendChunk(sub.get(), makeChunkId("leaf"), "M", 1);
+    };
+    const Bytes expected = container(
+        chunk("vers", text("1.0"))
+        + chunk("STMP", chunk("data", text("hello!!")) + chunk("more", text("xyz")) + chunk("big_", big)
+                            + chunk("sub_", chunk("leaf", text("L")) + chunk("leaf", text("M"))))
+        + chunk("cmnt", text("hi")));
+    for (const Bytes& bytes : editedInMemoryAndOnDisk({}, build))
+        EXPECT_EQ(bytes, expected);
 
     // Reopened, the file reads back and takes further chunks the same way.
-    stream->setPosition(0);
+    Ref<CTestStream> stream(new CTestStream(expected));
     Ref<CChunkFile> file(CChunkFile::open(stream.get()));
-    EXPECT_EQ(dump(file.get()), "vers(1.0) STMP[data(hello!!) more(xyz) sub_[leaf(L)]] cmnt(hi)");
+    EXPECT_EQ(dump(file.get()), "vers(1.0) STMP[data(hello!!) more(xyz) big_(" + std::string(big.begin(), big.end())
+                                    + ") sub_[leaf(L) leaf(M)]] cmnt(hi)");
     CChunkFileWriter::appendChunk(file.get(), makeChunkId("apid"), "app", 3);
     file.reset();
     EXPECT_EQ(stream->getBytes(), container(slice(expected, 16, expected.size()) + chunk("apid", text("app"))));

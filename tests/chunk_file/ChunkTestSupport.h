@@ -1,31 +1,26 @@
 #pragma once
-// Shared by the chunk container tests: an owning pointer, file byte builders, and test doubles
-// for the underlying stream and for a holder.
+// Shared by the chunk container tests: file byte builders, test doubles for the underlying stream
+// and for a holder, and a file on disk reached through the file-stream adapter.
 
-#include "chunk_file/CChunkStream.h"
+#include "../framework/TempFolder.h"
+#include "chunk_file/CChunkFile.h"
+#include "chunk_file/CKoreFileStream.h"
 #include "chunk_file/CMemoryStream.h"
+#include "chunk_file/ChunkId.h"
 #include "chunk_file/IChunkHolder.h"
+#include "chunk_file/TChunkRef.h"
+#include "framework/IStreamManager.h"
 
 #include <cstdint>
 #include <exception>
 #include <string>
-#include <utility>
+#include <typeinfo>
 #include <vector>
 
 namespace chf_test {
 
 using Bytes = std::vector<uint8_t>;
-
-// Owns one reference.
-template <class T> struct Ref {
-    T* object;
-    explicit Ref(T* o) : object(o) {}
-    Ref(const Ref&) = delete;
-    ~Ref() { reset(); }
-    T* operator->() const { return object; }
-    T* get() const { return object; }
-    void reset() { if (object) std::exchange(object, nullptr)->release(); }
-};
+template <class T> using Ref = chf::TChunkRef<T>;
 
 inline Bytes text(const std::string& s) { return Bytes(s.begin(), s.end()); }
 inline Bytes operator+(Bytes a, const Bytes& b) { a.insert(a.end(), b.begin(), b.end()); return a; }
@@ -33,18 +28,8 @@ inline Bytes slice(const Bytes& b, size_t from, size_t to) { return Bytes(b.begi
 
 inline Bytes u64(uint64_t value)
 {
-    Bytes out;
-    for (int i = 0; i < 8; ++i)
-        out.push_back(static_cast<uint8_t>(value >> (8 * i)));
-    return out;
-}
-
-inline uint64_t getU64(const Bytes& bytes, size_t at)
-{
-    uint64_t value = 0;
-    for (size_t i = 8; i-- > 0;)
-        value = (value << 8) | bytes.at(at + i);
-    return value;
+    return {uint8_t(value), uint8_t(value >> 8), uint8_t(value >> 16), uint8_t(value >> 24),
+            uint8_t(value >> 32), uint8_t(value >> 40), uint8_t(value >> 48), uint8_t(value >> 56)};
 }
 
 // A chunk whose size field says `size`, followed by `data` (which may differ in length).
@@ -67,6 +52,37 @@ inline Bytes readAll(chf::IStream* stream)
     stream->setPosition(0);
     stream->read(bytes.data(), static_cast<int32_t>(bytes.size()));
     return bytes;
+}
+
+// "id(data)" per chunk, "id[...]" for "STMP" and "sub_", which are walked as nested sequences.
+inline std::string dump(chf::CChunkIterator* sequence)
+{
+    std::string out;
+    sequence->rewind();
+    while (sequence->nextChunk()) {
+        const uint32_t id = sequence->getChunkId();
+        out += out.empty() ? "" : " ";
+        for (int i = 0; i < 4; ++i)
+            out += static_cast<char>(id >> (8 * i));
+        if (id == chf::makeChunkId("STMP") || id == chf::makeChunkId("sub_")) {
+            out += "[" + dump(Ref<chf::CChunkIterator>(sequence->openChunkIterator()).get()) + "]";
+        } else {
+            const Bytes data = readAll(Ref<chf::CChunkStream>(sequence->openChunkStream()).get());
+            out += "(" + std::string(data.begin(), data.end()) + ")";
+        }
+    }
+    return out;
+}
+
+// The container's own failures are the runtime's base exception itself, not a framework error.
+template <class F> bool raisesPlainException(F&& operation)
+{
+    try {
+        operation();
+    } catch (const std::exception& e) {
+        return typeid(e) == typeid(std::exception);
+    }
+    return false;
 }
 
 // A memory stream that counts the bytes passed to write() and can be told to fail.
@@ -104,5 +120,34 @@ struct CRecordingHolder : chf::IChunkHolder {
     void onSpaceInserted(chf::CChunkStream* o, int64_t at, int64_t n) override { notices.push_back({true, o, at, n}); }
     void onSpaceRemoved(chf::CChunkStream* o, int64_t at, int64_t n) override { notices.push_back({false, o, at, n}); }
 };
+
+// One file in a temporary folder whose path is not ASCII, opened through the file-stream adapter.
+class CDiskFile {
+public:
+    CDiskFile() { m_temp.makeFolder(kFolder); }
+    explicit CDiskFile(const Bytes& bytes) : CDiskFile() { m_temp.writeFile(kPath, std::string(bytes.begin(), bytes.end())); }
+
+    kore::P<kore::IURI> uri() const { return m_temp.uri(kFolder)->resolve("a file.chf"); }
+    Ref<chf::CKoreFileStream> open(uint32_t mode) const
+    {
+        return Ref<chf::CKoreFileStream>(new chf::CKoreFileStream(*uri(), mode));
+    }
+    Bytes bytes() const { return text(m_temp.readFile(kPath)); }
+
+private:
+    static constexpr const char* kFolder = "Sprach dateien äöü/日本 語";
+    static constexpr const char* kPath = "Sprach dateien äöü/日本 語/a file.chf";
+    kore_test::CTempFolder m_temp;
+};
+
+// Runs `edit` over `original` in memory and in a file on disk; the bytes each ends with.
+template <class F> std::vector<Bytes> editedInMemoryAndOnDisk(const Bytes& original, F&& edit)
+{
+    Ref<CTestStream> memory(new CTestStream(original));
+    edit(memory.get());
+    CDiskFile disk(original);
+    edit(disk.open(kore::IStreamManager::kReadWrite).get());
+    return {memory->getBytes(), disk.bytes()};
+}
 
 } // namespace chf_test

@@ -1,8 +1,5 @@
 #include "ChunkTestSupport.h"
 
-#include "chunk_file/CChunkFile.h"
-#include "chunk_file/ChunkId.h"
-
 #include <gtest/gtest.h>
 
 using namespace chf_test;
@@ -15,38 +12,44 @@ namespace {
 
 TEST(SpacePropagation, ChildGrownWhileOpenIsSkippedAndEveryEnclosingSizeFollows)
 {
-    const auto area = [](const Bytes& data) {
+    const auto area = [](const Bytes& leaf) {
         return chunk("vers", text("1.0"))
-            + chunk("STMP", chunk("data", data) + chunk("more", text("xyz")))
+            + chunk("STMP", chunk("sub_", chunk("leaf", leaf) + chunk("next", text("n"))) + chunk("more", text("xyz")))
             + chunk("cmnt", text("hi"));
     };
-    Ref<CTestStream> stream(new CTestStream(container(area(text("hello")))));
-    Ref<CChunkFile> file(CChunkFile::open(stream.get()));
-    ASSERT_TRUE(file->findChunk(makeChunkId("cmnt")));
-    Ref<CChunkStream> comment(file->openChunkStream());
-    ASSERT_TRUE(file->findFirstChunk(makeChunkId("STMP")));
-    Ref<CChunkIterator> stmp(file->openChunkIterator());
-    ASSERT_TRUE(stmp->findFirstChunk(makeChunkId("data")));
-    Ref<CChunkStream> data(stmp->openChunkStream());
+    const auto grow = [](chf::IStream* stream) {
+        Ref<CChunkFile> file(CChunkFile::open(stream));
+        ASSERT_TRUE(file->findChunk(makeChunkId("cmnt")));
+        Ref<CChunkStream> comment(file->openChunkStream());   // lies behind the growth
+        ASSERT_TRUE(file->findFirstChunk(makeChunkId("STMP")));
+        Ref<CChunkIterator> stmp(file->openChunkIterator());
+        ASSERT_TRUE(stmp->findChunk(makeChunkId("sub_")));
+        Ref<CChunkIterator> sub(stmp->openChunkIterator());
+        ASSERT_TRUE(sub->findChunk(makeChunkId("leaf")));
+        Ref<CChunkStream> leaf(sub->openChunkStream());
+        leaf->setPosition(5);
+        leaf->write("0123456789", 10);
 
-    data->setPosition(5);
-    data->write("0123456789", 10);
-
-    // Nothing is written back yet: both walks take the grown size from the open streams.
-    ASSERT_TRUE(stmp->nextChunk());
-    EXPECT_EQ(stmp->getChunkId(), makeChunkId("more"));
-    Ref<CChunkStream> more(stmp->openChunkStream());
-    EXPECT_EQ(readAll(more.get()), text("xyz"));
-    ASSERT_TRUE(file->nextChunk());
-    EXPECT_EQ(file->getChunkId(), makeChunkId("cmnt"));
-    EXPECT_EQ(readAll(comment.get()), text("hi"));
-
-    more.reset();
-    data.reset();
-    stmp.reset();
-    comment.reset();
-    file.reset();
-    EXPECT_EQ(stream->getBytes(), container(area(text("hello0123456789"))));
+        // Every holder steps over the grown chunk before any size has been written back.
+        const struct { CChunkIterator* holder; uint32_t next; Bytes data; } steps[] = {
+            {sub.get(), makeChunkId("next"), text("n")},
+            {stmp.get(), makeChunkId("more"), text("xyz")},
+            {file.get(), makeChunkId("cmnt"), text("hi")},
+        };
+        for (const auto& step : steps) {
+            ASSERT_TRUE(step.holder->nextChunk());
+            EXPECT_EQ(step.holder->getChunkId(), step.next);
+            EXPECT_EQ(readAll(Ref<CChunkStream>(step.holder->openChunkStream()).get()), step.data);
+        }
+        EXPECT_EQ(readAll(comment.get()), text("hi"));
+        // Read again from the file, a grown chunk's old size gives way to its open stream's length.
+        ASSERT_TRUE(stmp->findFirstChunk(makeChunkId("sub_")));
+        ASSERT_TRUE(stmp->nextChunk());
+        EXPECT_EQ(stmp->getChunkId(), makeChunkId("more"));
+    };
+    // The leaf's size, those of sub_ and STMP and the header's length are each 10 larger.
+    for (const Bytes& bytes : editedInMemoryAndOnDisk(container(area(text("hello"))), grow))
+        EXPECT_EQ(bytes, container(area(text("hello0123456789"))));
 }
 
 TEST(SpacePropagation, EarlierSiblingMovesAnIteratorAndItsRememberedChunkTwice)

@@ -36,15 +36,8 @@ CAllocationProbe::CAllocationProbe(std::size_t limit)
     t_probing = true;
 }
 
-CAllocationProbe::~CAllocationProbe()
-{
-    t_probing = false;
-}
-
-std::size_t CAllocationProbe::largest() const
-{
-    return t_largest;
-}
+CAllocationProbe::~CAllocationProbe() { t_probing = false; }
+std::size_t CAllocationProbe::largest() const { return t_largest; }
 
 } // namespace lang_test
 
@@ -55,22 +48,7 @@ void* operator new(std::size_t size)
     throw std::bad_alloc();
 }
 
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept
-{
-    return allocate(size);
-}
-
-void operator delete(void* p) noexcept
-{
-    std::free(p);
-}
-
-void operator delete(void* p, std::size_t) noexcept
-{
-    std::free(p);
-}
-
-void operator delete(void* p, const std::nothrow_t&) noexcept
-{
-    std::free(p);
-}
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return allocate(size); }
+void operator delete(void* p) noexcept { std::free(p); }
+void operator delete(void* p, std::size_t) noexcept { std::free(p); }
+void operator delete(void* p, const std::nothrow_t&) noexcept { std::free(p); }

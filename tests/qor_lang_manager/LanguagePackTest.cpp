@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -14,12 +13,6 @@ using namespace lang_test;
 using qor_lang::CLanguageFileWriter;
 using qor_lang::CLanguagePack;
 using qor_lang::LanguageId;
-using qor_lang::LanguageTagMode;
-
-LanguageId tag(const char16_t* text)
-{
-    return LanguageId(text, LanguageTagMode::Tag);
-}
 
 struct LanguagePackTest : ::testing::Test {
     kore_test::CTempFolder folder;
@@ -68,27 +61,7 @@ TEST_F(LanguagePackTest, ListsFilesStartingWithItsIdInFolderOrder)
     EXPECT_TRUE(log.records().empty());
 }
 
-TEST_F(LanguagePackTest, ScansWhileEmptyAndAgainAfterReload)
-{
-    const auto p = pack();
-    EXPECT_EQ(p->count(), 0);
-    writeLanguage("A-de-DE.qorlang", u"de-DE");
-    EXPECT_EQ(p->count(), 1) << "an empty list is scanned at every query";
-    writeLanguage("A-en-US.qorlang", u"en-US");
-    EXPECT_EQ(p->count(), 1) << "a filled list stays until reload";
-
-    const kore::P<qor_lang::CLanguageFile> held = p->file(0);
-    p->reload();
-    EXPECT_EQ(p->count(), 2);
-    std::filesystem::remove(folder.path("A-de-DE.qorlang"));
-    p->reload();
-    EXPECT_EQ(tags(*p), (std::vector<std::u16string>{u"en-US"}));
-    EXPECT_EQ(held->getLanguage().getTag(), u"de-DE") << "a file held elsewhere outlives the reload";
-
-    EXPECT_EQ(kore::make<CLanguagePack>(folder.uri("missing"), "A")->count(), 0);
-}
-
-TEST_F(LanguagePackTest, FileNames)
+TEST_F(LanguagePackTest, SetLanguageLoadsTheFileOfItsNameOrLeavesTheLocalizer)
 {
     EXPECT_EQ(utf8(CLanguagePack::fileName("A", "de-DE")), "A-de-DE.qorlang");
     EXPECT_EQ(utf8(CLanguagePack::fileName("A", "")), "A-.qorlang");
@@ -97,30 +70,19 @@ TEST_F(LanguagePackTest, FileNames)
     EXPECT_EQ(utf8(CLanguagePack::fileName("A--", "de-DE")), "A--de-DE.qorlang");
 
     writeLanguage("A-.qorlang", u"", {{u"k", u"no tag"}});
+    kore::CStringLocalizer::instance()->setString("other", "kept");
     EXPECT_EQ(pack()->setLanguage(LanguageId()), 1) << "the default id has the empty tag";
     EXPECT_EQ(localized("k"), "no tag");
+    EXPECT_EQ(localized("other"), "kept") << "the pack only sets strings";
+    EXPECT_EQ(pack()->setLanguage(tag(u"fr-FR")), 0);
+    EXPECT_EQ(localized("k"), "no tag");
+    EXPECT_TRUE(log.records().empty()) << "a missing file is no error";
 
     writeLanguage("A--de-DE.qorlang", u"de-DE", {{u"k", u"double"}});
     const auto dashed = pack("A--");
     EXPECT_EQ(dashed->count(), 1);
     EXPECT_EQ(dashed->setLanguage(tag(u"de-DE")), 1) << "a listed file can be set";
     EXPECT_EQ(localized("k"), "double");
-}
-
-TEST_F(LanguagePackTest, SetLanguageFillsTheLocalizerOrLeavesIt)
-{
-    writeLanguage("A-de-DE.qorlang", u"de-DE", {{u"menu.file", u"Datei"}, {u"menu.edit", u"Bearbeiten"}});
-    kore::CStringLocalizer::instance()->setString("other", "kept");
-    const auto p = pack();
-
-    EXPECT_EQ(p->setLanguage(tag(u"de-DE")), 1);
-    EXPECT_EQ(localized("menu.file"), "Datei");
-    EXPECT_EQ(localized("menu.edit"), "Bearbeiten");
-    EXPECT_EQ(localized("other"), "kept") << "the pack only sets strings";
-
-    EXPECT_EQ(p->setLanguage(tag(u"fr-FR")), 0);
-    EXPECT_EQ(localized("menu.file"), "Datei");
-    EXPECT_TRUE(log.records().empty()) << "a missing file is no error";
 }
 
 TEST_F(LanguagePackTest, OfTwoEntriesWithOneKeyTheOneVisitedLastWins)

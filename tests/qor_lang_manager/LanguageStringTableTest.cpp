@@ -62,61 +62,36 @@ TEST(LanguageStringTable, VisitsBucketsInOrderEachChainFromItsHead)
     std::u16string order;
     table.forEach([&](const CLanguageStringEntry& e) { order += *e.text; });
     EXPECT_EQ(order, u"4321");
-    EXPECT_EQ(*table.find(u"a")->text, u"4") << "a look-up stops at the head";
     EXPECT_EQ(table.find(u"b"), nullptr);
 }
 
-TEST(LanguageStringTable, BucketsDoubleOncePastFourFifths)
+TEST(LanguageStringTable, BucketsDoubleOncePastFourFifthsAndEachDoublingReversesEntriesThatShareABucket)
 {
-    CLanguageStringTable table;
-    EXPECT_EQ(table.getBucketCount(), 1000);
-    insertFillers(table, 800);
-    EXPECT_EQ(table.getBucketCount(), 1000);
-    insertFillers(table, 1);
-    EXPECT_EQ(table.getBucketCount(), 2000);
-    insertFillers(table, 799);
-    EXPECT_EQ(table.getBucketCount(), 2000);
-    insertFillers(table, 1);
-    EXPECT_EQ(table.getBucketCount(), 4000);
-    EXPECT_EQ(table.getCount(), 1601);
-
-    table.clear();
-    EXPECT_EQ(table.getCount(), 0);
-    EXPECT_EQ(table.getBucketCount(), 4000) << "clear keeps the buckets";
-}
-
-TEST(LanguageStringTable, EachDoublingReversesEntriesThatShareABucket)
-{
-    // No doubling after both: the later one is visited first, so the earlier one is set last.
-    CLanguageStringTable none;
-    insert(none, u"dup", u"first");
-    insert(none, u"dup", u"second");
-    EXPECT_EQ(visits(none, u"dup"), (std::vector<std::u16string>{u"second", u"first"}));
-
-    // One doubling after both turns the chain round.
-    CLanguageStringTable one;
-    insert(one, u"dup", u"first");
-    insert(one, u"dup", u"second");
-    insertFillers(one, 799);
-    ASSERT_EQ(one.getBucketCount(), 2000);
-    EXPECT_EQ(visits(one, u"dup"), (std::vector<std::u16string>{u"first", u"second"}));
-    EXPECT_EQ(*one.find(u"dup")->text, u"first");
-
-    // A doubling between them moves only the first: the second goes to the head after it.
-    CLanguageStringTable between;
-    insert(between, u"dup", u"first");
-    insertFillers(between, 800);
-    ASSERT_EQ(between.getBucketCount(), 2000);
-    insert(between, u"dup", u"second");
-    EXPECT_EQ(visits(between, u"dup"), (std::vector<std::u16string>{u"second", u"first"}));
-
-    // Two doublings after both reverse twice.
-    CLanguageStringTable two;
-    insert(two, u"dup", u"first");
-    insert(two, u"dup", u"second");
-    insertFillers(two, 1599);
-    ASSERT_EQ(two.getBucketCount(), 4000);
-    EXPECT_EQ(visits(two, u"dup"), (std::vector<std::u16string>{u"second", u"first"}));
+    const struct {
+        int between, after, buckets;
+        std::vector<std::u16string> visited;
+    } cases[] = {
+        {0, 798, 1000, {u"second", u"first"}},    // no doubling: the later one is visited first
+        {0, 799, 2000, {u"first", u"second"}},    // one doubling after both turns the chain round
+        {800, 0, 2000, {u"second", u"first"}},    // one between moves only the first; the second goes to the head
+        {0, 1598, 2000, {u"first", u"second"}},
+        {0, 1599, 4000, {u"second", u"first"}},   // two after both reverse twice
+    };
+    for (const auto& c : cases) {
+        CLanguageStringTable table;
+        EXPECT_EQ(table.getBucketCount(), 1000);
+        insert(table, u"dup", u"first");
+        insertFillers(table, c.between);
+        insert(table, u"dup", u"second");
+        insertFillers(table, c.after);
+        EXPECT_EQ(table.getCount(), 2 + c.between + c.after);
+        ASSERT_EQ(table.getBucketCount(), c.buckets) << table.getCount() << " entries";
+        EXPECT_EQ(visits(table, u"dup"), c.visited) << c.between << "/" << c.after;
+        EXPECT_EQ(*table.find(u"dup")->text, c.visited.front()) << "a look-up stops at the head";
+        table.clear();
+        EXPECT_EQ(table.getCount(), 0);
+        EXPECT_EQ(table.getBucketCount(), c.buckets) << "clear keeps the buckets";
+    }
 }
 
 } // namespace

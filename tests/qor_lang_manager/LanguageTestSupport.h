@@ -1,11 +1,10 @@
 #pragma once
 // Shared by the language file, pack and manager tests: byte builders for hand-made container
-// files, good files from the writer, a log sink that records one module, a guard that leaves the
-// process's localizer empty, and a probe that watches the size of allocations.
+// files (those of the container tests, plus the language file's own encodings), good files from
+// the writer, a log sink that records one module, a guard that leaves the process's localizer
+// empty, and a probe that watches the size of allocations.
 
-#include "../framework/TempFolder.h"
-#include "chunk_file/CMemoryStream.h"
-#include "chunk_file/TChunkRef.h"
+#include "../chunk_file/ChunkTestSupport.h"
 #include "framework/CLogManager.h"
 #include "framework/CObject.h"
 #include "framework/CString.h"
@@ -21,20 +20,12 @@
 
 namespace lang_test {
 
-using Bytes = std::vector<uint8_t>;
+using chf_test::Bytes;
+using chf_test::chunk;
+using chf_test::container;
+using chf_test::operator+;
 
-inline Bytes operator+(Bytes a, const Bytes& b)
-{
-    a.insert(a.end(), b.begin(), b.end());
-    return a;
-}
-
-inline Bytes u32(uint32_t value)
-{
-    return {uint8_t(value), uint8_t(value >> 8), uint8_t(value >> 16), uint8_t(value >> 24)};
-}
-
-inline Bytes u64(uint64_t value) { return u32(uint32_t(value)) + u32(uint32_t(value >> 32)); }
+inline Bytes u32(uint32_t v) { return {uint8_t(v), uint8_t(v >> 8), uint8_t(v >> 16), uint8_t(v >> 24)}; }
 
 // A counted string: N = units + 1, the units, a zero unit; nullopt is N = 0.
 inline Bytes counted(const qor_lang::CountedString& text)
@@ -46,13 +37,6 @@ inline Bytes counted(const qor_lang::CountedString& text)
         out = out + Bytes{uint8_t(c), uint8_t(c >> 8)};
     return out;
 }
-
-inline Bytes chunk(const char (&id)[5], uint64_t size, const Bytes& data)
-{
-    return Bytes(id, id + 4) + u64(size) + data;
-}
-inline Bytes chunk(const char (&id)[5], const Bytes& data) { return chunk(id, data.size(), data); }
-inline Bytes container(const Bytes& area) { return Bytes{'U', 'R', 'E', 'S', 'F', 'I', 'L', 'E'} + u64(area.size()) + area; }
 
 inline Bytes langChunk(const char16_t* tag, const char16_t* native = u"", const char16_t* sub = u"")
 {
@@ -87,6 +71,7 @@ inline void readTable(const Bytes& bytes, qor_lang::CLanguageStringTable& table)
 }
 
 inline std::string utf8(const kore::P<kore::IString>& s) { return s ? s->toUTF8() : "<null>"; }
+inline qor_lang::LanguageId tag(const char16_t* text) { return {text, qor_lang::LanguageTagMode::Tag}; }
 
 inline void writeBytes(const kore_test::CTempFolder& folder, const std::string& name, const Bytes& bytes)
 {

@@ -15,7 +15,6 @@
 
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <memory>
 #include <optional>
 #include <string>
@@ -26,27 +25,16 @@ namespace export_test {
 
 static_assert(sizeof(QOR_LANG2_CHAR) == sizeof(char16_t));
 
-// Text for the interface. The buffer must outlive the call.
-inline const QOR_LANG2_CHAR* w(const std::u16string& text)
+// Text for the interface: a literal or a string that outlives the call.
+inline const QOR_LANG2_CHAR* w(std::u16string_view text)
 {
-    return reinterpret_cast<const QOR_LANG2_CHAR*>(text.c_str());
+    return reinterpret_cast<const QOR_LANG2_CHAR*>(text.data());
 }
 
-inline const QOR_LANG2_CHAR* w(const char16_t* text)
-{
-    return reinterpret_cast<const QOR_LANG2_CHAR*>(text);
-}
-
-inline std::u16string u16(std::string_view ascii)
-{
-    return std::u16string(ascii.begin(), ascii.end());
-}
+inline std::u16string u16(std::string_view ascii) { return std::u16string(ascii.begin(), ascii.end()); }
 
 // For failure messages.
-inline std::string utf8(const std::u16string& text)
-{
-    return kore::CString::fromUTF16(text)->toUTF8();
-}
+inline std::string utf8(const std::u16string& text) { return kore::CString::fromUTF16(text)->toUTF8(); }
 
 // A string the library returned, copied and then given back to the library; nullopt for null.
 using Text = std::optional<std::u16string>;
@@ -69,31 +57,18 @@ inline FileHandle languageFile(const std::u16string& appId, int32_t index)
 {
     return FileHandle(QOR_LANG2_getLanguageFile(w(appId), index));
 }
-
-inline Text currentLanguage()
-{
-    return take(QOR_LANG2_getCurrentLanguage());
-}
+inline Text currentLanguage() { return take(QOR_LANG2_getCurrentLanguage()); }
+inline int32_t setLanguage(const std::u16string& tag) { return QOR_LANG2_setCurrentLanguage(w(tag)); }
 
 inline Text localString(const std::u16string& key, const std::u16string& defaultText)
 {
     return take(QOR_LANG2_getLocalString(w(key), w(defaultText)));
 }
 
-inline int32_t setLanguage(const std::u16string& tag)
-{
-    return QOR_LANG2_setCurrentLanguage(w(tag));
-}
-
-inline std::u16string pathText(const std::filesystem::path& path)
-{
-    return path.u16string();
-}
-
 // The "file" URI text of a folder, ending in "/".
 inline std::u16string folderUri(const std::filesystem::path& folder)
 {
-    std::u16string uri = kore::CURI::fromLocalPath(pathText(folder).c_str())->toString()->toU16();
+    std::u16string uri = kore::CURI::fromLocalPath(folder.u16string().c_str())->toString()->toU16();
     if (uri.empty() || uri.back() != u'/')
         uri += u'/';
     return uri;
@@ -101,7 +76,7 @@ inline std::u16string folderUri(const std::filesystem::path& folder)
 
 inline int32_t addFolder(const std::filesystem::path& folder, const std::u16string& appId)
 {
-    return QOR_LANG2_add(w(pathText(folder)), nullptr, w(appId));
+    return QOR_LANG2_add(w(folder.u16string()), nullptr, w(appId));
 }
 
 // A language file with a tag, an application id and strings; the other items stay empty.
@@ -117,10 +92,9 @@ inline qor_lang::CLanguageFileWriter languageWriter(
     return writer;
 }
 
-inline void writeLanguageFile(const std::filesystem::path& file,
-                              const qor_lang::CLanguageFileWriter& writer)
+inline void writeLanguageFile(const std::filesystem::path& file, const qor_lang::CLanguageFileWriter& writer)
 {
-    writer.writeFile(*kore::CURI::fromLocalPath(pathText(file).c_str()));
+    writer.writeFile(*kore::CURI::fromLocalPath(file.u16string().c_str()));
 }
 
 // `appId` + "-" + `tag` + ".qorlang" in `folder`, as the library looks for it.
@@ -133,14 +107,7 @@ inline void writeLanguageFile(const std::filesystem::path& folder, const std::u1
 
 inline void writeBytes(const std::filesystem::path& file, std::string_view bytes)
 {
-    std::ofstream out(file, std::ios::binary | std::ios::trunc);
-    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-}
-
-inline std::string readBytes(const std::filesystem::path& file)
-{
-    std::ifstream in(file, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+    std::ofstream(file, std::ios::binary).write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
 }
 
 // The running test's name, as an id or key prefix that no other test uses in this process.

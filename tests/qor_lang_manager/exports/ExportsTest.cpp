@@ -9,7 +9,6 @@
 namespace {
 
 using namespace export_test;
-using kore_test::utf8FromPath;
 namespace fs = std::filesystem;
 
 class Exports : public ::testing::Test {
@@ -18,8 +17,6 @@ protected:
     const fs::path m_folder = m_temp.path();
     const std::u16string m_app = testName();
 };
-
-// --- Language tags
 
 TEST_F(Exports, OnlyLanguageCountryTagsAreAcceptedAndSpelledAsTheTablesDo)
 {
@@ -42,73 +39,34 @@ TEST_F(Exports, OnlyLanguageCountryTagsAreAcceptedAndSpelledAsTheTablesDo)
     }
 }
 
-// --- Localized strings
-
 TEST_F(Exports, LoadedTextsAnswerAndEverythingElseGetsACopyOfTheDefault)
 {
-    writeLanguageFile(m_folder, m_app, u"de-DE",
-                      {{m_app + u".file", u"Datei"}, {m_app + u".blank", u""}});
+    // Japanese (BMP), a character outside the BMP (a surrogate pair) and Latin-1 letters. Unpaired
+    // surrogates are no characters, but Windows strings may hold them: what a host or a file gives
+    // comes back unit for unit.
+    const std::u16string key = m_app + u".メニュー.ファイル";
+    const std::u16string text = u"ファイルを開く… \U0001F310 äöü", unpaired = u"a\xDC00" u"b\xD800";
+    writeLanguageFile(m_folder, m_app, u"ja-JP",
+                      {{key, text}, {m_app + u".unpaired", unpaired}, {m_app + u".blank", u""}});
     ASSERT_EQ(addFolder(m_folder, m_app), 0);
-    ASSERT_EQ(setLanguage(u"de-DE"), 0);
+    ASSERT_EQ(setLanguage(u"ja-JP"), 0);
 
-    EXPECT_EQ(localString(m_app + u".file", u"File"), u"Datei");
+    EXPECT_EQ(localString(key, u"Open file"), text);
+    EXPECT_EQ(localString(m_app + u".unpaired", u"default"), unpaired);
     EXPECT_EQ(localString(m_app + u".blank", u"Blank"), u"Blank") << "an empty text cannot blank one out";
-    EXPECT_EQ(localString(m_app + u".FILE", u"File"), u"File") << "keys compare exactly";
-    EXPECT_EQ(localString(m_app + u".absent", u""), u"");
+    EXPECT_EQ(localString(m_app + u".UNPAIRED", u"default"), u"default") << "keys compare exactly";
+    EXPECT_EQ(localString(m_app + u".未定義", u"既定の文字列 \U0001F600"), u"既定の文字列 \U0001F600");
+    EXPECT_EQ(localString(m_app + u".未定義", unpaired), unpaired);
+    EXPECT_EQ(localString(m_app + u".未定義", u""), u"");
 
     const std::u16string defaultText = u"Not translated";
     QOR_LANG2_CHAR* copy = QOR_LANG2_getLocalString(w(m_app + u".absent"), w(defaultText));
     ASSERT_NE(copy, nullptr);
     EXPECT_NE(copy, w(defaultText)) << "the caller's default must come back as a buffer of its own";
     EXPECT_EQ(take(copy), defaultText);
-
     EXPECT_EQ(take(QOR_LANG2_getLocalString(w(m_app + u".absent"), nullptr)), u"")
         << "a null default reads as the empty text";
     EXPECT_EQ(take(QOR_LANG2_getLocalString(nullptr, w(defaultText))), defaultText);
-}
-
-TEST_F(Exports, NonAsciiTextCrossesTheBoundaryUnchanged)
-{
-    // Japanese (BMP), a character outside the BMP (a surrogate pair) and Latin-1 letters, in keys,
-    // texts and defaults.
-    const std::u16string key = m_app + u".メニュー.ファイル";
-    const std::u16string text = u"ファイルを開く… \U0001F310 äöü";
-    // Unpaired surrogates are no characters, but Windows strings may hold them: what a host or a
-    // file gives comes back unit for unit.
-    const std::u16string unpaired = u"a\xDC00" u"b\xD800";
-    writeLanguageFile(m_folder, m_app, u"ja-JP", {{key, text}, {m_app + u".unpaired", unpaired}});
-    ASSERT_EQ(addFolder(m_folder, m_app), 0);
-    ASSERT_EQ(setLanguage(u"ja-JP"), 0);
-
-    EXPECT_EQ(localString(key, u"Open file"), text);
-    EXPECT_EQ(localString(m_app + u".未定義", u"既定の文字列 \U0001F600"), u"既定の文字列 \U0001F600");
-    EXPECT_EQ(localString(m_app + u".unpaired", u"default"), unpaired);
-    EXPECT_EQ(localString(m_app + u".未定義", unpaired), unpaired);
-}
-
-TEST_F(Exports, SettingALanguageReplacesTheTextsOfEveryApplication)
-{
-    const fs::path second = m_folder / "second";
-    fs::create_directory(second);
-    const std::u16string otherApp = m_app + u"Other";
-    const std::u16string key = m_app + u".title";
-    const std::u16string otherKey = m_app + u".other.title";
-    writeLanguageFile(m_folder, m_app, u"de-DE", {{key, u"Titel"}});
-    writeLanguageFile(m_folder, m_app, u"fr-FR", {{key, u"Titre"}});
-    writeLanguageFile(second, otherApp, u"de-DE", {{otherKey, u"Anderer Titel"}});
-    ASSERT_EQ(addFolder(m_folder, m_app), 0);
-    ASSERT_EQ(addFolder(second, otherApp), 0);
-
-    ASSERT_EQ(setLanguage(u"de-DE"), 0);
-    EXPECT_EQ(localString(key, u"Title"), u"Titel");
-    EXPECT_EQ(localString(otherKey, u"Other title"), u"Anderer Titel") << "all packs feed one table";
-
-    ASSERT_EQ(setLanguage(u"fr-FR"), 0);
-    EXPECT_EQ(localString(key, u"Title"), u"Titre");
-
-    EXPECT_EQ(setLanguage(u"it-IT"), 0) << "a language without files is still a valid choice";
-    EXPECT_EQ(currentLanguage(), u"it-IT");
-    EXPECT_EQ(localString(key, u"Title"), u"Titre") << "no file: the loaded texts stay";
 }
 
 TEST_F(Exports, LookUpsWhileTheLanguageChangesSeeOneOfTheTexts)
@@ -117,6 +75,16 @@ TEST_F(Exports, LookUpsWhileTheLanguageChangesSeeOneOfTheTexts)
     writeLanguageFile(m_folder, m_app, u"de-DE", {{key, u"Hallo"}});
     writeLanguageFile(m_folder, m_app, u"fr-FR", {{key, u"Bonjour"}});
     ASSERT_EQ(addFolder(m_folder, m_app), 0);
+    // Another application, whose many texts are handed over first, keeps any moment without
+    // either text open long enough to be seen.
+    std::vector<std::pair<std::u16string, std::u16string>> many;
+    for (int i = 0; i < 2000; ++i)
+        many.emplace_back(key + u16(std::to_string(i)), u"x");
+    const fs::path other = m_folder / "other";
+    fs::create_directory(other);
+    writeLanguageFile(other, u"0" + m_app, u"de-DE", many);
+    writeLanguageFile(other, u"0" + m_app, u"fr-FR", many);
+    ASSERT_EQ(addFolder(other, u"0" + m_app), 0);
     ASSERT_EQ(setLanguage(u"de-DE"), 0);
 
     std::atomic<bool> done{false};
@@ -139,17 +107,12 @@ TEST_F(Exports, LookUpsWhileTheLanguageChangesSeeOneOfTheTexts)
     EXPECT_EQ(wrong, 0);
 }
 
-// --- Language lists
-
 TEST_F(Exports, LanguagesAreListedInFolderOrderWithTheirTagsFromTheFiles)
 {
     writeLanguageFile(m_folder, m_app, u"fr-FR");
     writeLanguageFile(m_folder, m_app, u"de-DE");
     // The tag comes from the file, not from its name, and is spelled as the tables do.
     writeLanguageFile(m_folder / (m_app + u"-x.qorlang"), languageWriter(u"JA-jp", m_app));
-    // Neither another application's file nor another extension.
-    writeLanguageFile(m_folder, u"Other", u"en-US");
-    writeBytes(m_folder / (m_app + u"-en-US.txt"), "text");
     ASSERT_EQ(addFolder(m_folder, m_app), 0);
 
     ASSERT_EQ(QOR_LANG2_getLanguageCount(w(m_app)), 3);
@@ -167,21 +130,17 @@ TEST_F(Exports, LanguagesAreListedInFolderOrderWithTheirTagsFromTheFiles)
     EXPECT_FALSE(languageFile(m_app, INT32_MIN));
 }
 
-TEST_F(Exports, UnknownApplicationsHaveNoLanguages)
+TEST_F(Exports, UnknownApplicationsHaveNoLanguagesAndAMissingFolderIsLookedForAgain)
 {
     EXPECT_EQ(QOR_LANG2_getLanguageCount(w(m_app)), 0);
     EXPECT_EQ(QOR_LANG2_getLanguageCount(nullptr), 0);
     EXPECT_EQ(take(QOR_LANG2_getLanguage(w(m_app), 0)), std::nullopt);
     EXPECT_FALSE(languageFile(m_app, 0));
     EXPECT_FALSE(FileHandle(QOR_LANG2_getLanguageFile(nullptr, 0)));
-}
 
-TEST_F(Exports, AMissingFolderIsNoErrorAndIsLookedForAgain)
-{
     const fs::path later = m_folder / "later";
     ASSERT_EQ(addFolder(later, m_app), 0) << "a missing folder is no error";
     EXPECT_EQ(QOR_LANG2_getLanguageCount(w(m_app)), 0);
-
     fs::create_directory(later);
     writeLanguageFile(later, m_app, u"de-DE");
     EXPECT_EQ(QOR_LANG2_getLanguageCount(w(m_app)), 1) << "an empty list is looked for again";
@@ -195,53 +154,14 @@ TEST_F(Exports, FoldersGivenAsUriText)
     EXPECT_EQ(QOR_LANG2_addEx(nullptr, w(m_app)), -1);
     EXPECT_EQ(QOR_LANG2_addEx(w(folderUri(m_folder)), nullptr), -1);
     EXPECT_EQ(QOR_LANG2_add(nullptr, nullptr, w(m_app)), -1);
-    EXPECT_EQ(QOR_LANG2_add(w(pathText(m_folder)), nullptr, nullptr), -1);
+    EXPECT_EQ(QOR_LANG2_add(w(m_folder.u16string()), nullptr, nullptr), -1);
     EXPECT_EQ(QOR_LANG2_getLanguageCount(w(m_app)), 0) << "a failed registration registers nothing";
 
     ASSERT_EQ(QOR_LANG2_addEx(w(folderUri(m_folder)), w(m_app)), 0);
     EXPECT_EQ(QOR_LANG2_getLanguageCount(w(m_app)), 1);
 }
 
-TEST_F(Exports, HostileFilesAreLeftOutAndTheOthersStillWork)
-{
-    const std::u16string key = m_app + u".ok";
-    writeLanguageFile(m_folder, m_app, u"de-DE", {{key, u"In Ordnung"}});
-    writeLanguageFile(m_folder, m_app, u"fr-FR", {{key, u"D'accord"}});
-
-    auto name = [&](const char* rest) { return m_folder / (m_app + u16(rest)); };
-    writeBytes(name("-aa-DJ.qorlang"), "not a language file at all");
-    writeBytes(name("-ab-GE.qorlang"), "");
-    const std::string good = readBytes(name("-de-DE.qorlang"));
-    writeBytes(name("-ak-GH.qorlang"), good.substr(0, 30)); // cut inside "lang"
-    // Header (16 bytes), chunk header (12), then the tag's count: make it claim almost 4 GiB.
-    std::string huge = good;
-    huge.replace(28, 4, std::string("\xF0\xFF\xFF\x7F", 4));
-    writeBytes(name("-am-ET.qorlang"), huge);
-    fs::create_directory(m_folder / (m_app + u"-an-ES.qorlang"));
-    // Readable descriptive chunks, but the string table is cut: listed, yet it loads no text.
-    writeLanguageFile(m_folder, m_app, u"it-IT", {{key, u"Va bene"}, {m_app + u".more", u"Altro"}});
-    const fs::path cut = m_folder / (m_app + u"-it-IT.qorlang");
-    fs::resize_file(cut, fs::file_size(cut) - 6);
-
-    ASSERT_EQ(addFolder(m_folder, m_app), 0);
-    ASSERT_EQ(QOR_LANG2_getLanguageCount(w(m_app)), 3);
-    EXPECT_EQ(take(QOR_LANG2_getLanguage(w(m_app), 0)), u"de-DE");
-    EXPECT_EQ(take(QOR_LANG2_getLanguage(w(m_app), 1)), u"fr-FR");
-    EXPECT_EQ(take(QOR_LANG2_getLanguage(w(m_app), 2)), u"it-IT");
-
-    ASSERT_EQ(setLanguage(u"fr-FR"), 0);
-    EXPECT_EQ(localString(key, u"OK"), u"D'accord");
-    EXPECT_EQ(setLanguage(u"it-IT"), 0);
-    EXPECT_EQ(localString(key, u"OK"), u"D'accord") << "a broken table loads nothing";
-    EXPECT_EQ(localString(m_app + u".more", u"More"), u"More");
-    for (const char16_t* broken : {u"aa-DJ", u"ab-GE", u"ak-GH", u"am-ET", u"an-ES"})
-        EXPECT_EQ(setLanguage(broken), 0) << utf8(broken);
-    EXPECT_EQ(localString(key, u"OK"), u"D'accord");
-}
-
-// --- Language files
-
-TEST_F(Exports, FileAccessorsReportEveryItem)
+TEST_F(Exports, FileAccessorsReportEveryItemAndEveryHandleKeepsItsFile)
 {
     qor_lang::CLanguageFileWriter full;
     full.setLanguage(u"ja-JP", u"日本語", u"日本");
@@ -251,18 +171,13 @@ TEST_F(Exports, FileAccessorsReportEveryItem)
     full.setAuthor(u"山田 太郎");
     writeLanguageFile(m_folder / (m_app + u"-1.qorlang"), full);
 
-    // English names come from the code tables, whatever the file calls its language.
-    qor_lang::CLanguageFileWriter tableNames;
-    tableNames.setLanguage(u"nl-BE", u"Nederlands", u"België");
-    writeLanguageFile(m_folder / (m_app + u"-2.qorlang"), tableNames);
-
     // Absent items (no tag, counts of 0) read as empty strings, never as null.
     qor_lang::CLanguageFileWriter bare;
     bare.setLanguage(std::nullopt, std::nullopt, u"");
-    writeLanguageFile(m_folder / (m_app + u"-3.qorlang"), bare);
+    writeLanguageFile(m_folder / (m_app + u"-2.qorlang"), bare);
 
     ASSERT_EQ(addFolder(m_folder, m_app), 0);
-    ASSERT_EQ(QOR_LANG2_getLanguageCount(w(m_app)), 3);
+    ASSERT_EQ(QOR_LANG2_getLanguageCount(w(m_app)), 2);
 
     using Accessor = QOR_LANG2_CHAR* (*)(QOR_LANG2_FILE_HANDLE);
     const std::pair<const char*, Accessor> accessors[] = {
@@ -270,11 +185,11 @@ TEST_F(Exports, FileAccessorsReportEveryItem)
         {"Author", QOR_LANG2_FILE_getAuthor},             {"Comment", QOR_LANG2_FILE_getComment},
         {"EnglishName", QOR_LANG2_FILE_getEnglishName},   {"EnglishSubName", QOR_LANG2_FILE_getEnglishSubName},
         {"NativeName", QOR_LANG2_FILE_getNativeName},     {"NativeSubName", QOR_LANG2_FILE_getNativeSubName}};
-    const std::u16string expected[3][8] = {
+    // English names come from the code tables, whatever the file calls its language.
+    const std::u16string expected[2][8] = {
         {u"ja-JP", m_app, u"山田 太郎", u"翻訳メモ \U0001F310", u"Japanese", u"Japan", u"日本語", u"日本"},
-        {u"nl-BE", u"", u"", u"", u"Dutch; Flemish", u"Belgium", u"Nederlands", u"België"},
         {u"", u"", u"", u"", u"", u"", u"", u""}};
-    for (int32_t index = 0; index < 3; ++index) {
+    for (int32_t index = 0; index < 2; ++index) {
         FileHandle file = languageFile(m_app, index);
         ASSERT_TRUE(file);
         for (size_t a = 0; a < 8; ++a)
@@ -285,79 +200,44 @@ TEST_F(Exports, FileAccessorsReportEveryItem)
     for (const auto& [name, accessor] : accessors)
         EXPECT_EQ(accessor(nullptr), nullptr) << name << " with a null handle";
     QOR_LANG2_freeQorLangFile(nullptr);
-}
 
-TEST_F(Exports, EachHandleKeepsItsFileOnItsOwn)
-{
-    qor_lang::CLanguageFileWriter writer = languageWriter(u"de-DE", m_app);
-    writer.setAuthor(u"Erika Mustermann");
-    writeLanguageFile(m_folder / (m_app + u"-de-DE.qorlang"), writer);
-    ASSERT_EQ(addFolder(m_folder, m_app), 0);
-
-    FileHandle first = languageFile(m_app, 0);
-    FileHandle second = languageFile(m_app, 0);
-    ASSERT_TRUE(first && second);
+    FileHandle first = languageFile(m_app, 0), second = languageFile(m_app, 0);
     EXPECT_NE(first.get(), second.get()) << "every call makes a new handle";
     first.reset();
-    EXPECT_EQ(take(QOR_LANG2_FILE_getAuthor(second.get())), u"Erika Mustermann");
+    EXPECT_EQ(take(QOR_LANG2_FILE_getAuthor(second.get())), u"山田 太郎");
 }
 
-// --- Companion files
-
-class FindLocalizedFile : public Exports {
-protected:
-    Text find(const std::u16string& prefix, const std::u16string& infix, const std::u16string& suffix,
-              const std::u16string& folder)
-    {
-        return take(QOR_LANG2_findLocalizedFile(w(folder), w(prefix), w(infix), w(suffix)));
-    }
-    // The answer is a local path (not a URI) that names `expected`.
-    static void expectNames(const Text& found, const fs::path& expected)
-    {
-        ASSERT_TRUE(found) << "nothing found where " << utf8FromPath(expected) << " exists";
-        const fs::path path(*found);
-        EXPECT_TRUE(path.is_absolute()) << utf8FromPath(path);
-        std::error_code error;
-        EXPECT_TRUE(fs::equivalent(path, expected, error)) << utf8FromPath(path);
-    }
-};
-
-TEST_F(FindLocalizedFile, CurrentLanguageFirstThenEnglish)
+TEST_F(Exports, LocalizedFilesAreFoundAsLocalPathsForTheCurrentLanguageOrEnglish)
 {
     const fs::path folder = m_folder / u"ヘルプ";
     fs::create_directory(folder);
-    const std::u16string uri = folderUri(folder);
-    for (const char* name : {"help_de-DE.pdf", "help_en-US.pdf", "manual_de-DE_v2.html"})
-        writeBytes(folder / name, "x");
-    fs::create_directory(folder / "help_fr-FR.pdf");
-
+    writeBytes(folder / "help_de-DE_v2.pdf", "x");
+    writeBytes(folder / "help_en-US_v2.pdf", "x");
+    fs::create_directory(folder / "help_fr-FR_v2.pdf");
+    const std::u16string uri = folderUri(folder), prefix = u"help_", infix = u"_v2", suffix = u".pdf";
+    const auto find = [&](const std::u16string& in, const std::u16string& end) {
+        return take(QOR_LANG2_findLocalizedFile(w(in), w(prefix), w(infix), w(end)));
+    };
+    const auto expectFound = [&](const Text& found, const char* name) {
+        ASSERT_TRUE(found) << name;
+        EXPECT_TRUE(fs::path(*found).is_absolute()) << utf8(*found) << " is no local path";
+        std::error_code error;
+        EXPECT_TRUE(fs::equivalent(fs::path(*found), folder / name, error)) << utf8(*found);
+    };
     ASSERT_EQ(setLanguage(u"de-DE"), 0);
-    expectNames(find(u"help_", u"", u".pdf", uri), folder / "help_de-DE.pdf");
-    expectNames(find(u"manual_", u"_v2", u".html", uri), folder / "manual_de-DE_v2.html");
-    expectNames(find(u"help_", u"", u".p?f", uri), folder / "help_de-DE.pdf");
+    expectFound(find(uri, suffix), "help_de-DE_v2.pdf");
+    expectFound(find(uri, u".p?f"), "help_de-DE_v2.pdf");   // wildcards are the enumeration's
+    ASSERT_EQ(setLanguage(u"fr-FR"), 0);
+    expectFound(find(uri, suffix), "help_en-US_v2.pdf");   // a folder is no match
 
-    ASSERT_EQ(setLanguage(u"fr-FR"), 0); // help_fr-FR.pdf is a folder, and so no answer
-    expectNames(find(u"help_", u"", u".pdf", uri), folder / "help_en-US.pdf");
-    ASSERT_EQ(setLanguage(u"it-IT"), 0);
-    expectNames(find(u"help_", u"", u".pdf", uri), folder / "help_en-US.pdf");
-
-    fs::remove(folder / "help_en-US.pdf");
-    EXPECT_EQ(find(u"help_", u"", u".pdf", uri), std::nullopt);
-    EXPECT_EQ(find(u"manual_", u"_v2", u".html", uri), std::nullopt);
-}
-
-TEST_F(FindLocalizedFile, UnusableArgumentsFindNothing)
-{
-    writeBytes(m_folder / "help_en-US.pdf", "x");
-    const std::u16string uri = folderUri(m_folder);
-    const std::u16string prefix = u"help_", empty, suffix = u".pdf";
-    EXPECT_EQ(take(QOR_LANG2_findLocalizedFile(nullptr, w(prefix), w(empty), w(suffix))), std::nullopt);
-    EXPECT_EQ(take(QOR_LANG2_findLocalizedFile(w(uri), nullptr, w(empty), w(suffix))), std::nullopt);
+    EXPECT_EQ(take(QOR_LANG2_findLocalizedFile(nullptr, w(prefix), w(infix), w(suffix))), std::nullopt);
+    EXPECT_EQ(take(QOR_LANG2_findLocalizedFile(w(uri), nullptr, w(infix), w(suffix))), std::nullopt);
     EXPECT_EQ(take(QOR_LANG2_findLocalizedFile(w(uri), w(prefix), nullptr, w(suffix))), std::nullopt);
-    EXPECT_EQ(take(QOR_LANG2_findLocalizedFile(w(uri), w(prefix), w(empty), nullptr)), std::nullopt);
-    EXPECT_EQ(find(prefix, empty, suffix, u"no uri"), std::nullopt);
-    EXPECT_EQ(find(prefix, empty, suffix, folderUri(m_folder / "missing")), std::nullopt);
-    EXPECT_TRUE(find(prefix, empty, suffix, uri)) << "the same call with usable arguments finds it";
+    EXPECT_EQ(take(QOR_LANG2_findLocalizedFile(w(uri), w(prefix), w(infix), nullptr)), std::nullopt);
+    EXPECT_EQ(find(u"no uri", suffix), std::nullopt);
+    EXPECT_EQ(find(folderUri(m_folder / "missing"), suffix), std::nullopt);
+    fs::remove(folder / "help_en-US_v2.pdf");
+    EXPECT_EQ(find(uri, suffix), std::nullopt);
 }
 
 } // namespace

@@ -38,7 +38,12 @@ int main(void)
     static const QOR_LANG2_CHAR fallback[] = {'O', 'K', 0};
     static const QOR_LANG2_CHAR prefix[] = {'h', '_', 0};
     static const QOR_LANG2_CHAR empty[] = {0};
+    QOR_LANG2_CHAR* (*const accessors[])(QOR_LANG2_FILE_HANDLE) = {
+        QOR_LANG2_FILE_getAppID,      QOR_LANG2_FILE_getAuthor,     QOR_LANG2_FILE_getComment,
+        QOR_LANG2_FILE_getEnglishName, QOR_LANG2_FILE_getEnglishSubName, QOR_LANG2_FILE_getNativeName,
+        QOR_LANG2_FILE_getNativeSubName, QOR_LANG2_FILE_getLanguageID};
     QOR_LANG2_FILE_HANDLE file;
+    size_t i;
 
     check(QOR_LANG2_add(folder, NULL, app) == 0, "add of a missing folder");
     check(QOR_LANG2_addEx(folderUri, app) == 0, "addEx");
@@ -54,14 +59,8 @@ int main(void)
     check(takeEquals(QOR_LANG2_getLocalString(key, fallback), "OK"), "getLocalString");
     check(QOR_LANG2_findLocalizedFile(folderUri, prefix, empty, empty) == NULL, "findLocalizedFile");
 
-    check(QOR_LANG2_FILE_getAppID(NULL) == NULL, "FILE_getAppID");
-    check(QOR_LANG2_FILE_getAuthor(NULL) == NULL, "FILE_getAuthor");
-    check(QOR_LANG2_FILE_getComment(NULL) == NULL, "FILE_getComment");
-    check(QOR_LANG2_FILE_getEnglishName(NULL) == NULL, "FILE_getEnglishName");
-    check(QOR_LANG2_FILE_getEnglishSubName(NULL) == NULL, "FILE_getEnglishSubName");
-    check(QOR_LANG2_FILE_getNativeName(NULL) == NULL, "FILE_getNativeName");
-    check(QOR_LANG2_FILE_getNativeSubName(NULL) == NULL, "FILE_getNativeSubName");
-    check(QOR_LANG2_FILE_getLanguageID(NULL) == NULL, "FILE_getLanguageID");
+    for (i = 0; i < sizeof accessors / sizeof accessors[0]; ++i)
+        check(accessors[i](NULL) == NULL, "a QOR_LANG2_FILE_ accessor with a null handle");
 
     return failures ? 1 : 0;
 }
