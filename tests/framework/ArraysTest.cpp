@@ -1,3 +1,5 @@
+#include "Thrown.h"
+
 #include "framework/CInvalidArgError.h"
 #include "framework/P.h"
 #include "framework/PFrail.h"
@@ -30,7 +32,8 @@ private:
     bool* m_destroyed;
 };
 
-std::vector<int> ids(const TSimpleArray<P<CItem>>& a)
+template <class Array>
+std::vector<int> ids(const Array& a)
 {
     std::vector<int> out;
     for (const P<CItem>& p : a)
@@ -41,9 +44,8 @@ std::vector<int> ids(const TSimpleArray<P<CItem>>& a)
 TEST(SimpleArray, GrowsLinearlyToTheLargerOfNeedAndGrowStep)
 {
     auto a = make<TSimpleArray<int>>(1, 10);
-    for (int i = 0; i < 10; ++i)
+    for (int i = 0; i <= 10; ++i)
         a->add(i);
-    a->add(10);
     EXPECT_EQ(a->getCapacity(), 11);
 
     auto b = make<TSimpleArray<int>>(16);
@@ -61,10 +63,8 @@ TEST(SimpleArray, ReallocationKeepsEveryReferenceCount)
 {
     std::vector<P<CItem>> items;
     auto a = make<TSimpleArray<P<CItem>>>(1);
-    for (int i = 0; i < 5; ++i) {
-        items.push_back(make<CItem>(i));
-        a->add(items.back());
-    }
+    for (int i = 0; i < 5; ++i)
+        a->add(items.emplace_back(make<CItem>(i)));
     a->setCapacity(40);
     for (const auto& item : items)
         EXPECT_EQ(item->getRefCount(), 2);
@@ -107,12 +107,7 @@ TEST(SimpleArray, RejectsBadPositionsAndStaysUnchanged)
     EXPECT_THROW(a->setCapacity(-1), CInvalidArgError);
     EXPECT_THROW(a->insert(0, static_cast<const int*>(nullptr), 1), CInvalidArgError);
     EXPECT_EQ(a->getCount(), 2);
-    try {
-        (*a)[5];
-        FAIL();
-    } catch (const CInvalidArgError& e) {
-        EXPECT_NE(e.getDescription()->toUTF8().find("index 5"), std::string::npos);
-    }
+    EXPECT_NE(kore_test::descriptionOf<CInvalidArgError>([&] { (*a)[5]; }).find("index 5"), std::string::npos);
 }
 
 // Copy assignment throws for one marked value; moves never throw.
@@ -185,10 +180,10 @@ public:
     virtual void onEvent(std::vector<int>& journal) = 0;
 };
 
+// Leaves its list before it dies, as every listener of a frail list must.
 class CListener : public CObject, public IListener {
 public:
     CListener(int id, TFrailArray<IListener>* list) : id(id), m_list(list) { m_list->add(this); }
-    // The usual discipline of a frail list: a listener leaves it before it dies.
     ~CListener() override { m_list->remove(this); }
     void onEvent(std::vector<int>& journal) override
     {
@@ -213,19 +208,20 @@ TEST(FrailArray, HoldsNoReferencesAndSurvivesListenersThatLeaveOrDieWhileCalled)
     EXPECT_FALSE(list->add(a.get())) << "a listener is registered once";
     EXPECT_THROW(list->add(nullptr), CInvalidArgError);
 
-    P<CListener> late;
     // The first listener destroys the second one (which leaves the list) and adds a new one.
+    P<CListener> late;
     a->action = [&] {
         b = nullptr;
         if (!late)
             late = make<CListener>(4, list.get());
     };
-    std::vector<int> journal;
-    list->forEach([&](IListener& l) { l.onEvent(journal); });
-    EXPECT_EQ(journal, (std::vector<int>{1, 3}));
-    journal.clear();
-    list->forEach([&](IListener& l) { l.onEvent(journal); });
-    EXPECT_EQ(journal, (std::vector<int>{1, 3, 4}));
+    const auto notify = [&] {
+        std::vector<int> journal;
+        list->forEach([&](IListener& l) { l.onEvent(journal); });
+        return journal;
+    };
+    EXPECT_EQ(notify(), (std::vector<int>{1, 3}));
+    EXPECT_EQ(notify(), (std::vector<int>{1, 3, 4}));
     EXPECT_EQ(list->getCount(), 3);
     EXPECT_TRUE(list->remove(c.get()));
     EXPECT_FALSE(list->contains(c.get()));
