@@ -1,4 +1,5 @@
 #include "TempFolder.h"
+#include "Thrown.h"
 
 #include "framework/CDiskStream.h"
 #include "framework/CEndOfStreamError.h"
@@ -42,6 +43,19 @@ std::string readAll(const P<IStream>& stream)
     return content;
 }
 
+// The stream interfaces that `stream` can be cast to.
+std::string interfaces(const P<IStream>& stream)
+{
+    std::string found;
+    found += tryCast<IInStream>(stream) ? "in " : "";
+    found += tryCast<ISeekableInStream>(stream) ? "seekIn " : "";
+    found += tryCast<IOutStream>(stream) ? "out " : "";
+    found += tryCast<ISeekableOutStream>(stream) ? "seekOut " : "";
+    found += tryCast<IIOStream>(stream) ? "io " : "";
+    found += tryCast<ISeekableIOStream>(stream) ? "seekIO" : "";
+    return found;
+}
+
 } // namespace
 
 class DiskStream : public ::testing::Test {
@@ -55,23 +69,20 @@ protected:
 
 TEST_F(DiskStream, WrittenFileHasTheNameOfItsURIAndReadsBack)
 {
+    const std::string name = std::string(kFolder) + "/A-de-DE 100% #1.qorlang";
+    const std::string content("URESFILE\0", 9);
     const P<IURI> uri = fileURI("A-de-DE 100% #1.qorlang");
-    {
-        P<IStream> out = open(uri, IStreamManager::kWrite);
-        cast<IOutStream>(out)->write("URESFILE", 9);
-        EXPECT_EQ(out->getLength(), 9);
-        out->close();
-    }
-    EXPECT_EQ(temp.readFile(std::string(kFolder) + "/A-de-DE 100% #1.qorlang"), std::string("URESFILE\0", 9));
+    P<IStream> out = open(uri, IStreamManager::kWrite);
+    cast<IOutStream>(out)->write(content.data(), 9);
+    EXPECT_EQ(out->getLength(), 9);
+    out->close();
+    EXPECT_EQ(temp.readFile(name), content);
 
     P<IStream> in = open(uri, IStreamManager::kRead);
     EXPECT_EQ(in->getURI(), uri);
-    EXPECT_EQ(in->getLength(), 9);
-    EXPECT_EQ(readAll(in), std::string("URESFILE\0", 9));
-    // The same file through its path.
-    const P<IString> path = CString::fromUTF8(temp.utf8(std::string(kFolder) + "/A-de-DE 100% #1.qorlang"));
-    P<IStream> byPath = IStreamManager::instance()->openPath(path, IStreamManager::kRead);
-    EXPECT_EQ(readAll(byPath), std::string("URESFILE\0", 9));
+    EXPECT_EQ(readAll(in), content);
+    P<IStream> byPath = IStreamManager::instance()->openPath(CString::fromUTF8(temp.utf8(name)), IStreamManager::kRead);
+    EXPECT_EQ(readAll(byPath), content);
 }
 
 TEST_F(DiskStream, SmallReadsAndWritesAreBuffered)
@@ -82,12 +93,9 @@ TEST_F(DiskStream, SmallReadsAndWritesAreBuffered)
     temp.writeFile("ten-thousand.bin", content);
 
     P<CDiskStream> in = make<CDiskStream>(*temp.uri()->resolve("ten-thousand.bin"), CDiskStream::kRead);
-    std::string seen;
-    for (size_t i = 0; i < content.size(); ++i) {
-        char c = 0;
+    std::string seen(content.size(), '\0');
+    for (char& c : seen)
         ASSERT_EQ(in->read(&c, 1), 1u);
-        seen += c;
-    }
     EXPECT_EQ(seen, content);
     EXPECT_LE(in->getSystemReadCount(), 2u);
 
@@ -95,45 +103,28 @@ TEST_F(DiskStream, SmallReadsAndWritesAreBuffered)
     for (char c : content)
         out->write(&c, 1);
     EXPECT_EQ(out->getSystemWriteCount(), 0u);
-    // Destruction flushes.
-    out = nullptr;
+    out = nullptr; // destruction flushes
     EXPECT_EQ(temp.readFile("written.bin"), content);
 }
 
-TEST_F(DiskStream, AReadPastTheEndThrowsAndConsumesNothing)
+TEST_F(DiskStream, ErrorsNameTheirURI)
 {
     temp.writeFile("short.bin", "0123456789");
-    const P<IURI> uri = temp.uri()->resolve("short.bin");
-    P<IStream> stream = open(uri, IStreamManager::kRead);
-    ISeekableInStream* in = cast<ISeekableInStream>(stream);
-    in->seek(6);
-    char buffer[10] = {};
-    try {
-        in->read(buffer, 10);
-        FAIL() << "no error";
-    } catch (const CEndOfStreamError& e) {
-        EXPECT_EQ(e.getDescription()->toUTF8(), "Unexpected end of data stream (uri: '" + uri->toString()->toUTF8() + "')");
-        EXPECT_EQ(e.getURI(), uri);
-    }
-    EXPECT_EQ(in->getPosition(), 6);
-    EXPECT_EQ(in->readSome(buffer, 10), 4u);
-    EXPECT_EQ(std::string(buffer, 4), "6789");
-    EXPECT_EQ(in->readSome(buffer, 10), 0u);
-    in->seek(1000);
-    EXPECT_THROW(in->read(buffer, 1), CEndOfStreamError);
-}
+    const P<IURI> shortFile = temp.uri()->resolve("short.bin");
+    P<IStream> stream = open(shortFile, IStreamManager::kRead);
+    char buffer[11] = {};
+    const auto readEleven = [&] { cast<IInStream>(stream)->read(buffer, 11); };
+    expectThrown<CEndOfStreamError>(readEleven, [&](const CEndOfStreamError& e) {
+        EXPECT_EQ(e.getDescription()->toUTF8(), "Unexpected end of data stream (uri: '" + shortFile->toString()->toUTF8() + "')");
+        EXPECT_EQ(e.getURI(), shortFile);
+    });
 
-TEST_F(DiskStream, MissingAndForbiddenFilesHaveTheirErrors)
-{
     const P<IURI> missing = fileURI("missing.qorlang");
-    try {
-        open(missing, IStreamManager::kRead);
-        FAIL() << "no error";
-    } catch (const CFileNotFoundError& e) {
+    expectThrown<CFileNotFoundError>([&] { open(missing, IStreamManager::kRead); }, [&](const CFileNotFoundError& e) {
         EXPECT_EQ(e.getGeneralDescription()->toUTF8(), "The file was not found.");
         EXPECT_EQ(e.getDescription()->toUTF8(), "The file '" + missing->toString()->toUTF8() + "' was not found.");
         EXPECT_EQ(e.getURI(), missing);
-    }
+    });
     EXPECT_THROW(open(temp.uri("no such folder")->resolve("x"), IStreamManager::kWrite), CFileNotFoundError);
     EXPECT_THROW(IStreamManager::instance()->openPath(CString::fromUTF8(temp.utf8("missing")), IStreamManager::kRead),
                  CFileNotFoundError);
@@ -141,13 +132,11 @@ TEST_F(DiskStream, MissingAndForbiddenFilesHaveTheirErrors)
     // A folder is not a stream, on every platform.
     const P<IURI> folder = temp.uri(kFolder);
     for (uint32_t mode : {IStreamManager::kRead, IStreamManager::kWrite, IStreamManager::kReadWrite}) {
-        try {
-            open(folder, mode);
-            FAIL() << "no error";
-        } catch (const CFileAccessDeniedError& e) {
+        expectThrown<CFileAccessDeniedError>([&] { open(folder, mode); }, [&](const CFileAccessDeniedError& e) {
             EXPECT_EQ(e.getGeneralDescription()->toUTF8(), "FileError");
-            EXPECT_EQ(e.getDescription()->toUTF8(), "The access of the file '" + folder->toString()->toUTF8() + "' was denied.");
-        }
+            EXPECT_EQ(e.getDescription()->toUTF8(),
+                      "The access of the file '" + folder->toString()->toUTF8() + "' was denied.");
+        });
     }
 
     EXPECT_THROW(open(CURI::fromURIText("http://example.com/x"), IStreamManager::kRead), CURITypeNotSupportedError);
@@ -160,39 +149,28 @@ TEST_F(DiskStream, ModesDecideContentAndInterfaces)
 {
     temp.writeFile("data.bin", "old content");
     const P<IURI> uri = temp.uri()->resolve("data.bin");
-
     P<IStream> reader = open(uri, IStreamManager::kRead);
-    EXPECT_NE(tryCast<ISeekableInStream>(reader), nullptr);
-    EXPECT_EQ(tryCast<IOutStream>(reader), nullptr);
-    EXPECT_EQ(tryCast<ISeekableOutStream>(reader), nullptr);
-    EXPECT_EQ(tryCast<IIOStream>(reader), nullptr);
-    EXPECT_EQ(tryCast<ISeekableIOStream>(reader), nullptr);
+    EXPECT_EQ(interfaces(reader), "in seekIn ");
     EXPECT_THROW(cast<CDiskStream>(reader)->write("x", 1), CReadOnlyError);
     reader->close();
 
-    // Read-write keeps the content.
     P<IStream> both = open(uri, IStreamManager::kReadWrite);
-    ISeekableIOStream* io = tryCast<ISeekableIOStream>(both);
-    ASSERT_NE(io, nullptr);
-    io->seek(4);
-    io->write("CONTENT!", 8);
-    EXPECT_EQ(readAll(both), "old CONTENT!");
+    EXPECT_EQ(interfaces(both), "in seekIn out seekOut io seekIO");
+    cast<ISeekableIOStream>(both)->seek(4);
+    cast<ISeekableIOStream>(both)->write("CONTENT!", 8);
+    EXPECT_EQ(readAll(both), "old CONTENT!") << "read-write keeps the content";
     both->close();
 
-    // Write empties the file and cannot read.
     P<IStream> writer = open(uri, IStreamManager::kWrite);
+    EXPECT_EQ(interfaces(writer), "out seekOut ");
     EXPECT_EQ(writer->getLength(), 0);
-    EXPECT_NE(tryCast<ISeekableOutStream>(writer), nullptr);
-    EXPECT_EQ(tryCast<IInStream>(writer), nullptr);
-    EXPECT_EQ(tryCast<ISeekableInStream>(writer), nullptr);
     char c = 0;
     EXPECT_THROW(cast<CDiskStream>(writer)->read(&c, 1), CInvalidObjectStateError);
     writer->close();
     EXPECT_EQ(temp.readFile("data.bin"), "");
 
-    // Read-write creates a missing file.
-    P<IStream> created = open(temp.uri()->resolve("new.bin"), IStreamManager::kReadWrite);
-    EXPECT_EQ(created->getLength(), 0);
+    EXPECT_EQ(open(temp.uri()->resolve("new.bin"), IStreamManager::kReadWrite)->getLength(), 0)
+        << "read-write creates a missing file";
 }
 
 TEST_F(DiskStream, AClosedStreamWroteEverythingAndRefusesMore)
@@ -211,47 +189,39 @@ TEST_F(DiskStream, AClosedStreamWroteEverythingAndRefusesMore)
 }
 
 // A random series of reads, writes and seeks of every size, small to larger than the buffer,
-// must leave a disk stream exactly like a memory stream given the same series.
+// must leave a disk stream exactly like a memory stream given the same series. Reads that
+// cannot be satisfied must fail alike and move neither stream.
 TEST_F(DiskStream, BehavesLikeAMemoryStreamUnderRandomUse)
 {
     std::mt19937 random(20240611);
-    const P<IURI> uri = temp.uri()->resolve("random.bin");
-    P<CDiskStream> disk = make<CDiskStream>(*uri, CDiskStream::kReadWrite);
+    P<CDiskStream> disk = make<CDiskStream>(*temp.uri()->resolve("random.bin"), CDiskStream::kReadWrite);
     P<CMemoryStream> memory = make<CMemoryStream>();
     std::vector<char> data(200000);
     std::vector<char> fromDisk(data.size());
     std::vector<char> fromMemory(data.size());
-
     const auto size = [&]() -> uint32_t {
-        switch (random() % 4) {
-        case 0: return random() % 8;
-        case 1: return random() % 2000;
-        case 2: return random() % (CDiskStream::kBufferSize + 100);
-        default: return random() % static_cast<uint32_t>(data.size());
-        }
+        const uint32_t limits[] = {8, 2000, CDiskStream::kBufferSize + 100, static_cast<uint32_t>(data.size())};
+        const uint32_t limit = limits[random() % 4];
+        return random() % limit;
     };
     for (int step = 0; step < 2000; ++step) {
         SCOPED_TRACE(step);
+        const uint32_t n = size();
         switch (random() % 5) {
         case 0:
-        case 1: {
-            const uint32_t n = size();
+        case 1:
             for (uint32_t i = 0; i < n; ++i)
                 data[i] = static_cast<char>(random());
             ASSERT_EQ(disk->write(data.data(), n), memory->write(data.data(), n));
             break;
-        }
         case 2: {
-            const uint32_t n = size();
-            const uint32_t a = disk->readSome(fromDisk.data(), n);
-            ASSERT_EQ(a, memory->readSome(fromMemory.data(), n));
-            ASSERT_EQ(0, std::memcmp(fromDisk.data(), fromMemory.data(), a));
+            const uint32_t got = disk->readSome(fromDisk.data(), n);
+            ASSERT_EQ(got, memory->readSome(fromMemory.data(), n));
+            ASSERT_EQ(0, std::memcmp(fromDisk.data(), fromMemory.data(), got));
             break;
         }
-        case 3: {
-            const uint32_t n = size();
-            const bool fits = memory->getPosition() + n <= memory->getLength();
-            if (fits) {
+        case 3:
+            if (memory->getPosition() + n <= memory->getLength()) {
                 disk->read(fromDisk.data(), n);
                 memory->read(fromMemory.data(), n);
                 ASSERT_EQ(0, std::memcmp(fromDisk.data(), fromMemory.data(), n));
@@ -260,12 +230,10 @@ TEST_F(DiskStream, BehavesLikeAMemoryStreamUnderRandomUse)
                 ASSERT_THROW(memory->read(fromMemory.data(), n), CEndOfStreamError);
             }
             break;
-        }
         default: {
             const int64_t to = static_cast<int64_t>(random() % static_cast<uint32_t>(memory->getLength() + 1000));
             disk->seek(to);
             memory->seek(to);
-            break;
         }
         }
         ASSERT_EQ(disk->getPosition(), memory->getPosition());
