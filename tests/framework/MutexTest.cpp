@@ -1,5 +1,6 @@
 #include "ChildProcess.h"
 #include "MutexTestSupport.h"
+#include "Thrown.h"
 
 #include "framework/CException.h"
 #include "framework/CString.h"
@@ -10,7 +11,6 @@
 
 #include <atomic>
 #include <chrono>
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <memory>
@@ -57,11 +57,9 @@ fs::path fileFor(const std::string& name, const char* suffix)
 class CTestName {
 public:
     explicit CTestName(const char* what)
+        : m_name(std::string("qor_test_") + what + "_" + std::to_string(std::random_device()()) +
+                 std::to_string(std::random_device()()))
     {
-        std::random_device random;
-        char suffix[20];
-        std::snprintf(suffix, sizeof(suffix), "%08x%08x", random(), random());
-        m_name = std::string("qor_test_") + what + "_" + suffix;
     }
     ~CTestName()
     {
@@ -75,17 +73,6 @@ public:
 private:
     std::string m_name;
 };
-
-bool waitForFile(const fs::path& path)
-{
-    const auto start = Clock::now();
-    while (!fs::exists(path)) {
-        if (msSince(start) > 20000)
-            return false;
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
-    return true;
-}
 
 void expectRecursive(IMutex& mutex)
 {
@@ -104,8 +91,11 @@ void expectRecursive(IMutex& mutex)
 std::unique_ptr<CChildProcess> holdInChild(const std::string& name)
 {
     auto child = std::make_unique<CChildProcess>("MutexChild.DISABLED_HoldUntilKilled", name);
-    if (!waitForFile(fileFor(name, ".held")))
-        return nullptr;
+    for (const auto start = Clock::now(); !fs::exists(fileFor(name, ".held"));) {
+        if (msSince(start) > 20000)
+            return nullptr;
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
     return child;
 }
 
@@ -139,11 +129,10 @@ TEST(MutexChild, DISABLED_CountUnderLock)
     }
 }
 
-// --- Process-local mutex
-
-TEST(LocalMutex, TryLockOnAMutexHeldElsewhereFailsAtOnceWhateverTheTimeout)
+TEST(LocalMutex, IsRecursiveAndTryLockOnItHeldElsewhereFailsAtOnceWhateverTheTimeout)
 {
     P<IMutex> mutex = createMutexFactory()->createMutex();
+    expectRecursive(*mutex);
     mutex->lock();
     const auto start = Clock::now();
     bool got = true;
@@ -153,25 +142,11 @@ TEST(LocalMutex, TryLockOnAMutexHeldElsewhereFailsAtOnceWhateverTheTimeout)
     mutex->unlock();
 }
 
-TEST(LocalMutex, IsRecursiveForItsOwner)
-{
-    P<IMutex> mutex = createMutexFactory()->createMutex();
-    expectRecursive(*mutex);
-}
-
-// --- Global mutex within one process
-
-TEST(GlobalMutex, IsRecursiveForItsOwner)
-{
-    CTestName name("recursive");
-    P<IMutex> mutex = globalMutex(name.str());
-    expectRecursive(*mutex);
-}
-
-TEST(GlobalMutex, HandlesOnOneNameShareOwnershipAndMayBeDroppedWhileHeld)
+TEST(GlobalMutex, IsRecursiveAndHandlesOnOneNameShareOwnershipAndMayBeDroppedWhileHeld)
 {
     CTestName name("handles");
     P<IMutex> first = globalMutex(name.str());
+    expectRecursive(*first);
     P<IMutex> second = globalMutex(name.str());
     CTestName other("handles_other");
     P<IMutex> third = globalMutex(other.str());
@@ -240,19 +215,14 @@ TEST(GlobalMutex, ThreadEndingWhileHoldingLeavesTheMutexToTheNextLockAndTryLock)
 
 TEST(GlobalMutex, RejectedNamesThrowTheCreationMessage)
 {
-    const std::u16string names[] = {
-        u"",
-        std::u16string(u"qor_test_nul\0inside", 19),
-        u"qor_test\\no\\such\\namespace",
-    };
-    for (const std::u16string& name : names) {
-        try {
-            createMutexFactory()->createGlobalMutex(
-                CStringArg(name.c_str(), static_cast<uint32_t>(name.size())));
-            ADD_FAILURE() << "accepted a name of " << name.size() << " units";
-        } catch (const CException& e) {
-            EXPECT_EQ(e.getDescription()->toU16(), u"Error createing global mutex " + name);
-        }
+    for (const std::u16string& name :
+         {std::u16string(), std::u16string(u"qor_test_nul\0inside", 19), std::u16string(u"qor_test\\no\\such\\namespace")}) {
+        const auto create = [&] {
+            createMutexFactory()->createGlobalMutex(CStringArg(name.c_str(), static_cast<uint32_t>(name.size())));
+        };
+        std::u16string description;
+        expectThrown<CException>(create, [&](const CException& e) { description = e.getDescription()->toU16(); });
+        EXPECT_EQ(description, u"Error createing global mutex " + name) << name.size() << " units";
     }
 }
 
@@ -272,29 +242,23 @@ TEST(GlobalMutex, TryLockOnAMutexHeldByAnotherProcessFailsAfterTheTimeout)
     EXPECT_FALSE(mutex->tryLock(0));
 }
 
-TEST(GlobalMutex, KilledOwnerProcessLeavesTheMutexToTheNextLock)
+TEST(GlobalMutex, KilledOwnerProcessLeavesTheMutexToTheNextLockAndTryLock)
 {
-    CTestName name("killed_lock");
-    P<IMutex> mutex = globalMutex(name.str());
-    std::unique_ptr<CChildProcess> owner = holdInChild(name.str());
-    ASSERT_TRUE(owner) << "the child never took the mutex";
-    owner->kill();
-    mutex->lock();
-    EXPECT_FALSE(otherThreadGets(*mutex));
-    mutex->unlock();
-    EXPECT_TRUE(otherThreadGets(*mutex));
-}
-
-TEST(GlobalMutex, KilledOwnerProcessLeavesTheMutexToTheNextTryLock)
-{
-    CTestName name("killed_trylock");
-    P<IMutex> mutex = globalMutex(name.str());
-    std::unique_ptr<CChildProcess> owner = holdInChild(name.str());
-    ASSERT_TRUE(owner) << "the child never took the mutex";
-    owner->kill();
-    ASSERT_TRUE(mutex->tryLock(0));
-    EXPECT_FALSE(otherThreadGets(*mutex));
-    mutex->unlock();
+    for (bool byTryLock : {false, true}) {
+        SCOPED_TRACE(byTryLock ? "tryLock" : "lock");
+        CTestName name("killed");
+        P<IMutex> mutex = globalMutex(name.str());
+        std::unique_ptr<CChildProcess> owner = holdInChild(name.str());
+        ASSERT_TRUE(owner) << "the child never took the mutex";
+        owner->kill();
+        if (byTryLock)
+            ASSERT_TRUE(mutex->tryLock(0));
+        else
+            mutex->lock();
+        EXPECT_FALSE(otherThreadGets(*mutex));
+        mutex->unlock();
+        EXPECT_TRUE(otherThreadGets(*mutex));
+    }
 }
 
 TEST(GlobalMutex, ProcessesCountingUnderTheLockLoseNoUpdate)
