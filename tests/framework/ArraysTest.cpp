@@ -1,22 +1,16 @@
-#include "Thrown.h"
+#include "FrameworkTest.h"
 
-#include "framework/CInvalidArgError.h"
-#include "framework/P.h"
 #include "framework/PFrail.h"
 #include "framework/TCleaningSimpleArray.h"
 #include "framework/TFrailArray.h"
 #include "framework/TSimpleArray.h"
 
-#include <gtest/gtest.h>
-
 #include <functional>
 #include <stdexcept>
-#include <string>
-#include <vector>
 
 namespace {
 
-using namespace kore;
+using namespace kore_test;
 
 class CItem : public CObject {
 public:
@@ -107,7 +101,7 @@ TEST(SimpleArray, RejectsBadPositionsAndStaysUnchanged)
     EXPECT_THROW(a->setCapacity(-1), CInvalidArgError);
     EXPECT_THROW(a->insert(0, static_cast<const int*>(nullptr), 1), CInvalidArgError);
     EXPECT_EQ(a->getCount(), 2);
-    EXPECT_NE(kore_test::descriptionOf<CInvalidArgError>([&] { (*a)[5]; }).find("index 5"), std::string::npos);
+    EXPECT_NE(descriptionOf<CInvalidArgError>([&] { (*a)[5]; }).find("index 5"), std::string::npos);
 }
 
 // Copy assignment throws for one marked value; moves never throw.

@@ -1,11 +1,10 @@
+#include "FrameworkTest.h"
 #include "TempFolder.h"
-#include "Thrown.h"
 
 #include "framework/CDiskStream.h"
 #include "framework/CEndOfStreamError.h"
 #include "framework/CFileAccessDeniedError.h"
 #include "framework/CFileNotFoundError.h"
-#include "framework/CInvalidArgError.h"
 #include "framework/CInvalidObjectStateError.h"
 #include "framework/CMemoryStream.h"
 #include "framework/CReadOnlyError.h"
@@ -14,18 +13,11 @@
 #include "framework/CURI.h"
 #include "framework/CURIFormatError.h"
 #include "framework/CURITypeNotSupportedError.h"
-#include "framework/Cast.h"
-
-#include <gtest/gtest.h>
 
 #include <cstring>
 #include <random>
-#include <string>
-#include <vector>
 
 namespace kore_test {
-
-using namespace kore;
 
 namespace {
 

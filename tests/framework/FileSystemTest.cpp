@@ -1,11 +1,9 @@
+#include "FrameworkTest.h"
 #include "TempFolder.h"
-#include "Thrown.h"
 
 #include "framework/CEndOfEnumError.h"
 #include "framework/CFileNotFoundError.h"
 #include "framework/CFileSystemManager.h"
-#include "framework/CInvalidArgError.h"
-#include "framework/CString.h"
 #include "framework/CURI.h"
 #include "framework/CURIFormatError.h"
 #include "framework/CURITypeNotSupportedError.h"
@@ -14,16 +12,8 @@
 #include "framework/IInStream.h"
 #include "framework/IStreamManager.h"
 #include "framework/ISystem.h"
-#include "framework/Cast.h"
-
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
 
 namespace kore_test {
-
-using namespace kore;
 
 namespace {
 

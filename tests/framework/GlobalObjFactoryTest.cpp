@@ -1,14 +1,10 @@
+#include "FrameworkTest.h"
 #include "framework/CGlobalObjFactory.h"
-
-#include <gtest/gtest.h>
 
 #include <atomic>
 #include <thread>
-#include <vector>
 
 namespace kore_test {
-
-using namespace kore;
 
 class CService : public CObject {
 public:

@@ -1,17 +1,13 @@
-#include "framework/CInvalidArgError.h"
-#include "framework/CString.h"
+#include "FrameworkTest.h"
 #include "framework/CValueList.h"
 #include "framework/TSimpleHashTable.h"
 
-#include <gtest/gtest.h>
-
 #include <limits>
 #include <utility>
-#include <vector>
 
 namespace {
 
-using namespace kore;
+using namespace kore_test;
 
 // Integer keys that hash to themselves, counting every hash and full comparison.
 struct CountingTraits {

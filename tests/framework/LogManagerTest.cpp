@@ -1,26 +1,20 @@
+#include "FrameworkTest.h"
 #include "TempFolder.h"
-#include "Thrown.h"
 
 #include "framework/CError.h"
 #include "framework/CFileError.h"
 #include "framework/CFileLog.h"
-#include "framework/CInvalidArgError.h"
 #include "framework/CLogManager.h"
-#include "framework/CString.h"
 #include "framework/Trace.h"
-
-#include <gtest/gtest.h>
 
 #include <functional>
 #include <sstream>
 #include <stdexcept>
-#include <string>
 #include <thread>
-#include <vector>
 
 namespace {
 
-using namespace kore;
+using namespace kore_test;
 using namespace std::chrono;
 using Journal = std::vector<std::string>;
 
@@ -186,7 +180,7 @@ TEST(LogSink, RecordLinesAreReadable)
 
 TEST(LogSink, FileLogAppendsFiltersAndReportsWhatFails)
 {
-    kore_test::CTempFolder temp;
+    CTempFolder temp;
     const P<IString> path = CString::fromUTF8(temp.utf8("app ü.log"));
     {
         auto log = make<CFileLog>(path, false);
@@ -202,7 +196,7 @@ TEST(LogSink, FileLogAppendsFiltersAndReportsWhatFails)
         lines.push_back(line.substr(line.find(' ') + 1));
     EXPECT_EQ(lines, (Journal{"WARN  [m] kept", "appended"}));
 
-    const std::string error = kore_test::descriptionOf<CFileError>(
+    const std::string error = descriptionOf<CFileError>(
         [&] { CFileLog missing(CString::fromUTF8(temp.utf8("no such dir/x.log"))); });
     EXPECT_NE(error.find("no such dir"), std::string::npos) << error;
 }

@@ -1,19 +1,10 @@
-#include "Thrown.h"
+#include "FrameworkTest.h"
 
 #include "framework/CEndOfStreamError.h"
-#include "framework/CInvalidArgError.h"
 #include "framework/CMemoryStream.h"
 #include "framework/CStreamClosedError.h"
-#include "framework/CString.h"
-#include "framework/Cast.h"
-
-#include <gtest/gtest.h>
-
-#include <string>
 
 namespace kore_test {
-
-using namespace kore;
 
 std::string content(CMemoryStream& stream)
 {

@@ -1,13 +1,10 @@
+#include "FrameworkTest.h"
 #include "ChildProcess.h"
 #include "MutexTestSupport.h"
-#include "Thrown.h"
 
 #include "framework/CException.h"
-#include "framework/CString.h"
 #include "framework/IMutex.h"
 #include "framework/IMutexFactory.h"
-
-#include <gtest/gtest.h>
 
 #include <atomic>
 #include <chrono>
@@ -18,8 +15,6 @@
 #include <thread>
 
 namespace kore_test {
-
-using namespace kore;
 using Clock = std::chrono::steady_clock;
 namespace fs = std::filesystem;
 

@@ -1,20 +1,11 @@
-#include "Thrown.h"
+#include "FrameworkTest.h"
 
 #include "framework/CInstanceWrapper.h"
 #include "framework/CObject.h"
-#include "framework/CString.h"
-#include "framework/Cast.h"
-#include "framework/P.h"
 #include "framework/PC.h"
 #include "framework/PFrail.h"
 
-#include <gtest/gtest.h>
-
-#include <vector>
-
 namespace kore_test {
-
-using namespace kore;
 
 class IFirst : public virtual IBase {
 public:

@@ -1,20 +1,15 @@
+#include "FrameworkTest.h"
 #include "framework/CFileNotFoundError.h"
-#include "framework/CInvalidArgError.h"
-#include "framework/CString.h"
 #include "framework/CStringLocalizer.h"
 #include "framework/LocalizedText.h"
 
-#include <gtest/gtest.h>
-
 #include <atomic>
 #include <chrono>
-#include <string>
 #include <thread>
-#include <vector>
 
 namespace {
 
-using namespace kore;
+using namespace kore_test;
 
 std::string text(const P<IString>& s)
 {

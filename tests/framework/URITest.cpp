@@ -1,20 +1,10 @@
-#include "Thrown.h"
+#include "FrameworkTest.h"
 
-#include "framework/CInvalidArgError.h"
-#include "framework/CString.h"
 #include "framework/CURI.h"
 #include "framework/CURIFormatError.h"
 #include "framework/CURITypeNotSupportedError.h"
-#include "framework/Cast.h"
-
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
 
 namespace kore_test {
-
-using namespace kore;
 
 namespace {
 

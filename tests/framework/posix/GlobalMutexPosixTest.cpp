@@ -1,8 +1,6 @@
+#include "../FrameworkTest.h"
 #include "framework/CException.h"
-#include "framework/CString.h"
 #include "framework/posix/CGlobalMutexImpl.h"
-
-#include <gtest/gtest.h>
 
 #include <cstring>
 #include <random>
@@ -13,8 +11,6 @@
 #include <unistd.h>
 
 namespace kore_test {
-
-using namespace kore;
 using kore::posix::CGlobalMutexImpl;
 
 namespace {

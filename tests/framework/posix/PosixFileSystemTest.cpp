@@ -1,9 +1,8 @@
+#include "../FrameworkTest.h"
 #include "../TempFolder.h"
 
-#include "framework/CString.h"
 #include "framework/CURI.h"
 #include "framework/CURITypeNotSupportedError.h"
-#include "framework/Cast.h"
 #include "framework/IFileEntry.h"
 #include "framework/IFileEnum.h"
 #include "framework/IFileSystemManager.h"
@@ -13,16 +12,9 @@
 #include "framework/posix/CPathes.h"
 #include "framework/posix/CSystem.h"
 
-#include <gtest/gtest.h>
-
 #include <unistd.h>
 
-#include <string>
-#include <vector>
-
 namespace kore_test {
-
-using namespace kore;
 
 namespace {
 

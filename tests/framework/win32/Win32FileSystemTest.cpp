@@ -1,8 +1,7 @@
+#include "../FrameworkTest.h"
 #include "../TempFolder.h"
 
-#include "framework/CString.h"
 #include "framework/CURI.h"
-#include "framework/Cast.h"
 #include "framework/IFileEntry.h"
 #include "framework/IFileEnum.h"
 #include "framework/IFileSystemManager.h"
@@ -12,14 +11,7 @@
 #include "framework/win32/CPathes.h"
 #include "framework/win32/CSystem.h"
 
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
-
 namespace kore_test {
-
-using namespace kore;
 
 namespace {
 

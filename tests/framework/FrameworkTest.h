@@ -1,11 +1,19 @@
 #pragma once
-// Checks on the error a call must throw. A call that throws nothing fails the test.
+// What most framework tests need: GoogleTest, the framework's strings, pointers and casts, and
+// checks on the error a call must throw (a call that throws nothing fails the test).
+
+#include "framework/CInvalidArgError.h"
+#include "framework/CString.h"
+#include "framework/Cast.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 namespace kore_test {
+
+using namespace kore;
 
 // Runs `call`, which must throw an E, and hands the error to `check`.
 template <class E, class F, class Check>
