@@ -1,4 +1,5 @@
 #include "FrameworkTest.h"
+
 #include "framework/CGlobalObjFactory.h"
 
 #include <atomic>

@@ -1,4 +1,5 @@
 #include "FrameworkTest.h"
+
 #include "framework/CValueList.h"
 #include "framework/TSimpleHashTable.h"
 

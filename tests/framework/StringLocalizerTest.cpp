@@ -1,4 +1,5 @@
 #include "FrameworkTest.h"
+
 #include "framework/CFileNotFoundError.h"
 #include "framework/CStringLocalizer.h"
 #include "framework/LocalizedText.h"

@@ -8,8 +8,6 @@
 #include "framework/IInStream.h"
 #include "framework/IStreamManager.h"
 #include "framework/ISystem.h"
-#include "framework/win32/CPathes.h"
-#include "framework/win32/CSystem.h"
 
 namespace kore_test {
 
@@ -24,12 +22,6 @@ std::vector<std::string> names(const P<IURI>& folder, const char* pattern)
 }
 
 } // namespace
-
-TEST(Win32Services, HaveTheirWin32Classes)
-{
-    EXPECT_NE(tryCast<win32::CPathes>(IPathes::instance()), nullptr);
-    EXPECT_NE(tryCast<win32::CSystem>(ISystem::instance()), nullptr);
-}
 
 TEST(Win32Services, NativePathsAreTheWindowsForm)
 {
