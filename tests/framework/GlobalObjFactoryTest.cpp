@@ -101,20 +101,6 @@ TEST(GlobalObjFactory, FailedCreationLeavesTheKeyAbsentAndReleasesTheLock)
     other.join();
 }
 
-P<CService> createProcessService()
-{
-    return make<CService>(11);
-}
-
-TEST(GlobalObjFactory, AccessorRemembersTheProcessWideService)
-{
-    P<CService>& first = CGlobalObjFactory::accessor<CService, &createProcessService>();
-    EXPECT_EQ((&CGlobalObjFactory::accessor<CService, &createProcessService>()), &first);
-    EXPECT_EQ(first->id(), 11);
-    EXPECT_EQ(CGlobalObjFactory::getState(), CGlobalObjFactory::kReadyState);
-    EXPECT_EQ(CGlobalObjFactory::getDeadMark(), 0u);
-}
-
 TEST(GlobalObjFactoryDeathTest, UseAfterUnloadStopsInTheDebugger)
 {
     GTEST_FLAG_SET(death_test_style, "threadsafe");

@@ -96,6 +96,8 @@ TEST_F(LogManagerTest, RemovalUndoesTheMostRecentRegistrationAndDropsTheReferenc
     manager->addLog("m", s.get());
     manager->addLog("", s.get());
     EXPECT_EQ(s->getRefCount(), 4);
+    EXPECT_THROW(manager->addLog("", nullptr), CInvalidArgError);
+    EXPECT_THROW(manager->addLog("", manager.get()), CInvalidArgError) << "the manager is no sink of its own";
     EXPECT_FALSE(manager->removeLog("other", s.get()));
     EXPECT_TRUE(manager->removeLog("m", s.get()));
     manager->info("m", "t", 0);
@@ -145,9 +147,6 @@ TEST_F(LogManagerTest, AFailingSinkDoesNotStopTheOthers)
     manager->addLog("", bad.get());
     EXPECT_NO_THROW(manager->info("m", "still delivered", 0));
     EXPECT_EQ(journal, (Journal{"bad:1:m:still delivered:0:-1", "good:1:m:still delivered:0:-1"}));
-
-    EXPECT_THROW(manager->addLog("", nullptr), CInvalidArgError);
-    EXPECT_THROW(manager->addLog("", manager.get()), CInvalidArgError);
 }
 
 TEST_F(LogManagerTest, RecordsFromManyThreadsAllArrive)

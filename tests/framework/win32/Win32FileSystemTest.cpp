@@ -26,7 +26,6 @@ std::vector<std::string> names(const P<IURI>& folder, const char* pattern)
 TEST(Win32Services, NativePathsAreTheWindowsForm)
 {
     EXPECT_EQ(CURI::fromLocalPath("C:/Lang/x")->getLocalPath()->toUTF8(), "C:\\Lang\\x");
-    EXPECT_EQ(CURI::fromURIText("file://server/share/x")->getLocalPath()->toUTF8(), "\\\\server\\share\\x");
 }
 
 // Names are equal whatever their case; enumeration, the existence test and opening agree.
