@@ -1,3 +1,4 @@
+#include "FolderNames.h"
 #include "FrameworkTest.h"
 #include "TempFolder.h"
 
@@ -7,42 +8,11 @@
 #include "framework/CURI.h"
 #include "framework/CURIFormatError.h"
 #include "framework/CURITypeNotSupportedError.h"
-#include "framework/IFileEntry.h"
-#include "framework/IFileEnum.h"
 #include "framework/IInStream.h"
 #include "framework/IStreamManager.h"
 #include "framework/ISystem.h"
 
 namespace kore_test {
-
-namespace {
-
-struct Entry {
-    std::string name;
-    bool folder;
-    std::string uri;
-};
-
-std::vector<Entry> list(const P<IURI>& folder, const char16_t* pattern)
-{
-    std::vector<Entry> entries;
-    P<IFileEnum> found = IFileSystemManager::instance()->enumerate(*folder, pattern);
-    while (found->hasNext()) {
-        P<IFileEntry> entry = found->next();
-        entries.push_back({entry->getName()->toUTF8(), entry->isFolder(), entry->getURI()->toString()->toUTF8()});
-    }
-    return entries;
-}
-
-std::vector<std::string> names(const std::vector<Entry>& entries)
-{
-    std::vector<std::string> out;
-    for (const Entry& e : entries)
-        out.push_back(e.name);
-    return out;
-}
-
-} // namespace
 
 // One matching is the same on every platform: no Windows dialect ("*.*" needs a dot, "?" is
 // exactly one character, also outside the BMP), and case counts unless told otherwise.
@@ -104,24 +74,23 @@ protected:
 
 TEST_F(FileSystem, EnumerationFindsMatchingEntriesInNameOrder)
 {
-    const std::vector<Entry> found = list(folder, u"app*.qorlang");
-    EXPECT_EQ(names(found), (std::vector<std::string>{"app-de-DE.qorlang", "app-en-US.qorlang", "app-folder.qorlang",
-                                                      "app-fr-FR.qorlang", "app-zz ä 100%.qorlang"}));
-    for (const Entry& e : found) {
-        SCOPED_TRACE(e.name);
-        EXPECT_EQ(e.folder, e.name == "app-folder.qorlang");
-        EXPECT_EQ(e.uri, folder->resolve(CString::fromUTF8(e.name), e.folder)->toString()->toUTF8());
-        if (e.folder)
+    EXPECT_EQ(names(folder, u"app*.qorlang"), (std::vector<std::string>{"app-de-DE.qorlang", "app-en-US.qorlang",
+                                                                        "app-folder.qorlang/", "app-fr-FR.qorlang",
+                                                                        "app-zz ä 100%.qorlang"}));
+    EXPECT_EQ(names(folder, u"*").size(), 9u);
+    // Each entry's URI is the folder's resolved with the entry's name, and opens the very file.
+    for (P<IFileEnum> found = IFileSystemManager::instance()->enumerate(*folder, u"app*"); found->hasNext();) {
+        const P<IFileEntry> entry = found->next();
+        const std::string name = entry->getName()->toUTF8();
+        const P<IString> uri = entry->getURI()->toString();
+        EXPECT_EQ(uri->toUTF8(), folder->resolve(entry->getName(), entry->isFolder())->toString()->toUTF8()) << name;
+        if (entry->isFolder())
             continue;
-        // Each entry's URI opens the very file.
-        P<IStream> stream = IStreamManager::instance()->openURI(*CURI::fromURIText(CString::fromUTF8(e.uri)),
-                                                                 IStreamManager::kRead);
-        std::string content(e.name.size(), '\0');
+        P<IStream> stream = IStreamManager::instance()->openURI(*CURI::fromURIText(uri), IStreamManager::kRead);
+        std::string content(name.size(), '\0');
         cast<IInStream>(stream)->read(content.data(), static_cast<uint32_t>(content.size()));
-        EXPECT_EQ(content, e.name);
+        EXPECT_EQ(content, name);
     }
-
-    EXPECT_EQ(list(folder, u"*").size(), 9u);
 }
 
 TEST_F(FileSystem, EnumerationIsASnapshotWithAnEnd)
@@ -136,7 +105,7 @@ TEST_F(FileSystem, EnumerationIsASnapshotWithAnEnd)
     found->reset();
     EXPECT_EQ(found->next()->getName()->toUTF8(), "help_de-DE.pdf");
     // A new enumeration sees the new file.
-    EXPECT_EQ(list(folder, u"help*").size(), 3u);
+    EXPECT_EQ(names(folder, u"help*").size(), 3u);
 }
 
 TEST_F(FileSystem, EnumerationErrors)

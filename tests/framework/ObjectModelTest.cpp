@@ -64,11 +64,17 @@ TEST_F(ObjectModel, NewObjectIsOwnedByItsCreatorAndDiesOnce)
 {
     auto* raw = new CCounted;
     EXPECT_EQ(raw->getRefCount(), 1);
+    P<CCounted> owner = P<CCounted>::adopt(raw);
     {
-        P<CCounted> owner = P<CCounted>::adopt(raw);
         P<CCounted> copy = owner;
         EXPECT_EQ(raw->getRefCount(), 2);
     }
+    // An instance wrapper keeps it alive when no pointer is left.
+    IInstanceWrapper* wrapper = new CInstanceWrapper(raw);
+    owner.reset();
+    EXPECT_EQ(raw->getRefCount(), 1);
+    EXPECT_EQ(CCounted::destroyed, 0);
+    wrapper->deleteThis();
     EXPECT_EQ(CCounted::destroyed, 1);
 }
 
@@ -190,18 +196,6 @@ TEST_F(ObjectModel, CandidatesAreTriedInOrderWithoutFollowingTheirRedirects)
     P<CQuerying> o = make<CQuerying>();
     o->candidates = &first;
     EXPECT_EQ(cast<ISecond>(o)->second(), 20);
-}
-
-TEST_F(ObjectModel, InstanceWrapperKeepsItsObjectAlive)
-{
-    auto* raw = new CCounted;
-    P<CCounted> owner = P<CCounted>::adopt(raw);
-    IInstanceWrapper* wrapper = new CInstanceWrapper(raw);
-    owner.reset();
-    EXPECT_EQ(CCounted::destroyed, 0);
-    EXPECT_EQ(raw->getRefCount(), 1);
-    wrapper->deleteThis();
-    EXPECT_EQ(CCounted::destroyed, 1);
 }
 
 } // namespace kore_test

@@ -1,27 +1,13 @@
+#include "../FolderNames.h"
 #include "../FrameworkTest.h"
 #include "../TempFolder.h"
 
 #include "framework/CURI.h"
-#include "framework/IFileEntry.h"
-#include "framework/IFileEnum.h"
-#include "framework/IFileSystemManager.h"
 #include "framework/IInStream.h"
 #include "framework/IStreamManager.h"
 #include "framework/ISystem.h"
 
 namespace kore_test {
-
-namespace {
-
-std::vector<std::string> names(const P<IURI>& folder, const char* pattern)
-{
-    std::vector<std::string> out;
-    for (P<IFileEnum> found = IFileSystemManager::instance()->enumerate(*folder, pattern); found->hasNext();)
-        out.push_back(found->next()->getName()->toUTF8());
-    return out;
-}
-
-} // namespace
 
 TEST(Win32Services, NativePathsAreTheWindowsForm)
 {
