@@ -11,10 +11,9 @@ namespace {
 using namespace kore_test;
 
 // Integer keys that hash to themselves, counting every hash and full comparison.
-struct CountingTraits {
+struct CountingTraits : TSimpleHashKeyTraits<int> {
     static inline int hashes = 0;
     static inline int comparisons = 0;
-    using Lookup = int;
     static uint32_t hash(int key)
     {
         ++hashes;
@@ -25,8 +24,6 @@ struct CountingTraits {
         ++comparisons;
         return stored == key;
     }
-    static const int& view(const int& key) { return key; }
-    static bool isValid(int) { return true; }
 };
 
 using CountingTable = TSimpleHashTable<int, int, CountingTraits>;
@@ -88,6 +85,7 @@ TEST(SimpleHashTable, StoredHashesSpareRehashingAndComparisons)
     EXPECT_EQ(keysInOrder(*t), (std::vector<int>{1, 111, 5, 21}));
     for (int key : {1, 111, 5, 21})
         EXPECT_EQ(*t->find(key), key * 10);
+    EXPECT_EQ(CountingTraits::hashes, 4) << "lookups do hash";
 }
 
 // Every key hashes alike: one long chain, and only full comparison tells keys apart.

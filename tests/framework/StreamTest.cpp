@@ -163,7 +163,7 @@ TEST_F(DiskStream, ErrorsNameTheirURI)
     EXPECT_THROW(IStreamManager::instance()->openPath("relative/x", IStreamManager::kRead), CURIFormatError);
 }
 
-TEST_F(DiskStream, ModesDecideContentAndInterfaces)
+TEST_F(DiskStream, ModesDecideContentAndInterfacesAndClosingEndsEverything)
 {
     temp.writeFile("data.bin", "old content");
     const P<IURI> uri = temp.uri()->resolve("data.bin");
@@ -174,36 +174,27 @@ TEST_F(DiskStream, ModesDecideContentAndInterfaces)
 
     P<IStream> both = open(uri, IStreamManager::kReadWrite);
     EXPECT_EQ(interfaces(both), "in seekIn out seekOut io seekIO");
-    cast<ISeekableIOStream>(both)->seek(4);
-    cast<ISeekableIOStream>(both)->write("CONTENT!", 8);
-    EXPECT_EQ(readAll(both), "old CONTENT!") << "read-write keeps the content";
+    ISeekableIOStream* io = cast<ISeekableIOStream>(both);
+    io->seek(4);
+    io->write("CONTENT!", 8);
     both->close();
+    both->close();
+    EXPECT_EQ(temp.readFile("data.bin"), "old CONTENT!") << "read-write keeps the content; closing writes the rest";
+    char c = 0;
+    EXPECT_THROW(io->read(&c, 1), CStreamClosedError);
+    EXPECT_THROW(io->write(&c, 1), CStreamClosedError);
+    EXPECT_THROW(io->seek(0), CStreamClosedError);
+    EXPECT_THROW(io->flush(), CStreamClosedError);
 
     P<IStream> writer = open(uri, IStreamManager::kWrite);
     EXPECT_EQ(interfaces(writer), "out seekOut ");
     EXPECT_EQ(writer->getLength(), 0);
-    char c = 0;
     EXPECT_THROW(cast<CDiskStream>(writer)->read(&c, 1), CInvalidObjectStateError);
     writer->close();
     EXPECT_EQ(temp.readFile("data.bin"), "");
 
     EXPECT_EQ(open(temp.uri()->resolve("new.bin"), IStreamManager::kReadWrite)->getLength(), 0)
         << "read-write creates a missing file";
-}
-
-TEST_F(DiskStream, AClosedStreamWroteEverythingAndRefusesMore)
-{
-    P<IStream> stream = open(temp.uri()->resolve("closed.bin"), IStreamManager::kReadWrite);
-    ISeekableIOStream* io = cast<ISeekableIOStream>(stream);
-    io->write("abc", 3);
-    stream->close();
-    stream->close();
-    EXPECT_EQ(temp.readFile("closed.bin"), "abc");
-    char c = 0;
-    EXPECT_THROW(io->read(&c, 1), CStreamClosedError);
-    EXPECT_THROW(io->write(&c, 1), CStreamClosedError);
-    EXPECT_THROW(io->seek(0), CStreamClosedError);
-    EXPECT_THROW(io->flush(), CStreamClosedError);
 }
 
 // A random series of reads, writes and seeks of every size, small to larger than the buffer,
