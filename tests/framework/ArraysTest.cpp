@@ -5,6 +5,7 @@
 #include "framework/TFrailArray.h"
 #include "framework/TSimpleArray.h"
 
+#include <algorithm>
 #include <functional>
 #include <stdexcept>
 
@@ -12,22 +13,20 @@ namespace {
 
 using namespace kore_test;
 
-class CItem : public CObject {
-public:
-    explicit CItem(int id = 0, bool* destroyed = nullptr) : id(id), m_destroyed(destroyed) {}
-    ~CItem() override
-    {
-        if (m_destroyed)
-            *m_destroyed = true;
-    }
-    int id;
-
-private:
-    bool* m_destroyed;
+// Records its id when it dies.
+struct CItem : CObject {
+    static inline std::vector<int> dead;
+    explicit CItem(int id) : id(id) {}
+    ~CItem() override { dead.push_back(id); }
+    const int id;
 };
 
-template <class Array>
-std::vector<int> ids(const Array& a)
+bool isDead(int id)
+{
+    return std::find(CItem::dead.begin(), CItem::dead.end(), id) != CItem::dead.end();
+}
+
+std::vector<int> ids(const TSimpleArray<P<CItem>>& a)
 {
     std::vector<int> out;
     for (const P<CItem>& p : a)
@@ -60,10 +59,9 @@ TEST(SimpleArray, InsertRemoveAndReallocationKeepOrderAndReferences)
     EXPECT_EQ(ids(*a), (std::vector<int>{2, 1, 2, 0, 1, 2}));
     EXPECT_EQ(items[2]->getRefCount(), 4);
 
-    bool destroyed = false;
-    a->insert(3, make<CItem>(7, &destroyed));
+    a->insert(3, make<CItem>(7));
     a->remove(3);
-    EXPECT_TRUE(destroyed) << "a removed element must drop its reference at once";
+    EXPECT_TRUE(isDead(7)) << "a removed element must drop its reference at once";
     a->remove(1, 2);
     EXPECT_EQ(ids(*a), (std::vector<int>{2, 0, 1, 2}));
 
@@ -132,8 +130,8 @@ TEST(CleaningSimpleArray, RemovalDuringAWalkEmptiesTheSlotAndCleansAfterwards)
 {
     for (bool autoClean : {true, false}) {
         auto a = make<TCleaningSimpleArray<P<CItem>>>(10, autoClean);
-        bool destroyed = false;
-        a->add(make<CItem>(-1, &destroyed));
+        CItem::dead.clear();
+        a->add(make<CItem>(-1));
         for (int i = 0; i < 4; ++i)
             a->add(make<CItem>(i));
         std::vector<int> seen;
@@ -141,7 +139,7 @@ TEST(CleaningSimpleArray, RemovalDuringAWalkEmptiesTheSlotAndCleansAfterwards)
             seen.push_back(item->id);
             if (item->id == -1) {
                 a->removeAt(0); // itself: the visit's copy keeps it alive
-                EXPECT_FALSE(destroyed);
+                EXPECT_FALSE(isDead(-1));
             } else if (item->id == 1) {
                 a->removeAt(2); // itself
                 a->removeAt(3); // the next one: must not be visited
@@ -149,7 +147,7 @@ TEST(CleaningSimpleArray, RemovalDuringAWalkEmptiesTheSlotAndCleansAfterwards)
             }
         });
         EXPECT_EQ(seen, (std::vector<int>{-1, 0, 1, 3}));
-        EXPECT_TRUE(destroyed);
+        EXPECT_TRUE(isDead(-1));
         EXPECT_EQ(a->getCount(), autoClean ? 3 : 6);
         a->clean();
         ASSERT_EQ(a->getCount(), 3);
