@@ -15,6 +15,7 @@
 #include <thread>
 
 namespace kore_test {
+
 using Clock = std::chrono::steady_clock;
 namespace fs = std::filesystem;
 
@@ -51,11 +52,6 @@ fs::path fileFor(const std::string& name, const char* suffix)
 // from the system afterwards.
 class CTestName {
 public:
-    explicit CTestName(const char* what)
-        : m_name(std::string("qor_test_") + what + "_" + std::to_string(std::random_device()()) +
-                 std::to_string(std::random_device()()))
-    {
-    }
     ~CTestName()
     {
         removeGlobalMutexName(m_name);
@@ -66,7 +62,7 @@ public:
     const std::string& str() const { return m_name; }
 
 private:
-    std::string m_name;
+    const std::string m_name = "qor_test_" + std::to_string(std::random_device()()) + std::to_string(std::random_device()());
 };
 
 void expectRecursive(IMutex& mutex)
@@ -139,11 +135,11 @@ TEST(LocalMutex, IsRecursiveAndTryLockOnItHeldElsewhereFailsAtOnceWhateverTheTim
 
 TEST(GlobalMutex, IsRecursiveAndHandlesOnOneNameShareOwnershipAndMayBeDroppedWhileHeld)
 {
-    CTestName name("handles");
+    CTestName name;
     P<IMutex> first = globalMutex(name.str());
     expectRecursive(*first);
     P<IMutex> second = globalMutex(name.str());
-    CTestName other("handles_other");
+    CTestName other;
     P<IMutex> third = globalMutex(other.str());
     first->lock();
     EXPECT_FALSE(otherThreadGets(*second));
@@ -160,7 +156,7 @@ TEST(GlobalMutex, IsRecursiveAndHandlesOnOneNameShareOwnershipAndMayBeDroppedWhi
 
 TEST(GlobalMutex, NamesThatDifferOnlyInEscapableCharactersAreDifferentMutexes)
 {
-    CTestName base("distinct");
+    CTestName base;
     P<IMutex> slash = globalMutex(base.str() + "/x");
     P<IMutex> escaped = globalMutex(base.str() + "%2Fx");
     CMutexLock guard(*slash);
@@ -171,7 +167,7 @@ TEST(GlobalMutex, NamesThatDifferOnlyInEscapableCharactersAreDifferentMutexes)
 
 TEST(GlobalMutex, TryLockWaitsForAReleaseWithinTheTimeout)
 {
-    CTestName name("wait");
+    CTestName name;
     P<IMutex> mutex = globalMutex(name.str());
     std::atomic<bool> held{false};
     std::thread owner([&] {
@@ -190,7 +186,7 @@ TEST(GlobalMutex, TryLockWaitsForAReleaseWithinTheTimeout)
 
 TEST(GlobalMutex, ThreadEndingWhileHoldingLeavesTheMutexToTheNextLockAndTryLock)
 {
-    CTestName name("thread_end");
+    CTestName name;
     P<IMutex> mutex = globalMutex(name.str());
     std::thread([&] {
         mutex->lock();
@@ -229,7 +225,7 @@ TEST(GlobalMutex, AnotherProcessHoldsTheMutexUntilItIsKilled)
 {
     for (bool byTryLock : {false, true}) {
         SCOPED_TRACE(byTryLock ? "tryLock" : "lock");
-        CTestName name("other_process");
+        CTestName name;
         P<IMutex> mutex = globalMutex(name.str());
         std::unique_ptr<CChildProcess> owner = holdInChild(name.str());
         ASSERT_TRUE(owner) << "the child never took the mutex";
@@ -254,7 +250,7 @@ TEST(GlobalMutex, AnotherProcessHoldsTheMutexUntilItIsKilled)
 TEST(GlobalMutex, ProcessesCountingUnderTheLockLoseNoUpdate)
 {
     // The children create the mutex of a fresh name at the same moment.
-    CTestName name("counter");
+    CTestName name;
     CChildProcess first("MutexChild.DISABLED_CountUnderLock", name.str());
     CChildProcess second("MutexChild.DISABLED_CountUnderLock", name.str());
     EXPECT_EQ(first.wait(), 0);
