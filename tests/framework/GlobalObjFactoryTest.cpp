@@ -7,19 +7,12 @@
 
 namespace kore_test {
 
-class CService : public CObject {
-public:
-    explicit CService(int id, std::vector<int>* destroyedLog = nullptr) : m_id(id), m_log(destroyedLog) {}
-    ~CService() override
-    {
-        if (m_log)
-            m_log->push_back(m_id);
-    }
-    int id() const { return m_id; }
-
-private:
-    int m_id;
-    std::vector<int>* m_log;
+// Records its id when it dies.
+struct CService : CObject {
+    static inline std::vector<int> dead;
+    explicit CService(int id) : id(id) {}
+    ~CService() override { dead.push_back(id); }
+    const int id;
 };
 
 std::atomic<int> g_slowCreations{0};
@@ -60,17 +53,16 @@ TEST(GlobalObjFactory, CreatorMayAskForAnotherService)
     // The outer creator re-enters the creation lock on the same thread.
     const auto createOuter = +[] {
         P<CService>& inner = g_nestedFactory->getOrCreate<CService>(2, +[] { return make<CService>(2); });
-        return make<CService>(100 + inner->id());
+        return make<CService>(100 + inner->id);
     };
-    EXPECT_EQ(factory->getOrCreate<CService>(1, createOuter)->id(), 102);
+    EXPECT_EQ(factory->getOrCreate<CService>(1, createOuter)->id, 102);
     EXPECT_EQ(factory->getServiceCount(), 2u);
 }
 
-std::vector<int> g_destroyed;
 template <int N>
 P<CService> createNumbered()
 {
-    return make<CService>(N, &g_destroyed);
+    return make<CService>(N);
 }
 
 TEST(GlobalObjFactory, ServicesDieInReverseOrderOfCreation)
@@ -81,8 +73,9 @@ TEST(GlobalObjFactory, ServicesDieInReverseOrderOfCreation)
     factory->getOrCreate<CService>(10, &createNumbered<2>);
     factory->getOrCreate<CService>(20, &createNumbered<3>);
     factory->getOrCreate<CService>(10, &createNumbered<99>); // already there: no creation
+    CService::dead.clear();
     factory = nullptr;
-    EXPECT_EQ(g_destroyed, (std::vector<int>{3, 2, 1}));
+    EXPECT_EQ(CService::dead, (std::vector<int>{3, 2, 1}));
 }
 
 int g_failures = 0;
@@ -97,7 +90,7 @@ TEST(GlobalObjFactory, FailedCreationLeavesTheKeyAbsentAndReleasesTheLock)
     };
     EXPECT_THROW(factory->getOrCreate<CService>(5, createFailingOnce), std::runtime_error);
     EXPECT_EQ(factory->getServiceCount(), 0u);
-    std::thread other([&] { EXPECT_EQ(factory->getOrCreate<CService>(5, createFailingOnce)->id(), 7); });
+    std::thread other([&] { EXPECT_EQ(factory->getOrCreate<CService>(5, createFailingOnce)->id, 7); });
     other.join();
 }
 
