@@ -88,41 +88,37 @@ TEST(SimpleHashTable, StoredHashesSpareRehashingAndComparisons)
     EXPECT_EQ(CountingTraits::hashes, 4) << "lookups do hash";
 }
 
-// Every key hashes alike: one long chain, and only full comparison tells keys apart.
+// Keys hash to one of three values: three long chains, where only full comparison tells keys apart.
 struct CollidingTraits : TSimpleHashKeyTraits<int> {
-    static uint32_t hash(int) { return 7; }
+    static uint32_t hash(int key) { return static_cast<uint32_t>(key % 3); }
 };
 
-TEST(SimpleHashTable, FullyCollidingKeysStayDistinct)
+TEST(SimpleHashTable, CollidingKeysStayDistinctAndValuesAreReleasedByReplaceRemoveClearAndDestruction)
 {
-    auto t = make<TSimpleHashTable<int, int, CollidingTraits>>();
+    std::vector<P<CObject>> values;
+    auto t = make<TSimpleHashTable<int, P<CObject>, CollidingTraits>>();
     for (int i = 0; i < 50; ++i)
-        t->set(i, i * 2);
-    EXPECT_EQ(t->getCount(), 50u);
+        t->set(i, values.emplace_back(make<CObject>()));
+    t->set(0, nullptr);
     EXPECT_TRUE(t->remove(25));
     EXPECT_FALSE(t->remove(25));
-    for (int i = 0; i < 50; ++i)
-        EXPECT_EQ(t->find(i) ? *t->find(i) : -1, i == 25 ? -1 : i * 2);
-}
-
-TEST(SimpleHashTable, ValuesAreReleasedByReplaceRemoveClearAndDestruction)
-{
-    auto probe = make<CObject>();
-    auto t = make<TSimpleHashTable<int, P<CObject>>>();
-    for (int i = 0; i < 4; ++i)
-        t->set(i, probe);
-    EXPECT_EQ(probe->getRefCount(), 5);
-    t->set(0, nullptr);
-    t->remove(1);
-    EXPECT_EQ(probe->getRefCount(), 3);
+    EXPECT_EQ(t->getCount(), 49u);
+    for (int i = 0; i < 50; ++i) {
+        if (i == 25)
+            EXPECT_EQ(t->find(i), nullptr);
+        else
+            EXPECT_EQ(t->find(i)->get(), i == 0 ? nullptr : values[i].get()) << i;
+        EXPECT_EQ(values[i]->getRefCount(), i == 0 || i == 25 ? 1 : 2) << i;
+    }
     const uint32_t buckets = t->getBucketCount();
     t->clear();
-    EXPECT_EQ(probe->getRefCount(), 1);
+    for (const P<CObject>& v : values)
+        EXPECT_EQ(v->getRefCount(), 1);
     EXPECT_EQ(t->getCount(), 0u);
     EXPECT_EQ(t->getBucketCount(), buckets);
-    t->set(9, probe);
+    t->set(9, values[9]);
     t = nullptr;
-    EXPECT_EQ(probe->getRefCount(), 1);
+    EXPECT_EQ(values[9]->getRefCount(), 1);
 }
 
 TEST(SimpleHashTable, StringKeysCompareExactlyByCodePointAcrossEncodings)
