@@ -142,6 +142,8 @@ TEST_F(DiskStream, ErrorsNameTheirURI)
         EXPECT_EQ(e.getDescription()->toUTF8(), "Unexpected end of data stream (uri: '" + shortFile->toString()->toUTF8() + "')");
         EXPECT_EQ(e.getURI(), shortFile);
     });
+    cast<ISeekableInStream>(stream)->seek(1000);
+    EXPECT_THROW(readEleven(), CEndOfStreamError) << "behind the end";
 
     const P<IURI> missing = fileURI("missing.qorlang");
     expectThrown<CFileNotFoundError>([&] { open(missing, IStreamManager::kRead); }, [&](const CFileNotFoundError& e) {
