@@ -76,17 +76,20 @@ TEST_F(LogManagerTest, ModuleSinksComeFirstNewestFirstAndAFailingOneStopsNone)
     auto a = sink("a");
     auto b = sink("b");
     auto g = sink("g");
+    auto h = sink("h");
     b->onLog = [] { throw std::runtime_error("disk full"); };
     manager->addLog("lang", a.get());
     manager->addLog("lang", b.get());
     manager->addLog("", g.get());
+    manager->addLog("", h.get());
     EXPECT_NO_THROW(manager->info("lang", "Setting Language: de-DE", 0));
     manager->write("lang", "raw");
     manager->info("other", "x", 0);
     manager->info("LANG", "y", 0);
     EXPECT_EQ(journal, (Journal{"b:1:lang:Setting Language: de-DE:0:-1", "a:1:lang:Setting Language: de-DE:0:-1",
-                                "g:1:lang:Setting Language: de-DE:0:-1", "b:write:lang:raw", "a:write:lang:raw",
-                                "g:write:lang:raw", "g:1:other:x:0:-1", "g:1:LANG:y:0:-1"}));
+                                "h:1:lang:Setting Language: de-DE:0:-1", "g:1:lang:Setting Language: de-DE:0:-1",
+                                "b:write:lang:raw", "a:write:lang:raw", "h:write:lang:raw", "g:write:lang:raw",
+                                "h:1:other:x:0:-1", "g:1:other:x:0:-1", "h:1:LANG:y:0:-1", "g:1:LANG:y:0:-1"}));
 }
 
 TEST_F(LogManagerTest, RemovalUndoesTheMostRecentRegistrationAndDropsTheReference)
