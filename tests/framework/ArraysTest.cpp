@@ -1,34 +1,30 @@
-#include "framework/CInvalidArgError.h"
-#include "framework/P.h"
+#include "FrameworkTest.h"
+
 #include "framework/PFrail.h"
 #include "framework/TCleaningSimpleArray.h"
 #include "framework/TFrailArray.h"
 #include "framework/TSimpleArray.h"
 
-#include <gtest/gtest.h>
-
+#include <algorithm>
 #include <functional>
 #include <stdexcept>
-#include <string>
-#include <vector>
 
 namespace {
 
-using namespace kore;
+using namespace kore_test;
 
-class CItem : public CObject {
-public:
-    explicit CItem(int id = 0, bool* destroyed = nullptr) : id(id), m_destroyed(destroyed) {}
-    ~CItem() override
-    {
-        if (m_destroyed)
-            *m_destroyed = true;
-    }
-    int id;
-
-private:
-    bool* m_destroyed;
+// Records its id when it dies.
+struct CItem : CObject {
+    static inline std::vector<int> dead;
+    explicit CItem(int id) : id(id) {}
+    ~CItem() override { dead.push_back(id); }
+    const int id;
 };
+
+bool isDead(int id)
+{
+    return std::find(CItem::dead.begin(), CItem::dead.end(), id) != CItem::dead.end();
+}
 
 std::vector<int> ids(const TSimpleArray<P<CItem>>& a)
 {
@@ -40,12 +36,6 @@ std::vector<int> ids(const TSimpleArray<P<CItem>>& a)
 
 TEST(SimpleArray, GrowsLinearlyToTheLargerOfNeedAndGrowStep)
 {
-    auto a = make<TSimpleArray<int>>(1, 10);
-    for (int i = 0; i < 10; ++i)
-        a->add(i);
-    a->add(10);
-    EXPECT_EQ(a->getCapacity(), 11);
-
     auto b = make<TSimpleArray<int>>(16);
     const std::vector<int> many(40, 7);
     b->insert(0, many.data(), 20);
@@ -57,43 +47,33 @@ TEST(SimpleArray, GrowsLinearlyToTheLargerOfNeedAndGrowStep)
     EXPECT_EQ((*b)[60], 1);
 }
 
-TEST(SimpleArray, ReallocationKeepsEveryReferenceCount)
+TEST(SimpleArray, InsertRemoveAndReallocationKeepOrderAndReferences)
 {
     std::vector<P<CItem>> items;
     auto a = make<TSimpleArray<P<CItem>>>(1);
-    for (int i = 0; i < 5; ++i) {
-        items.push_back(make<CItem>(i));
-        a->add(items.back());
-    }
-    a->setCapacity(40);
-    for (const auto& item : items)
-        EXPECT_EQ(item->getRefCount(), 2);
-    // Shrinking drops the elements that no longer fit, and only those.
-    a->setCapacity(2);
-    EXPECT_EQ(ids(*a), (std::vector<int>{0, 1}));
-    EXPECT_EQ(items[0]->getRefCount(), 2);
-    EXPECT_EQ(items[4]->getRefCount(), 1);
-    a = nullptr;
-    EXPECT_EQ(items[0]->getRefCount(), 1);
-}
-
-TEST(SimpleArray, InsertAndRemoveKeepOrderEvenFromTheArrayItself)
-{
-    auto a = make<TSimpleArray<P<CItem>>>(1);
     for (int i = 0; i < 3; ++i)
-        a->add(make<CItem>(i));
+        a->add(items.emplace_back(make<CItem>(i)));
     a->insert(0, (*a)[2]); // refers into the buffer that this very growth frees
     EXPECT_EQ(ids(*a), (std::vector<int>{2, 0, 1, 2}));
     a->insert(1, a->data() + 2, 2);
     EXPECT_EQ(ids(*a), (std::vector<int>{2, 1, 2, 0, 1, 2}));
-    EXPECT_EQ((*a)[0]->getRefCount(), 3);
+    EXPECT_EQ(items[2]->getRefCount(), 4);
 
-    bool destroyed = false;
-    a->insert(3, make<CItem>(7, &destroyed));
+    a->insert(3, make<CItem>(7));
     a->remove(3);
-    EXPECT_TRUE(destroyed) << "a removed element must drop its reference at once";
+    EXPECT_TRUE(isDead(7)) << "a removed element must drop its reference at once";
     a->remove(1, 2);
     EXPECT_EQ(ids(*a), (std::vector<int>{2, 0, 1, 2}));
+
+    // Reallocation keeps every count; shrinking drops the elements that no longer fit, and only those.
+    a->setCapacity(40);
+    EXPECT_EQ(items[2]->getRefCount(), 3);
+    a->setCapacity(2);
+    EXPECT_EQ(ids(*a), (std::vector<int>{2, 0}));
+    EXPECT_EQ(items[2]->getRefCount(), 2);
+    EXPECT_EQ(items[1]->getRefCount(), 1);
+    a = nullptr;
+    EXPECT_EQ(items[2]->getRefCount(), 1);
 }
 
 TEST(SimpleArray, RejectsBadPositionsAndStaysUnchanged)
@@ -107,12 +87,7 @@ TEST(SimpleArray, RejectsBadPositionsAndStaysUnchanged)
     EXPECT_THROW(a->setCapacity(-1), CInvalidArgError);
     EXPECT_THROW(a->insert(0, static_cast<const int*>(nullptr), 1), CInvalidArgError);
     EXPECT_EQ(a->getCount(), 2);
-    try {
-        (*a)[5];
-        FAIL();
-    } catch (const CInvalidArgError& e) {
-        EXPECT_NE(e.getDescription()->toUTF8().find("index 5"), std::string::npos);
-    }
+    EXPECT_NE(descriptionOf<CInvalidArgError>([&] { (*a)[5]; }).find("index 5"), std::string::npos);
 }
 
 // Copy assignment throws for one marked value; moves never throw.
@@ -155,8 +130,8 @@ TEST(CleaningSimpleArray, RemovalDuringAWalkEmptiesTheSlotAndCleansAfterwards)
 {
     for (bool autoClean : {true, false}) {
         auto a = make<TCleaningSimpleArray<P<CItem>>>(10, autoClean);
-        bool destroyed = false;
-        a->add(make<CItem>(-1, &destroyed));
+        CItem::dead.clear();
+        a->add(make<CItem>(-1));
         for (int i = 0; i < 4; ++i)
             a->add(make<CItem>(i));
         std::vector<int> seen;
@@ -164,7 +139,7 @@ TEST(CleaningSimpleArray, RemovalDuringAWalkEmptiesTheSlotAndCleansAfterwards)
             seen.push_back(item->id);
             if (item->id == -1) {
                 a->removeAt(0); // itself: the visit's copy keeps it alive
-                EXPECT_FALSE(destroyed);
+                EXPECT_FALSE(isDead(-1));
             } else if (item->id == 1) {
                 a->removeAt(2); // itself
                 a->removeAt(3); // the next one: must not be visited
@@ -172,7 +147,7 @@ TEST(CleaningSimpleArray, RemovalDuringAWalkEmptiesTheSlotAndCleansAfterwards)
             }
         });
         EXPECT_EQ(seen, (std::vector<int>{-1, 0, 1, 3}));
-        EXPECT_TRUE(destroyed);
+        EXPECT_TRUE(isDead(-1));
         EXPECT_EQ(a->getCount(), autoClean ? 3 : 6);
         a->clean();
         ASSERT_EQ(a->getCount(), 3);
@@ -185,10 +160,10 @@ public:
     virtual void onEvent(std::vector<int>& journal) = 0;
 };
 
+// Leaves its list before it dies, as every listener of a frail list must.
 class CListener : public CObject, public IListener {
 public:
     CListener(int id, TFrailArray<IListener>* list) : id(id), m_list(list) { m_list->add(this); }
-    // The usual discipline of a frail list: a listener leaves it before it dies.
     ~CListener() override { m_list->remove(this); }
     void onEvent(std::vector<int>& journal) override
     {
@@ -213,19 +188,20 @@ TEST(FrailArray, HoldsNoReferencesAndSurvivesListenersThatLeaveOrDieWhileCalled)
     EXPECT_FALSE(list->add(a.get())) << "a listener is registered once";
     EXPECT_THROW(list->add(nullptr), CInvalidArgError);
 
-    P<CListener> late;
     // The first listener destroys the second one (which leaves the list) and adds a new one.
+    P<CListener> late;
     a->action = [&] {
         b = nullptr;
         if (!late)
             late = make<CListener>(4, list.get());
     };
-    std::vector<int> journal;
-    list->forEach([&](IListener& l) { l.onEvent(journal); });
-    EXPECT_EQ(journal, (std::vector<int>{1, 3}));
-    journal.clear();
-    list->forEach([&](IListener& l) { l.onEvent(journal); });
-    EXPECT_EQ(journal, (std::vector<int>{1, 3, 4}));
+    const auto notify = [&] {
+        std::vector<int> journal;
+        list->forEach([&](IListener& l) { l.onEvent(journal); });
+        return journal;
+    };
+    EXPECT_EQ(notify(), (std::vector<int>{1, 3}));
+    EXPECT_EQ(notify(), (std::vector<int>{1, 3, 4}));
     EXPECT_EQ(list->getCount(), 3);
     EXPECT_TRUE(list->remove(c.get()));
     EXPECT_FALSE(list->contains(c.get()));

@@ -1,23 +1,19 @@
-#include "framework/CInvalidArgError.h"
-#include "framework/CString.h"
+#include "FrameworkTest.h"
+
 #include "framework/CValueList.h"
 #include "framework/TSimpleHashTable.h"
 
-#include <gtest/gtest.h>
-
 #include <limits>
 #include <utility>
-#include <vector>
 
 namespace {
 
-using namespace kore;
+using namespace kore_test;
 
 // Integer keys that hash to themselves, counting every hash and full comparison.
-struct CountingTraits {
+struct CountingTraits : TSimpleHashKeyTraits<int> {
     static inline int hashes = 0;
     static inline int comparisons = 0;
-    using Lookup = int;
     static uint32_t hash(int key)
     {
         ++hashes;
@@ -28,8 +24,6 @@ struct CountingTraits {
         ++comparisons;
         return stored == key;
     }
-    static const int& view(const int& key) { return key; }
-    static bool isValid(int) { return true; }
 };
 
 using CountingTable = TSimpleHashTable<int, int, CountingTraits>;
@@ -71,74 +65,60 @@ TEST(SimpleHashTable, BucketCountFollowsTheGrowthRule)
     EXPECT_EQ(half->getBucketCount(), 22u);
 }
 
-TEST(SimpleHashTable, RehashReusesStoredHashesAndReversesNodesThatLandTogether)
+TEST(SimpleHashTable, StoredHashesSpareRehashingAndComparisons)
 {
     auto t = make<CountingTable>(1.0, 1.1);
-    t->set(1, 0);
-    t->set(111, 0); // bucket 1 of 10, in front of 1
-    t->set(5, 0);
-    EXPECT_EQ(keysInOrder(*t), (std::vector<int>{111, 1, 5}));
-    CountingTraits::hashes = 0;
-    t->rehash(); // 11 buckets: 1 and 111 land together again
-    EXPECT_EQ(t->getBucketCount(), 11u);
-    EXPECT_EQ(CountingTraits::hashes, 0) << "keys must not be hashed again";
-    EXPECT_EQ(keysInOrder(*t), (std::vector<int>{1, 111, 5}));
-    for (int key : {1, 111, 5})
-        EXPECT_NE(t->find(key), nullptr);
-}
-
-TEST(SimpleHashTable, LookupComparesKeysOnlyWhenStoredHashesMatch)
-{
-    auto t = make<CountingTable>();
     t->set(1, 10);
-    t->set(11, 110); // same bucket, different hash
-    t->set(21, 210);
+    t->set(111, 1110); // bucket 1 of 10, in front of 1
+    t->set(5, 50);
+    t->set(21, 210); // bucket 1 as well, different hash
+    EXPECT_EQ(keysInOrder(*t), (std::vector<int>{21, 111, 1, 5}));
     CountingTraits::comparisons = 0;
     EXPECT_EQ(*t->find(1), 10);
-    EXPECT_EQ(CountingTraits::comparisons, 1);
     EXPECT_EQ(t->find(31), nullptr);
-    EXPECT_EQ(CountingTraits::comparisons, 1);
+    EXPECT_EQ(CountingTraits::comparisons, 1) << "keys are compared only when the stored hashes match";
+
+    CountingTraits::hashes = 0;
+    t->rehash(); // 11 buckets: 1 and 111 land together again, in reverse order
+    EXPECT_EQ(t->getBucketCount(), 11u);
+    EXPECT_EQ(CountingTraits::hashes, 0) << "keys must not be hashed again";
+    EXPECT_EQ(keysInOrder(*t), (std::vector<int>{1, 111, 5, 21}));
+    for (int key : {1, 111, 5, 21})
+        EXPECT_EQ(*t->find(key), key * 10);
+    EXPECT_EQ(CountingTraits::hashes, 4) << "lookups do hash";
 }
 
-// Every key hashes alike: one long chain, and only full comparison tells keys apart.
+// Keys hash to one of three values: three long chains, where only full comparison tells keys apart.
 struct CollidingTraits : TSimpleHashKeyTraits<int> {
-    static uint32_t hash(int) { return 7; }
+    static uint32_t hash(int key) { return static_cast<uint32_t>(key % 3); }
 };
 
-TEST(SimpleHashTable, FullyCollidingKeysStayDistinct)
+TEST(SimpleHashTable, CollidingKeysStayDistinctAndValuesAreReleasedByReplaceRemoveClearAndDestruction)
 {
-    auto t = make<TSimpleHashTable<int, int, CollidingTraits>>();
+    std::vector<P<CObject>> values;
+    auto t = make<TSimpleHashTable<int, P<CObject>, CollidingTraits>>();
     for (int i = 0; i < 50; ++i)
-        t->set(i, i * 2);
-    EXPECT_EQ(t->getCount(), 50u);
+        t->set(i, values.emplace_back(make<CObject>()));
+    t->set(0, nullptr);
     EXPECT_TRUE(t->remove(25));
     EXPECT_FALSE(t->remove(25));
+    EXPECT_EQ(t->getCount(), 49u);
     for (int i = 0; i < 50; ++i) {
         if (i == 25)
             EXPECT_EQ(t->find(i), nullptr);
         else
-            EXPECT_EQ(*t->find(i), i * 2);
+            EXPECT_EQ(t->find(i)->get(), i == 0 ? nullptr : values[i].get()) << i;
+        EXPECT_EQ(values[i]->getRefCount(), i == 0 || i == 25 ? 1 : 2) << i;
     }
-}
-
-TEST(SimpleHashTable, ValuesAreReleasedByReplaceRemoveClearAndDestruction)
-{
-    auto probe = make<CObject>();
-    auto t = make<TSimpleHashTable<int, P<CObject>>>();
-    for (int i = 0; i < 4; ++i)
-        t->set(i, probe);
-    EXPECT_EQ(probe->getRefCount(), 5);
-    t->set(0, nullptr);
-    t->remove(1);
-    EXPECT_EQ(probe->getRefCount(), 3);
     const uint32_t buckets = t->getBucketCount();
     t->clear();
-    EXPECT_EQ(probe->getRefCount(), 1);
+    for (const P<CObject>& v : values)
+        EXPECT_EQ(v->getRefCount(), 1);
     EXPECT_EQ(t->getCount(), 0u);
     EXPECT_EQ(t->getBucketCount(), buckets);
-    t->set(9, probe);
+    t->set(9, values[9]);
     t = nullptr;
-    EXPECT_EQ(probe->getRefCount(), 1);
+    EXPECT_EQ(values[9]->getRefCount(), 1);
 }
 
 TEST(SimpleHashTable, StringKeysCompareExactlyByCodePointAcrossEncodings)

@@ -1,45 +1,37 @@
+#include "FrameworkTest.h"
+#include "TempFolder.h"
+
 #include "framework/CError.h"
 #include "framework/CFileError.h"
 #include "framework/CFileLog.h"
-#include "framework/CInvalidArgError.h"
 #include "framework/CLogManager.h"
-#include "framework/CString.h"
 #include "framework/Trace.h"
 
-#include <gtest/gtest.h>
-
-#include <filesystem>
-#include <fstream>
 #include <functional>
 #include <sstream>
 #include <stdexcept>
-#include <string>
 #include <thread>
-#include <vector>
 
 namespace {
 
-using namespace kore;
+using namespace kore_test;
 using namespace std::chrono;
+using Journal = std::vector<std::string>;
 
 // Appends "<name>:<level>:<module>:<text>:<code>:<line>" (or "<name>:write:...") to a journal.
 class CRecordingLog : public CObject, public ILog {
 public:
-    CRecordingLog(std::string name, std::vector<std::string>& journal)
-        : m_name(std::move(name)), m_journal(journal)
-    {
-    }
+    CRecordingLog(std::string name, Journal& journal) : m_name(std::move(name)), m_journal(journal) {}
     void write(const CStringArg& module, const CStringArg& record) override
     {
         m_journal.push_back(m_name + ":write:" + module->toUTF8() + ":" + record->toUTF8());
     }
     void setLevel(int32_t level) override { m_level = level; }
     int32_t getLevel() const override { return m_level; }
-    void log(int32_t level, const CStringArg& module, const CStringArg& text, int32_t code,
-             int32_t line) override
+    void log(int32_t level, const CStringArg& module, const CStringArg& text, int32_t code, int32_t line) override
     {
-        m_journal.push_back(m_name + ":" + std::to_string(level) + ":" + module->toUTF8() + ":" +
-                            text->toUTF8() + ":" + std::to_string(code) + ":" + std::to_string(line));
+        m_journal.push_back(m_name + ":" + std::to_string(level) + ":" + module->toUTF8() + ":" + text->toUTF8() +
+                            ":" + std::to_string(code) + ":" + std::to_string(line));
         if (onLog)
             onLog();
     }
@@ -47,75 +39,57 @@ public:
 
 private:
     std::string m_name;
-    std::vector<std::string>& m_journal;
+    Journal& m_journal;
     int32_t m_level = 0;
 };
 
 struct LogManagerTest : ::testing::Test {
     P<CLogManager> manager = make<CLogManager>();
-    std::vector<std::string> journal;
+    Journal journal;
     P<CRecordingLog> sink(const char* name) { return make<CRecordingLog>(name, journal); }
 };
 
-TEST_F(LogManagerTest, RecordsBelowTheThresholdReachNoSink)
-{
-    auto global = sink("g");
-    auto module = sink("m");
-    manager->addLog("", global.get());
-    manager->addLog("mod", module.get());
-    EXPECT_EQ(manager->getLevel(), 1);
-    manager->log(0, "mod", "dropped", 0, -1);
-    EXPECT_TRUE(journal.empty());
-    manager->log(1, "mod", "passes", 0, -1);
-    EXPECT_EQ(journal, (std::vector<std::string>{"m:1:mod:passes:0:-1", "g:1:mod:passes:0:-1"}));
-
-    journal.clear();
-    manager->setLevel(3);
-    manager->warning("mod", "dropped", 0);
-    manager->error("mod", "at the threshold", 5);
-    manager->write("mod", "written whatever the level");
-    EXPECT_EQ(journal, (std::vector<std::string>{
-                           "m:3:mod:at the threshold:5:-1", "g:3:mod:at the threshold:5:-1",
-                           "m:write:mod:written whatever the level",
-                           "g:write:mod:written whatever the level"}));
-}
-
-TEST_F(LogManagerTest, ModuleSinksComeFirstAndNewestFirst)
-{
-    auto a = sink("a");
-    auto b = sink("b");
-    auto g1 = sink("g1");
-    auto g2 = sink("g2");
-    manager->addLog("qor_lang::manager", a.get());
-    manager->addLog("qor_lang::manager", b.get());
-    manager->addLog("", g1.get());
-    manager->addLog("", g2.get());
-    manager->info("qor_lang::manager", "Setting Language: de-DE", 0);
-    manager->info("other", "x", 0);
-    manager->info("QOR_LANG::MANAGER", "y", 0);
-    EXPECT_EQ(journal, (std::vector<std::string>{
-                           "b:1:qor_lang::manager:Setting Language: de-DE:0:-1",
-                           "a:1:qor_lang::manager:Setting Language: de-DE:0:-1",
-                           "g2:1:qor_lang::manager:Setting Language: de-DE:0:-1",
-                           "g1:1:qor_lang::manager:Setting Language: de-DE:0:-1",
-                           "g2:1:other:x:0:-1", "g1:1:other:x:0:-1",
-                           "g2:1:QOR_LANG::MANAGER:y:0:-1", "g1:1:QOR_LANG::MANAGER:y:0:-1"}));
-}
-
-TEST_F(LogManagerTest, ShortcutsAndErrorsMapToTheirLevels)
+TEST_F(LogManagerTest, ThresholdAndLevelsOfTheShortcuts)
 {
     auto s = sink("s");
     manager->addLog("", s.get());
-    manager->setLevel(0);
-    manager->debug("m", "d", 1);
+    EXPECT_EQ(manager->getLevel(), 1);
+    manager->log(0, "m", "dropped", 0, -1);
     manager->info("m", "i", 2);
-    manager->warning("m", "w", 3);
-    manager->error("m", "e", 4);
+    manager->setLevel(3);
+    manager->warning("m", "dropped", 0);
+    manager->error("m", "at the threshold", 4);
     manager->logError("m", CError("Title", "Something failed."));
     manager->log(7, "m", "beyond error", 0, 42);
-    EXPECT_EQ(journal, (std::vector<std::string>{"s:0:m:d:1:-1", "s:1:m:i:2:-1", "s:2:m:w:3:-1",
-                                                 "s:3:m:e:4:-1", "s:3:m:Something failed.:0:-1",
-                                                 "s:7:m:beyond error:0:42"}));
+    manager->write("m", "written whatever the level");
+    manager->setLevel(0);
+    manager->debug("m", "d", 1);
+    manager->warning("m", "w", 3);
+    EXPECT_EQ(journal, (Journal{"s:1:m:i:2:-1", "s:3:m:at the threshold:4:-1", "s:3:m:Something failed.:0:-1",
+                                "s:7:m:beyond error:0:42", "s:write:m:written whatever the level", "s:0:m:d:1:-1",
+                                "s:2:m:w:3:-1"}));
+}
+
+// b, the newest module sink, throws: the others still get every record.
+TEST_F(LogManagerTest, ModuleSinksComeFirstNewestFirstAndAFailingOneStopsNone)
+{
+    auto a = sink("a");
+    auto b = sink("b");
+    auto g = sink("g");
+    auto h = sink("h");
+    b->onLog = [] { throw std::runtime_error("disk full"); };
+    manager->addLog("lang", a.get());
+    manager->addLog("lang", b.get());
+    manager->addLog("", g.get());
+    manager->addLog("", h.get());
+    EXPECT_NO_THROW(manager->info("lang", "Setting Language: de-DE", 0));
+    manager->write("lang", "raw");
+    manager->info("other", "x", 0);
+    manager->info("LANG", "y", 0);
+    EXPECT_EQ(journal, (Journal{"b:1:lang:Setting Language: de-DE:0:-1", "a:1:lang:Setting Language: de-DE:0:-1",
+                                "h:1:lang:Setting Language: de-DE:0:-1", "g:1:lang:Setting Language: de-DE:0:-1",
+                                "b:write:lang:raw", "a:write:lang:raw", "h:write:lang:raw", "g:write:lang:raw",
+                                "h:1:other:x:0:-1", "g:1:other:x:0:-1", "h:1:LANG:y:0:-1", "g:1:LANG:y:0:-1"}));
 }
 
 TEST_F(LogManagerTest, RemovalUndoesTheMostRecentRegistrationAndDropsTheReference)
@@ -125,6 +99,8 @@ TEST_F(LogManagerTest, RemovalUndoesTheMostRecentRegistrationAndDropsTheReferenc
     manager->addLog("m", s.get());
     manager->addLog("", s.get());
     EXPECT_EQ(s->getRefCount(), 4);
+    EXPECT_THROW(manager->addLog("", nullptr), CInvalidArgError);
+    EXPECT_THROW(manager->addLog("", manager.get()), CInvalidArgError) << "the manager is no sink of its own";
     EXPECT_FALSE(manager->removeLog("other", s.get()));
     EXPECT_TRUE(manager->removeLog("m", s.get()));
     manager->info("m", "t", 0);
@@ -149,8 +125,7 @@ TEST_F(LogManagerTest, SinksMayChangeTheRegistrationsWhileBeingCalled)
     manager->addLog("m", a.get());
     // a removes itself and b (not yet called), adds a module sink and logs once more.
     bool reentered = false;
-    CRecordingLog* self = a.get();
-    a->onLog = [&, self] {
+    a->onLog = [&, self = a.get()] {
         if (reentered)
             return;
         reentered = true;
@@ -162,112 +137,60 @@ TEST_F(LogManagerTest, SinksMayChangeTheRegistrationsWhileBeingCalled)
     a = nullptr; // only the manager keeps it alive now
     manager->info("m", "first", 0);
     manager->info("m", "second", 0);
-    EXPECT_EQ(journal, (std::vector<std::string>{"a:1:m:first:0:-1", "b:1:new.module:nested:0:-1",
-                                                 "c:1:m:first:0:-1", "c:1:m:second:0:-1"}));
-}
-
-class CThrowingLog : public CRecordingLog {
-public:
-    using CRecordingLog::CRecordingLog;
-    void log(int32_t, const CStringArg&, const CStringArg&, int32_t, int32_t) override
-    {
-        throw std::runtime_error("disk full");
-    }
-};
-
-TEST_F(LogManagerTest, AFailingSinkDoesNotStopTheOthers)
-{
-    auto good = sink("good");
-    auto bad = make<CThrowingLog>("bad", journal);
-    manager->addLog("", good.get());
-    manager->addLog("", bad.get());
-    EXPECT_NO_THROW(manager->info("m", "still delivered", 0));
-    EXPECT_EQ(journal, (std::vector<std::string>{"good:1:m:still delivered:0:-1"}));
-
-    EXPECT_THROW(manager->addLog("", nullptr), CInvalidArgError);
-    EXPECT_THROW(manager->addLog("", manager.get()), CInvalidArgError);
+    EXPECT_EQ(journal,
+              (Journal{"a:1:m:first:0:-1", "b:1:new.module:nested:0:-1", "c:1:m:first:0:-1", "c:1:m:second:0:-1"}));
 }
 
 TEST_F(LogManagerTest, RecordsFromManyThreadsAllArrive)
 {
     auto s = sink("s");
     manager->addLog("m", s.get());
-    std::vector<std::thread> threads;
-    for (int t = 0; t < 4; ++t) {
-        threads.emplace_back([&] {
+    std::vector<std::thread> threads(4);
+    for (auto& t : threads)
+        t = std::thread([&] {
             for (int i = 0; i < 500; ++i)
                 manager->info("m", "r", i);
         });
-    }
     for (auto& t : threads)
         t.join();
     EXPECT_EQ(journal.size(), 2000u);
 }
 
-// --- Sinks
-
-const system_clock::time_point kWhen =
-    sys_days{year{2025} / 1 / 31} + hours{14} + minutes{2} + seconds{3} + milliseconds{123};
-
 TEST(LogSink, RecordLinesAreReadable)
 {
+    const system_clock::time_point when =
+        sys_days{year{2025} / 1 / 31} + hours{14} + minutes{2} + seconds{3} + milliseconds{123};
     const auto u = [](const char* s) { return CString::fromUTF8(s); };
-    EXPECT_EQ(CLogSink::formatRecord(kWhen, 1, *u("qor_lang::manager"), *u("Setting Language: de-DE"), 0, -1),
+    EXPECT_EQ(CLogSink::formatRecord(when, 1, *u("qor_lang::manager"), *u("Setting Language: de-DE"), 0, -1),
               "2025-01-31T14:02:03.123Z INFO  [qor_lang::manager] Setting Language: de-DE\n");
-    EXPECT_EQ(CLogSink::formatRecord(kWhen, 3, *u(""), *u("Größe"), 5, 120),
+    EXPECT_EQ(CLogSink::formatRecord(when, 3, *u(""), *u("Größe"), 5, 120),
               "2025-01-31T14:02:03.123Z ERROR Größe (code 5) (line 120)\n");
-    EXPECT_EQ(CLogSink::formatRecord(kWhen, -2, *u("m"), *u("t"), 0, 0),
-              "2025-01-31T14:02:03.123Z L-2   [m] t (line 0)\n");
-    EXPECT_EQ(CLogSink::formatWrite(kWhen, *u("m"), *u("raw")), "2025-01-31T14:02:03.123Z [m] raw\n");
-}
-
-std::string readFile(const std::filesystem::path& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    std::stringstream content;
-    content << in.rdbuf();
-    return content.str();
-}
-
-// Drops everything up to the level: the time differs from run to run.
-std::vector<std::string> withoutTimes(const std::string& content)
-{
-    std::vector<std::string> lines;
-    std::istringstream in(content);
-    for (std::string line; std::getline(in, line);)
-        lines.push_back(line.substr(line.find(' ') + 1));
-    return lines;
+    EXPECT_EQ(CLogSink::formatRecord(when, -2, *u("m"), *u("t"), 0, 0), "2025-01-31T14:02:03.123Z L-2   [m] t (line 0)\n");
+    EXPECT_EQ(CLogSink::formatWrite(when, *u("m"), *u("raw")), "2025-01-31T14:02:03.123Z [m] raw\n");
 }
 
 TEST(LogSink, FileLogAppendsFiltersAndReportsWhatFails)
 {
-    const auto dir = std::filesystem::temp_directory_path() /
-                     ("qor_log_test_" + std::to_string(steady_clock::now().time_since_epoch().count()));
-    std::filesystem::create_directories(dir);
-    const auto path = dir / "app ü.log";
-    const P<IString> pathText = make<CUTF16String>(path.u16string());
+    CTempFolder temp;
+    const P<IString> path = CString::fromUTF8(temp.utf8("app ü.log"));
     {
-        auto log = make<CFileLog>(pathText, false);
+        auto log = make<CFileLog>(path, false);
         log->setLevel(2);
         log->info("m", "below the sink's level", 0);
         log->warning("m", "kept", 0);
     }
-    {
-        auto log = make<CFileLog>(pathText);
-        log->write("", "appended");
-    }
-    EXPECT_EQ(withoutTimes(readFile(path)), (std::vector<std::string>{"WARN  [m] kept", "appended"}));
+    make<CFileLog>(path)->write("", "appended");
+    // Each line without its time, which differs from run to run.
+    Journal lines;
+    std::istringstream content(temp.readFile("app ü.log"));
+    for (std::string line; std::getline(content, line);)
+        lines.push_back(line.substr(line.find(' ') + 1));
+    EXPECT_EQ(lines, (Journal{"WARN  [m] kept", "appended"}));
 
-    try {
-        CFileLog missing(make<CUTF16String>((dir / "no such dir" / "x.log").u16string()));
-        FAIL() << "opening a file in a missing folder must fail";
-    } catch (const CFileError& e) {
-        EXPECT_NE(e.getDescription()->toUTF8().find("no such dir"), std::string::npos);
-    }
-    std::filesystem::remove_all(dir);
+    const std::string error = descriptionOf<CFileError>(
+        [&] { CFileLog missing(CString::fromUTF8(temp.utf8("no such dir/x.log"))); });
+    EXPECT_NE(error.find("no such dir"), std::string::npos) << error;
 }
-
-// --- Debugger trace
 
 std::u16string traceLine(const CStringArg& file, int32_t line, const CStringArg& comment)
 {
@@ -289,8 +212,7 @@ TEST(Trace, LineFormsAndCut)
     const std::u16string cut = traceLine("f", 1, (filler + u"\U0001F600tail").c_str());
     EXPECT_EQ(cut.size(), 1022u);
     EXPECT_EQ(cut.substr(19), filler);
-    const std::u16string full = traceLine("f", 1, std::u16string(2000, u'y').c_str());
-    EXPECT_EQ(full.size(), kTraceBufferSize - 1);
+    EXPECT_EQ(traceLine("f", 1, std::u16string(2000, u'y').c_str()).size(), kTraceBufferSize - 1);
 }
 
 } // namespace

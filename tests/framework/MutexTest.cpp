@@ -1,16 +1,13 @@
+#include "FrameworkTest.h"
 #include "ChildProcess.h"
 #include "MutexTestSupport.h"
 
 #include "framework/CException.h"
-#include "framework/CString.h"
 #include "framework/IMutex.h"
 #include "framework/IMutexFactory.h"
 
-#include <gtest/gtest.h>
-
 #include <atomic>
 #include <chrono>
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <memory>
@@ -19,7 +16,6 @@
 
 namespace kore_test {
 
-using namespace kore;
 using Clock = std::chrono::steady_clock;
 namespace fs = std::filesystem;
 
@@ -56,13 +52,6 @@ fs::path fileFor(const std::string& name, const char* suffix)
 // from the system afterwards.
 class CTestName {
 public:
-    explicit CTestName(const char* what)
-    {
-        std::random_device random;
-        char suffix[20];
-        std::snprintf(suffix, sizeof(suffix), "%08x%08x", random(), random());
-        m_name = std::string("qor_test_") + what + "_" + suffix;
-    }
     ~CTestName()
     {
         removeGlobalMutexName(m_name);
@@ -73,19 +62,8 @@ public:
     const std::string& str() const { return m_name; }
 
 private:
-    std::string m_name;
+    const std::string m_name = "qor_test_" + std::to_string(std::random_device()()) + std::to_string(std::random_device()());
 };
-
-bool waitForFile(const fs::path& path)
-{
-    const auto start = Clock::now();
-    while (!fs::exists(path)) {
-        if (msSince(start) > 20000)
-            return false;
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
-    return true;
-}
 
 void expectRecursive(IMutex& mutex)
 {
@@ -104,8 +82,11 @@ void expectRecursive(IMutex& mutex)
 std::unique_ptr<CChildProcess> holdInChild(const std::string& name)
 {
     auto child = std::make_unique<CChildProcess>("MutexChild.DISABLED_HoldUntilKilled", name);
-    if (!waitForFile(fileFor(name, ".held")))
-        return nullptr;
+    for (const auto start = Clock::now(); !fs::exists(fileFor(name, ".held"));) {
+        if (msSince(start) > 20000)
+            return nullptr;
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
     return child;
 }
 
@@ -139,11 +120,10 @@ TEST(MutexChild, DISABLED_CountUnderLock)
     }
 }
 
-// --- Process-local mutex
-
-TEST(LocalMutex, TryLockOnAMutexHeldElsewhereFailsAtOnceWhateverTheTimeout)
+TEST(LocalMutex, IsRecursiveAndTryLockOnItHeldElsewhereFailsAtOnceWhateverTheTimeout)
 {
     P<IMutex> mutex = createMutexFactory()->createMutex();
+    expectRecursive(*mutex);
     mutex->lock();
     const auto start = Clock::now();
     bool got = true;
@@ -153,27 +133,13 @@ TEST(LocalMutex, TryLockOnAMutexHeldElsewhereFailsAtOnceWhateverTheTimeout)
     mutex->unlock();
 }
 
-TEST(LocalMutex, IsRecursiveForItsOwner)
+TEST(GlobalMutex, IsRecursiveAndHandlesOnOneNameShareOwnershipAndMayBeDroppedWhileHeld)
 {
-    P<IMutex> mutex = createMutexFactory()->createMutex();
-    expectRecursive(*mutex);
-}
-
-// --- Global mutex within one process
-
-TEST(GlobalMutex, IsRecursiveForItsOwner)
-{
-    CTestName name("recursive");
-    P<IMutex> mutex = globalMutex(name.str());
-    expectRecursive(*mutex);
-}
-
-TEST(GlobalMutex, HandlesOnOneNameShareOwnershipAndMayBeDroppedWhileHeld)
-{
-    CTestName name("handles");
+    CTestName name;
     P<IMutex> first = globalMutex(name.str());
+    expectRecursive(*first);
     P<IMutex> second = globalMutex(name.str());
-    CTestName other("handles_other");
+    CTestName other;
     P<IMutex> third = globalMutex(other.str());
     first->lock();
     EXPECT_FALSE(otherThreadGets(*second));
@@ -190,7 +156,7 @@ TEST(GlobalMutex, HandlesOnOneNameShareOwnershipAndMayBeDroppedWhileHeld)
 
 TEST(GlobalMutex, NamesThatDifferOnlyInEscapableCharactersAreDifferentMutexes)
 {
-    CTestName base("distinct");
+    CTestName base;
     P<IMutex> slash = globalMutex(base.str() + "/x");
     P<IMutex> escaped = globalMutex(base.str() + "%2Fx");
     CMutexLock guard(*slash);
@@ -201,7 +167,7 @@ TEST(GlobalMutex, NamesThatDifferOnlyInEscapableCharactersAreDifferentMutexes)
 
 TEST(GlobalMutex, TryLockWaitsForAReleaseWithinTheTimeout)
 {
-    CTestName name("wait");
+    CTestName name;
     P<IMutex> mutex = globalMutex(name.str());
     std::atomic<bool> held{false};
     std::thread owner([&] {
@@ -220,7 +186,7 @@ TEST(GlobalMutex, TryLockWaitsForAReleaseWithinTheTimeout)
 
 TEST(GlobalMutex, ThreadEndingWhileHoldingLeavesTheMutexToTheNextLockAndTryLock)
 {
-    CTestName name("thread_end");
+    CTestName name;
     P<IMutex> mutex = globalMutex(name.str());
     std::thread([&] {
         mutex->lock();
@@ -240,67 +206,51 @@ TEST(GlobalMutex, ThreadEndingWhileHoldingLeavesTheMutexToTheNextLockAndTryLock)
 
 TEST(GlobalMutex, RejectedNamesThrowTheCreationMessage)
 {
-    const std::u16string names[] = {
-        u"",
-        std::u16string(u"qor_test_nul\0inside", 19),
-        u"qor_test\\no\\such\\namespace",
-    };
-    for (const std::u16string& name : names) {
-        try {
-            createMutexFactory()->createGlobalMutex(
-                CStringArg(name.c_str(), static_cast<uint32_t>(name.size())));
-            ADD_FAILURE() << "accepted a name of " << name.size() << " units";
-        } catch (const CException& e) {
-            EXPECT_EQ(e.getDescription()->toU16(), u"Error createing global mutex " + name);
-        }
+    for (const std::u16string& name :
+         {std::u16string(), std::u16string(u"qor_test_nul\0inside", 19), std::u16string(u"qor_test\\no\\such\\namespace")}) {
+        const auto create = [&] {
+            createMutexFactory()->createGlobalMutex(CStringArg(name.c_str(), static_cast<uint32_t>(name.size())));
+        };
+        std::u16string description;
+        expectThrown<CException>(create, [&](const CException& e) { description = e.getDescription()->toU16(); });
+        EXPECT_EQ(description, u"Error createing global mutex " + name) << name.size() << " units";
     }
 }
 
 // --- Global mutex across processes
 
-TEST(GlobalMutex, TryLockOnAMutexHeldByAnotherProcessFailsAfterTheTimeout)
+// Held by another process, the mutex refuses a tryLock after its timeout; once that process is
+// killed, the next lock or tryLock gets it.
+TEST(GlobalMutex, AnotherProcessHoldsTheMutexUntilItIsKilled)
 {
-    CTestName name("other_process");
-    P<IMutex> mutex = globalMutex(name.str());
-    std::unique_ptr<CChildProcess> owner = holdInChild(name.str());
-    ASSERT_TRUE(owner) << "the child never took the mutex";
-    const auto start = Clock::now();
-    EXPECT_FALSE(mutex->tryLock(300));
-    const long long waited = msSince(start);
-    EXPECT_GE(waited, 250);
-    EXPECT_LT(waited, 3000);
-    EXPECT_FALSE(mutex->tryLock(0));
-}
+    for (bool byTryLock : {false, true}) {
+        SCOPED_TRACE(byTryLock ? "tryLock" : "lock");
+        CTestName name;
+        P<IMutex> mutex = globalMutex(name.str());
+        std::unique_ptr<CChildProcess> owner = holdInChild(name.str());
+        ASSERT_TRUE(owner) << "the child never took the mutex";
+        const auto start = Clock::now();
+        EXPECT_FALSE(mutex->tryLock(300));
+        const long long waited = msSince(start);
+        EXPECT_GE(waited, 250);
+        EXPECT_LT(waited, 3000);
+        EXPECT_FALSE(mutex->tryLock(0));
 
-TEST(GlobalMutex, KilledOwnerProcessLeavesTheMutexToTheNextLock)
-{
-    CTestName name("killed_lock");
-    P<IMutex> mutex = globalMutex(name.str());
-    std::unique_ptr<CChildProcess> owner = holdInChild(name.str());
-    ASSERT_TRUE(owner) << "the child never took the mutex";
-    owner->kill();
-    mutex->lock();
-    EXPECT_FALSE(otherThreadGets(*mutex));
-    mutex->unlock();
-    EXPECT_TRUE(otherThreadGets(*mutex));
-}
-
-TEST(GlobalMutex, KilledOwnerProcessLeavesTheMutexToTheNextTryLock)
-{
-    CTestName name("killed_trylock");
-    P<IMutex> mutex = globalMutex(name.str());
-    std::unique_ptr<CChildProcess> owner = holdInChild(name.str());
-    ASSERT_TRUE(owner) << "the child never took the mutex";
-    owner->kill();
-    ASSERT_TRUE(mutex->tryLock(0));
-    EXPECT_FALSE(otherThreadGets(*mutex));
-    mutex->unlock();
+        owner->kill();
+        if (byTryLock)
+            ASSERT_TRUE(mutex->tryLock(0));
+        else
+            mutex->lock();
+        EXPECT_FALSE(otherThreadGets(*mutex));
+        mutex->unlock();
+        EXPECT_TRUE(otherThreadGets(*mutex));
+    }
 }
 
 TEST(GlobalMutex, ProcessesCountingUnderTheLockLoseNoUpdate)
 {
     // The children create the mutex of a fresh name at the same moment.
-    CTestName name("counter");
+    CTestName name;
     CChildProcess first("MutexChild.DISABLED_CountUnderLock", name.str());
     CChildProcess second("MutexChild.DISABLED_CountUnderLock", name.str());
     EXPECT_EQ(first.wait(), 0);

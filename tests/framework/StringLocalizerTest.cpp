@@ -1,59 +1,45 @@
+#include "FrameworkTest.h"
+
 #include "framework/CFileNotFoundError.h"
-#include "framework/CInvalidArgError.h"
-#include "framework/CString.h"
 #include "framework/CStringLocalizer.h"
 #include "framework/LocalizedText.h"
 
-#include <gtest/gtest.h>
-
 #include <atomic>
 #include <chrono>
-#include <string>
 #include <thread>
-#include <vector>
 
 namespace {
 
-using namespace kore;
+using namespace kore_test;
 
 std::string text(const P<IString>& s)
 {
     return s ? s->toUTF8() : "<null>";
 }
 
-TEST(StringLocalizer, MissingOrEmptyTextsGiveTheDefaultUnchanged)
+TEST(StringLocalizer, TextsAreCopiesAndMissingOrEmptyOnesGiveTheDefaultUnchanged)
 {
     auto loc = make<CStringLocalizer>();
     EXPECT_EQ(text(loc->getString("kore.X.Desc", "The file '%FILE%' was not found.")),
               "The file '%FILE%' was not found.");
-
-    loc->setString("kore.X.Desc", "Die Datei '%FILE%' fehlt.");
-    EXPECT_EQ(text(loc->getString("kore.X.Desc", "default")), "Die Datei '%FILE%' fehlt.")
-        << "placeholders are left for the caller";
-    loc->setString("kore.X.Desc", "");
-    EXPECT_EQ(text(loc->getString("kore.X.Desc", "default")), "default")
-        << "an empty text cannot blank a text out";
-    EXPECT_EQ(text(loc->getString("kore.x.desc", "default")), "default") << "keys are case-sensitive";
-}
-
-TEST(StringLocalizer, KeysAndTextsAreCopiedAndHitsShareTheStoredText)
-{
-    auto loc = make<CStringLocalizer>();
-    char16_t key[] = u"app.title";
-    wchar_t value[] = L"Tütel";
+    char16_t key[] = u"kore.X.Desc";
+    wchar_t value[] = L"Die Datei '%FILE%' fehlt.";
     loc->setString(key, value);
     key[0] = u'X';
     value[0] = L'X';
-    const P<IString> first = loc->getString(u"app.title", "none");
-    EXPECT_EQ(text(first), "Tütel");
-    EXPECT_EQ(loc->getString(CString::fromUTF8("app.title"), "none"), first)
+    const P<IString> first = loc->getString(u"kore.X.Desc", "default");
+    EXPECT_EQ(text(first), "Die Datei '%FILE%' fehlt.") << "placeholders are left for the caller";
+    EXPECT_EQ(loc->getString(CString::fromUTF8("kore.X.Desc"), "default"), first)
         << "a hit returns the stored string, not a copy";
+    EXPECT_EQ(text(loc->getString("kore.x.desc", "default")), "default") << "keys are case-sensitive";
+    EXPECT_EQ(loc->getCount(), 1u);
 
     std::u16string caller = u"borrowed default";
     const P<IString> fallbackText = loc->getString("missing", caller.c_str());
     caller.assign(caller.size(), u'#');
     EXPECT_EQ(text(fallbackText), "borrowed default");
-    EXPECT_EQ(loc->getCount(), 1u);
+    loc->setString("kore.X.Desc", "");
+    EXPECT_EQ(text(loc->getString("kore.X.Desc", "default")), "default") << "an empty text cannot blank a text out";
 }
 
 TEST(StringLocalizer, FallbackAnswersOnlyWhatIsMissingHere)
@@ -94,7 +80,6 @@ protected:
 
 TEST_F(GlobalLocalizer, ErrorsBuiltAfterASetUseTheNewText)
 {
-    EXPECT_EQ(CStringLocalizer::instance(), CStringLocalizer::instance());
     const CFileNotFoundError before(nullptr);
     EXPECT_EQ(text(before.getDescription()), "The file '<uri unknown>' was not found.");
 
@@ -112,20 +97,18 @@ TEST_F(GlobalLocalizer, ErrorsBuiltAfterASetUseTheNewText)
 TEST(StringLocalizer, ConcurrentLookupsSeeTheDefaultOrATextOfTheirKey)
 {
     auto loc = make<CStringLocalizer>();
-    constexpr int kKeys = 64;
-    std::vector<std::string> keys;
-    for (int k = 0; k < kKeys; ++k)
-        keys.push_back("key." + std::to_string(k));
-
-    for (int k = 0; k < kKeys; ++k)
-        loc->setString(keys[k].c_str(), ("text " + keys[k] + " #start").c_str());
+    const auto key = [](int k) { return "key." + std::to_string(k % 64); };
+    const auto setAll = [&](const std::string& round) {
+        for (int k = 0; k < 64; ++k)
+            loc->setString(key(k).c_str(), ("text " + key(k) + " #" + round).c_str());
+    };
+    setAll("start");
     std::atomic<bool> stop{false};
     std::atomic<int> wrong{0};
     std::atomic<long> hits{0};
     std::thread writer([&] {
         for (int round = 0; !stop; ++round) {
-            for (int k = 0; k < kKeys; ++k)
-                loc->setString(keys[k].c_str(), ("text " + keys[k] + " #" + std::to_string(round)).c_str());
+            setAll(std::to_string(round));
             if (round % 3 == 2)
                 loc->clear();
         }
@@ -134,13 +117,10 @@ TEST(StringLocalizer, ConcurrentLookupsSeeTheDefaultOrATextOfTheirKey)
     for (int r = 0; r < 3; ++r) {
         readers.emplace_back([&, r] {
             for (int i = 0; i < 20000; ++i) {
-                const std::string& key = keys[(i * 7 + r) % kKeys];
-                const std::string got = loc->getString(key.c_str(), "default")->toUTF8();
-                if (got == "default")
-                    continue;
-                ++hits;
-                if (got.rfind("text " + key + " #", 0) != 0)
-                    ++wrong;
+                const std::string k = key(i * 7 + r);
+                const std::string got = loc->getString(k.c_str(), "default")->toUTF8();
+                hits += got != "default";
+                wrong += got != "default" && got.rfind("text " + k + " #", 0) != 0;
             }
         });
     }

@@ -22,13 +22,9 @@ constexpr char kParameterVariable[] = "QOR_TEST_CHILD_PARAMETER";
 
 CChildProcess::CChildProcess(const std::string& testName, const std::string& parameter)
 {
-    std::string filter = "--gtest_filter=" + testName;
-    std::vector<std::string> args = {"/proc/self/exe", "--gtest_also_run_disabled_tests",
-                                     filter, "--gtest_brief=1"};
-    std::vector<char*> argv;
-    for (std::string& a : args)
-        argv.push_back(a.data());
-    argv.push_back(nullptr);
+    std::string args[] = {"/proc/self/exe", "--gtest_also_run_disabled_tests", "--gtest_filter=" + testName,
+                          "--gtest_brief=1"};
+    char* argv[] = {args[0].data(), args[1].data(), args[2].data(), args[3].data(), nullptr};
 
     std::string variable = std::string(kParameterVariable) + "=" + parameter;
     std::vector<char*> envp;
@@ -40,7 +36,7 @@ CChildProcess::CChildProcess(const std::string& testName, const std::string& par
     envp.push_back(nullptr);
 
     pid_t pid;
-    if (posix_spawn(&pid, "/proc/self/exe", nullptr, nullptr, argv.data(), envp.data()) != 0)
+    if (posix_spawn(&pid, "/proc/self/exe", nullptr, nullptr, argv, envp.data()) != 0)
         throw std::runtime_error("cannot start child process for " + testName);
     m_process = pid;
 }

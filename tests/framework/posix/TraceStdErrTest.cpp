@@ -1,12 +1,10 @@
+#include "../FrameworkTest.h"
+
 #include "framework/Trace.h"
-
-#include <gtest/gtest.h>
-
-#include <string>
 
 namespace {
 
-using namespace kore;
+using namespace kore_test;
 
 TEST(TracePosix, GoesToStandardErrorOnlyWhileEnabled)
 {

@@ -1,5 +1,6 @@
 #include "../ChildProcess.h"
 
+#include <filesystem>
 #include <stdexcept>
 #include <vector>
 
@@ -13,12 +14,7 @@ constexpr wchar_t kParameterVariable[] = L"QOR_TEST_CHILD_PARAMETER";
 
 std::wstring widen(const std::string& utf8)
 {
-    if (utf8.empty())
-        return {};
-    int n = MultiByteToWideChar(CP_UTF8, 0, utf8.data(), static_cast<int>(utf8.size()), nullptr, 0);
-    std::wstring wide(static_cast<size_t>(n), L'\0');
-    MultiByteToWideChar(CP_UTF8, 0, utf8.data(), static_cast<int>(utf8.size()), wide.data(), n);
-    return wide;
+    return std::filesystem::path(std::u8string(utf8.begin(), utf8.end())).wstring();
 }
 
 // This process's environment without our variable, then the variable with `parameter`.
@@ -97,18 +93,10 @@ void CChildProcess::kill()
 
 std::string childParameter()
 {
-    DWORD n = GetEnvironmentVariableW(kParameterVariable, nullptr, 0);
-    if (n == 0)
-        return {};
-    std::wstring wide(n, L'\0');
-    n = GetEnvironmentVariableW(kParameterVariable, wide.data(), n);
-    wide.resize(n);
-    int bytes = WideCharToMultiByte(CP_UTF8, 0, wide.data(), static_cast<int>(wide.size()), nullptr,
-                                    0, nullptr, nullptr);
-    std::string utf8(static_cast<size_t>(bytes), '\0');
-    WideCharToMultiByte(CP_UTF8, 0, wide.data(), static_cast<int>(wide.size()), utf8.data(), bytes,
-                        nullptr, nullptr);
-    return utf8;
+    std::wstring wide(GetEnvironmentVariableW(kParameterVariable, nullptr, 0), L'\0');
+    wide.resize(GetEnvironmentVariableW(kParameterVariable, wide.data(), static_cast<DWORD>(wide.size())));
+    const std::u8string utf8 = std::filesystem::path(wide).u8string();
+    return std::string(utf8.begin(), utf8.end());
 }
 
 } // namespace kore_test

@@ -1,48 +1,17 @@
+#include "../FolderNames.h"
+#include "../FrameworkTest.h"
 #include "../TempFolder.h"
 
-#include "framework/CString.h"
 #include "framework/CURI.h"
-#include "framework/Cast.h"
-#include "framework/IFileEntry.h"
-#include "framework/IFileEnum.h"
-#include "framework/IFileSystemManager.h"
 #include "framework/IInStream.h"
 #include "framework/IStreamManager.h"
 #include "framework/ISystem.h"
-#include "framework/win32/CPathes.h"
-#include "framework/win32/CSystem.h"
-
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
 
 namespace kore_test {
-
-using namespace kore;
-
-namespace {
-
-std::vector<std::string> names(const P<IURI>& folder, const char* pattern)
-{
-    std::vector<std::string> out;
-    for (P<IFileEnum> found = IFileSystemManager::instance()->enumerate(*folder, pattern); found->hasNext();)
-        out.push_back(found->next()->getName()->toUTF8());
-    return out;
-}
-
-} // namespace
-
-TEST(Win32Services, HaveTheirWin32Classes)
-{
-    EXPECT_NE(tryCast<win32::CPathes>(IPathes::instance()), nullptr);
-    EXPECT_NE(tryCast<win32::CSystem>(ISystem::instance()), nullptr);
-}
 
 TEST(Win32Services, NativePathsAreTheWindowsForm)
 {
     EXPECT_EQ(CURI::fromLocalPath("C:/Lang/x")->getLocalPath()->toUTF8(), "C:\\Lang\\x");
-    EXPECT_EQ(CURI::fromURIText("file://server/share/x")->getLocalPath()->toUTF8(), "\\\\server\\share\\x");
 }
 
 // Names are equal whatever their case; enumeration, the existence test and opening agree.

@@ -1,0 +1,39 @@
+#pragma once
+// What most framework tests need: GoogleTest, the framework's strings, pointers and casts, and
+// checks on the error a call must throw (a call that throws nothing fails the test).
+
+#include "framework/CInvalidArgError.h"
+#include "framework/CString.h"
+#include "framework/Cast.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace kore_test {
+
+using namespace kore;
+
+// Runs `call`, which must throw an E, and hands the error to `check`.
+template <class E, class F, class Check>
+void expectThrown(F&& call, Check&& check)
+{
+    try {
+        call();
+        ADD_FAILURE() << "no error";
+    } catch (const E& e) {
+        check(e);
+    }
+}
+
+// The description of the E that `call` throws, "<no error>" when it throws none.
+template <class E, class F>
+std::string descriptionOf(F&& call)
+{
+    std::string description = "<no error>";
+    expectThrown<E>(call, [&](const E& e) { description = e.getDescription()->toUTF8(); });
+    return description;
+}
+
+} // namespace kore_test
