@@ -153,8 +153,10 @@ uint32_t CDiskStream::readAvailable(uint8_t* out, uint32_t count)
         if (m_bufferLength == 0)
             break;
     }
-    // Another writer may have made the file longer.
-    m_length = std::max(m_length, m_position);
+    // Another writer may have made the file longer; a read that found nothing (at or behind the
+    // end) says nothing about the length.
+    if (done > 0)
+        m_length = std::max(m_length, m_position);
     return done;
 }
 
