@@ -300,7 +300,7 @@ void CStringFormat::scanField(size_t& pos)
             m_alternate = true;
         else
             break;
-        // The field specification holds "%" and at most five flag characters.
+        // The rebuilt field text holds "%" and at most five flag characters.
         if (m_specLength == 6)
             tooManyFlags = true;
         else

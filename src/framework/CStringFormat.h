@@ -24,7 +24,7 @@
 // - a string cut by its precision is not padded to the width, and the zero flag pads strings with
 //   "0" on either side.
 // Floating-point numbers and ASCII characters are written by the C runtime (snprintf) from a field
-// specification rebuilt from the parsed field; the rest is written without it.
+// text ("%08.3f") rebuilt from the parsed field; the rest is written without it.
 //
 // Errors are CInvalidArgError: "CStringFormat::<operation>" as the method, and as the argument a
 // message followed by the whole format and a closing "'". A malformed field throws when it is
