@@ -2,28 +2,55 @@
 
 #include "framework/CEndOfStreamError.h"
 
+#include <algorithm>
+#include <bit>
+#include <cstring>
 #include <vector>
 
 namespace qor_lang {
 
 void CLanguageChunkReader::require(uint64_t bytes)
 {
-    const int64_t at = m_chunk.getBase() + m_chunk.getPosition();
-    const int64_t left = at < 0 || at > m_fileLength ? 0 : m_fileLength - at;
+    const int64_t left = m_at < 0 || m_at > m_fileLength ? 0 : m_fileLength - m_at;
     if (bytes > static_cast<uint64_t>(left))
         throw kore::CEndOfStreamError(m_source);
 }
 
-void CLanguageChunkReader::readExactly(void* buffer, uint64_t bytes)
+void CLanguageChunkReader::readThrough(uint8_t* out, uint64_t bytes)
 {
-    require(bytes);
-    auto* out = static_cast<uint8_t*>(buffer);
+    m_chunk.setPosition(m_at - m_chunk.getBase());
     // Single reads move at most 2^31 - 1 bytes.
     while (bytes > 0) {
         const uint32_t piece = bytes > 0x40000000u ? 0x40000000u : static_cast<uint32_t>(bytes);
         m_chunk.read(out, static_cast<int32_t>(piece));
         out += piece;
         bytes -= piece;
+    }
+}
+
+void CLanguageChunkReader::readExactly(void* buffer, uint64_t bytes)
+{
+    require(bytes);
+    auto* out = static_cast<uint8_t*>(buffer);
+    while (bytes > 0) {
+        if (m_next == m_block.size()) {
+            if (bytes >= kBlockSize) {
+                readThrough(out, bytes); // a large value goes straight to its place
+                m_at += static_cast<int64_t>(bytes);
+                return;
+            }
+            // Never beyond the file's end: require() has checked that `bytes` are there.
+            const auto block = static_cast<size_t>(std::min<int64_t>(kBlockSize, m_fileLength - m_at));
+            m_block.resize(block);
+            readThrough(m_block.data(), block);
+            m_next = 0;
+        }
+        const size_t n = static_cast<size_t>(std::min<uint64_t>(bytes, m_block.size() - m_next));
+        std::memcpy(out, m_block.data() + m_next, n);
+        m_next += n;
+        m_at += static_cast<int64_t>(n);
+        out += n;
+        bytes -= n;
     }
 }
 
@@ -41,12 +68,14 @@ CountedString CLanguageChunkReader::readCountedString()
     if (units == 0)
         return std::nullopt;
     require(2ull * units);
-    std::vector<uint8_t> bytes(2ull * units);
-    readExactly(bytes.data(), 2ull * units);
-    std::u16string text(units - 1, u'\0');
+    std::u16string text(units, u'\0');
+    readExactly(text.data(), 2ull * units);
+    if constexpr (std::endian::native == std::endian::big) {
+        for (char16_t& c : text)
+            c = static_cast<char16_t>((c >> 8) | (c << 8)); // the file's units are little-endian
+    }
     // The last unit is the terminator whatever the file holds there.
-    for (uint32_t i = 0; i + 1 < units; ++i)
-        text[i] = static_cast<char16_t>(bytes[2 * i] | bytes[2 * i + 1] << 8);
+    text.pop_back();
     return text;
 }
 
