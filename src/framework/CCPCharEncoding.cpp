@@ -89,7 +89,7 @@ uint32_t CCPCharEncoding::getCharOffset(const uint8_t*, uint32_t len, uint32_t n
 
 // One byte is one character: multibyte code pages are deliberately not decoded as such.
 uint32_t CCPCharEncoding::decodeCharStrict(uint32_t& out, const uint8_t* buf, uint32_t len,
-                                 uint32_t off) const
+                                           uint32_t off) const
 {
     return decodeStrict(out, buf, len, off);
 }

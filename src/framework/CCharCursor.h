@@ -19,52 +19,50 @@ public:
 
     bool next(uint32_t& cp)
     {
-        if (m_index == m_count) {
-            if (m_done)
-                return false;
-            m_off = m_enc->decodeChars(m_block, kBlock, m_count, m_buf, m_len, m_off, nullptr);
-            m_index = 0;
-            m_done = m_count < kBlock;
-            if (m_count == 0)
-                return false;
-        }
-        cp = m_block[m_index++];
-        return true;
+        return take(cp, [this] {
+            return m_enc->decodeChars(m_block, kBlock, m_count, m_buf, m_len, m_off, nullptr);
+        });
     }
 
-    // Backwards from the end (or from byte offset `end`); call only on a fresh cursor.
+    // Backwards from the end; call only on a fresh cursor.
     bool prev(uint32_t& cp)
     {
         if (!m_backwards) {
             m_backwards = true;
-            m_off = m_end == ICharEncoding::kFail ? m_len : m_end;
+            m_off = m_len;
         }
-        if (m_index == m_count) {
-            if (m_done)
-                return false;
-            m_off = m_enc->decodePrevChars(m_block, kBlock, m_count, m_buf, m_len, m_off, nullptr);
-            m_index = 0;
-            m_done = m_count < kBlock;
-            if (m_count == 0)
-                return false;
-        }
-        cp = m_block[m_index++];
-        return true;
+        return take(cp, [this] {
+            return m_enc->decodePrevChars(m_block, kBlock, m_count, m_buf, m_len, m_off, nullptr);
+        });
     }
-
-    void setBackwardEnd(uint32_t end) { m_end = end; }
 
 private:
     const uint8_t* m_buf;
     uint32_t m_len;
     const ICharEncoding* m_enc;
     uint32_t m_off;
-    uint32_t m_end = ICharEncoding::kFail;
     uint32_t m_block[kBlock];
     uint32_t m_count = 0;
     uint32_t m_index = 0;
     bool m_done = false;
     bool m_backwards = false;
+
+    // The next code point of the block, refilling it through `decodeBlock` when it is used up.
+    template <class DecodeBlock>
+    bool take(uint32_t& cp, const DecodeBlock& decodeBlock)
+    {
+        if (m_index == m_count) {
+            if (m_done)
+                return false;
+            m_off = decodeBlock();
+            m_index = 0;
+            m_done = m_count < kBlock;
+            if (m_count == 0)
+                return false;
+        }
+        cp = m_block[m_index++];
+        return true;
+    }
 };
 
 } // namespace kore

@@ -55,7 +55,7 @@ uint32_t CLatin1CharEncoding::getTerminatedLength(const uint8_t* buf) const
 }
 
 uint32_t CLatin1CharEncoding::decodeCharStrict(uint32_t& out, const uint8_t* buf, uint32_t len,
-                                 uint32_t off) const
+                                               uint32_t off) const
 {
     return decodeStrict(out, buf, len, off);
 }
