@@ -29,6 +29,10 @@ public:
     // the end of the underlying stream, so that no file can make a walk run away.
     bool nextChunk();
     uint32_t getChunkId() const noexcept { return m_currentId; }
+    // The current chunk's data size, and the offset of its header relative to this stream's base;
+    // after the end of the sequence, the offset where the walk stopped.
+    int64_t getChunkSize() const noexcept { return m_currentSize; }
+    int64_t getChunkOffset() const noexcept { return m_currentOffset; }
     // Search forward from the current chunk (exclusive).
     bool findChunk(uint32_t id);
     bool findFirstChunk(uint32_t id);

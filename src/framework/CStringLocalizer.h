@@ -1,15 +1,22 @@
 #pragma once
 // The process's string localizer (one per process, from the global object factory). Keys compare
-// exactly (case and every character count). A key whose text is empty counts as missing, so a
-// language file cannot blank a text out: the default (or the fallback's text) shows instead.
-// Every operation runs under the localizer's own mutex, so look-ups may run while a language is
-// being loaded; a look-up sees either the old or the new text of a key.
+// exactly, unit for unit. A key whose text is empty counts as missing, so a language file cannot
+// blank a text out: the default (or the fallback's text) shows instead.
+//
+// Look-ups take no lock and write no shared memory: the content is one immutable object that
+// readers reach through an atomic pointer, counting themselves in per-thread reader slots. A
+// change builds a new content, swaps it in, waits until no reader can hold the old one and frees
+// it; changes are serialised by a mutex that readers never touch. So a look-up sees the old or
+// the new text of a key, never a torn or freed one, and a language switch costs readers nothing.
 
 #include "framework/CObject.h"
-#include "framework/CValueList.h"
+#include "framework/CReaderSlots.h"
 #include "framework/IMutex.h"
 #include "framework/IStringLocalizer.h"
 #include "framework/P.h"
+
+#include <atomic>
+#include <memory>
 
 namespace kore {
 
@@ -26,21 +33,25 @@ public:
     void clear() override;
     // Throws CInvalidArgError when `fallback` is this localizer (every miss would recurse).
     void setFallback(IStringLocalizer* fallback) override;
+    // Meant for a few framework texts, not for loading languages (setTexts): the keys set this
+    // way live in a few tables that are merged as they grow, so each key is copied a logarithmic
+    // number of times. Dropped, like everything else, by setTexts and clear.
     void setString(const CStringArg& key, const CStringArg& text) override;
-    // A hit returns the stored string itself (strings are immutable); a miss copies the default.
+    // The answer is a new string (a copy of the text or of the default).
     P<IString> getString(const CStringArg& key, const CStringArg& defaultText) const override;
-
-    // Makes `table` (keys to string values, built apart from the localizer) its whole content in
-    // one step: a look-up sees either every old text or every new one, never neither.
-    void replaceStrings(P<CValueList> table);
-
-    // Number of keys held (empty texts included).
-    uint32_t getCount() const;
+    void setTexts(const std::vector<P<CTextTable>>& tables) override;
+    char16_t* copyString(const char16_t* key, const char16_t* defaultText, TextCopier copy) const override;
 
 private:
-    P<CValueList> m_table;
-    P<IStringLocalizer> m_fallback;
-    P<IMutex> m_mutex;
+    struct CContent;
+
+    // Swaps `next` in and frees the old content once no reader holds it. Under m_writeLock.
+    void publish(std::unique_ptr<const CContent> next);
+
+    // Written only under m_writeLock; read by anyone inside a reader scope of m_readers.
+    std::atomic<const CContent*> m_content;
+    mutable CReaderSlots m_readers;
+    P<IMutex> m_writeLock;
 };
 
 } // namespace kore

@@ -6,6 +6,8 @@
 #include "framework/CString.h"
 #include "framework/CURI.h"
 #include "framework/IStreamManager.h"
+#include "qor_lang_manager/CStringTableReader.h"
+#include "qor_lang_manager/LanguageChunks.h"
 
 #include <cstring>
 #include <exception>
@@ -156,41 +158,40 @@ void CLanguageFile::load(chf::IStream& stream)
     m_appString2 = toFrameworkString(doc.appString2);
 }
 
-void CLanguageFile::readStringTable(CLanguageStringTable& table) const
-{
-    chf::TChunkRef<chf::IStream> stream = openForReading(*m_source);
-    readStringTable(*stream, m_source.get(), table);
-}
+namespace {
 
-void CLanguageFile::readStringTable(chf::IStream& stream, const kore::IURI* source,
-                                    CLanguageStringTable& table)
+// Opens the container, reads (and so checks) the descriptive chunks as a scan does, then hands
+// the string table's reader to `read`.
+template <class F>
+auto withStringTable(chf::IStream& stream, const kore::IURI* source, const F& read)
 {
     const int64_t fileLength = stream.getLength();
     chf::TChunkRef<chf::CChunkFile> file = openContainer(stream);
-    // The descriptive chunks are read (and checked) the same way as at construction.
     CDocumentReader(*file, fileLength, source).read();
+    CStringTableReader reader(stream, *file, fileLength);
+    return read(reader);
+}
 
-    file->rewind();
-    while (file->findChunk(kChunkStmp)) {
-        chf::TChunkRef<chf::CChunkIterator> stmp(file->openChunkIterator());
-        if (!stmp->findFirstChunk(kChunkData))
-            continue;
-        chf::TChunkRef<chf::CChunkStream> data(stmp->openChunkStream());
-        CLanguageChunkReader reader(*data, fileLength, source);
-        table.clear();
-        const uint32_t entries = reader.readUInt32();
-        // An entry is at least its value and four counts.
-        reader.require(20ull * entries);
-        for (uint32_t i = 0; i < entries; ++i) {
-            CLanguageStringEntry entry;
-            entry.value = reader.readUInt32();
-            entry.key = reader.readCountedString();
-            entry.text = reader.readCountedString();
-            entry.third = reader.readCountedString();
-            entry.fourth = reader.readCountedString();
-            table.insert(std::move(entry));
-        }
-    }
+} // namespace
+
+kore::P<kore::CTextTable> CLanguageFile::readTexts() const
+{
+    chf::TChunkRef<chf::IStream> stream = openForReading(*m_source);
+    return readTexts(*stream, m_source.get());
+}
+
+kore::P<kore::CTextTable> CLanguageFile::readTexts(chf::IStream& stream, const kore::IURI* source)
+{
+    return withStringTable(stream, source, [](CStringTableReader& reader) { return reader.readTexts(); });
+}
+
+void CLanguageFile::readEntries(chf::IStream& stream, const kore::IURI* source,
+                                const std::function<void(const std::u16string&, const std::u16string&)>& visit)
+{
+    withStringTable(stream, source, [&](CStringTableReader& reader) {
+        reader.readEntries(visit);
+        return 0;
+    });
 }
 
 } // namespace qor_lang

@@ -2,15 +2,18 @@
 // One language file (".qorlang") in memory: which language it is, for which application, who
 // wrote it, a comment. Built from the file's location; reads the descriptive chunks once, in the
 // constructor, and never changes afterwards. The string entries are read on demand
-// (readStringTable), when a pack loads the language.
+// (readTexts), when a pack loads the language.
 
 #include "chunk_file/IStream.h"
 #include "framework/CObject.h"
+#include "framework/CTextTable.h"
 #include "framework/IString.h"
 #include "framework/IURI.h"
 #include "framework/P.h"
-#include "qor_lang_manager/CLanguageStringTable.h"
 #include "qor_lang_manager/LanguageId.h"
+
+#include <functional>
+#include <string>
 
 namespace qor_lang {
 
@@ -34,12 +37,15 @@ public:
     kore::P<kore::IString> getNativeSubName() const { return m_nativeSubName; }
     kore::P<kore::IString> getComment() const { return m_comment; }
 
-    // Reads the entries of the "data" chunk of each top-level "STMP" chunk into `table`; a later
-    // "data" chunk replaces what an earlier one gave. Reopens the file at the source location.
-    void readStringTable(CLanguageStringTable& table) const;
+    // The texts of the file's string table by key, each key answered as the table's order makes
+    // it answer. Reopens the file at the source location. Throws like the constructor, and
+    // kore::CError naming the place for a file cut short.
+    kore::P<kore::CTextTable> readTexts() const;
     // The same from an open stream positioned at the container's header.
-    static void readStringTable(chf::IStream& stream, const kore::IURI* source,
-                                CLanguageStringTable& table);
+    static kore::P<kore::CTextTable> readTexts(chf::IStream& stream, const kore::IURI* source);
+    // Every string entry's key and text in file order, duplicates included (for tools).
+    static void readEntries(chf::IStream& stream, const kore::IURI* source,
+                            const std::function<void(const std::u16string& key, const std::u16string& text)>& visit);
 
 private:
     void load(chf::IStream& stream);

@@ -7,8 +7,6 @@
 #include "framework/CString.h"
 #include "framework/CStringFormat.h"
 #include "framework/CStringLocalizer.h"
-#include "framework/CValueList.h"
-#include "framework/Cast.h"
 #include "framework/IFileEntry.h"
 #include "framework/IFileEnum.h"
 #include "framework/IFileSystemManager.h"
@@ -68,23 +66,15 @@ bool CLanguageManager::setCurrentLanguage(const LanguageId& language)
                                        -1);
     m_current = language;
     // Every pack reads its file first. Texts of the previous language must not show through keys
-    // the new one lacks, so the new texts (packs in map order, each in its own order, a later
-    // text of a key replacing an earlier one) replace the localizer's whole content in one step,
-    // and a look-up meanwhile sees the old or the new text. When no folder has a readable file
-    // for the language, the current texts stay.
-    P<kore::CValueList> texts;
-    for (auto& [id, pack] : m_packs) {
-        std::unique_ptr<CLanguageStringTable> table = pack->readLanguage(language);
-        if (!table)
-            continue;
-        if (!texts)
-            texts = kore::make<kore::CValueList>();
-        CLanguagePack::forEachString(*table, [&](const kore::CStringArg& key, const kore::CStringArg& text) {
-            texts->set(key, kore::CValueList::copyText(text.get()));
-        });
-    }
-    if (texts)
-        kore::cast<kore::CStringLocalizer>(kore::CStringLocalizer::instance())->replaceStrings(texts);
+    // the new one lacks, so the new texts (a later pack's text of a key answering before an
+    // earlier one's) replace the localizer's whole content in one step, and a look-up meanwhile
+    // sees the old or the new text. When no folder has a readable file for the language, the
+    // current texts stay.
+    std::vector<P<kore::CTextTable>> texts;
+    for (auto& [id, pack] : m_packs)
+        pack->setLanguage(tag.c_str(), texts);
+    if (!texts.empty())
+        kore::CStringLocalizer::instance()->setTexts(texts);
     if (kore::isTraceEnabled())
         kore::debugTrace("CLanguageManager.cpp", kTraceLine, tag.c_str());
     // A copy: a listener may remove itself while being told.

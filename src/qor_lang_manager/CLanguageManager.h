@@ -35,8 +35,9 @@ public:
     // Makes every pack forget its files.
     void reload();
     // Logs the change, stores the language, has every pack read its file for it and, when at
-    // least one could, empties the string localizer and hands it the new texts (packs in map
-    // order); then traces and tells the listeners. The caller has checked that the id is valid.
+    // least one could, makes their texts the string localizer's whole content (of two packs with
+    // one key, the later in map order answers); then traces and tells the listeners. The caller
+    // has checked that the id is valid.
     bool setCurrentLanguage(const LanguageId& language);
     LanguageId getCurrentLanguage() const { return m_current; }
     int32_t getLanguageCount(const kore::CStringArg& appId);

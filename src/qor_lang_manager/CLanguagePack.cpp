@@ -7,7 +7,6 @@
 #include "framework/CLogManager.h"
 #include "framework/CString.h"
 #include "framework/CStringFormat.h"
-#include "framework/CStringLocalizer.h"
 #include "framework/IFileEntry.h"
 #include "framework/IFileEnum.h"
 #include "framework/IFileSystemManager.h"
@@ -33,10 +32,12 @@ P<kore::IString> CLanguagePack::fileName(const kore::CStringArg& appId, const ko
     return kore::formatString("%s-%s.qorlang", appId.get(), tag.get())->replaceAll("--", "-");
 }
 
-void CLanguagePack::reportLoadError(const kore::IString& name)
+void CLanguagePack::reportLoadError(const kore::IString& name, const kore::IString* cause)
 {
     P<kore::CLogManager> log = kore::CLogManager::instance();
     log->log(kErrorLevel, kLogModule, *kore::formatString("error while loading '%s'", name), 0, -1);
+    if (cause && cause->getLength() != 0)
+        log->log(kErrorLevel, kLogModule, *kore::formatString("'%s': %s", name, *cause), 0, -1);
 }
 
 void CLanguagePack::scanIfEmpty()
@@ -56,8 +57,10 @@ void CLanguagePack::scanIfEmpty()
             continue;
         try {
             m_files.push_back(kore::make<CLanguageFile>(*entry->getURI()));
+        } catch (const kore::CException& e) {
+            reportLoadError(*entry->getName(), e.getDescription().get());
         } catch (...) {
-            reportLoadError(*entry->getName());
+            reportLoadError(*entry->getName(), nullptr);
         }
     }
 }
@@ -89,46 +92,22 @@ P<kore::IURI> CLanguagePack::languageFileURI(const kore::IString& name) const
     return kore::ISystem::instance()->fileExists(*uri) ? uri : nullptr;
 }
 
-std::unique_ptr<CLanguageStringTable> CLanguagePack::readLanguage(const LanguageId& language) const
+int32_t CLanguagePack::setLanguage(const kore::CStringArg& tag, std::vector<P<kore::CTextTable>>& texts)
 {
-    P<kore::IString> name = fileName(*m_appId, language.getTag().c_str());
+    P<kore::IString> name = fileName(*m_appId, tag);
     try {
         P<kore::IURI> uri = languageFileURI(*name);
         if (!uri)
-            return nullptr;
-        auto table = std::make_unique<CLanguageStringTable>();
+            return 0;
         chf::TChunkRef<chf::IStream> stream(new chf::CKoreFileStream(*uri, kore::IStreamManager::kRead));
-        CLanguageFile::readStringTable(*stream, uri.get(), *table);
-        return table;
+        texts.push_back(CLanguageFile::readTexts(*stream, uri.get()));
+        return 1;
+    } catch (const kore::CException& e) {
+        reportLoadError(*name, e.getDescription().get());
     } catch (...) {
-        reportLoadError(*name);
-        return nullptr;
+        reportLoadError(*name, nullptr);
     }
-}
-
-void CLanguagePack::forEachString(
-    const CLanguageStringTable& table,
-    const std::function<void(const kore::CStringArg&, const kore::CStringArg&)>& visit)
-{
-    table.forEach([&](const CLanguageStringEntry& entry) {
-        static const std::u16string kAbsent;
-        const std::u16string& key = entry.key ? *entry.key : kAbsent;
-        const std::u16string& text = entry.text ? *entry.text : kAbsent;
-        visit(kore::CStringArg(key.data(), static_cast<uint32_t>(key.size())),
-              kore::CStringArg(text.data(), static_cast<uint32_t>(text.size())));
-    });
-}
-
-int32_t CLanguagePack::setLanguage(const LanguageId& language)
-{
-    std::unique_ptr<CLanguageStringTable> table = readLanguage(language);
-    if (!table)
-        return 0;
-    P<kore::IStringLocalizer> localizer = kore::CStringLocalizer::instance();
-    forEachString(*table, [&](const kore::CStringArg& key, const kore::CStringArg& text) {
-        localizer->setString(key, text);
-    });
-    return 1;
+    return 0;
 }
 
 } // namespace qor_lang

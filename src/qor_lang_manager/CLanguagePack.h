@@ -1,18 +1,17 @@
 #pragma once
 // The language files of one application id in one folder. Lists them lazily (the first query
 // scans the folder; an empty list is scanned again at every query), hands them out by index in
-// folder order, forgets them on reload, and loads the strings of one language into the
+// folder order, forgets them on reload, and reads the texts of one language for the
 // process-wide string localizer.
 
 #include "framework/CObject.h"
 #include "framework/IString.h"
 #include "framework/IURI.h"
+#include "framework/CTextTable.h"
 #include "framework/P.h"
 #include "qor_lang_manager/CLanguageFile.h"
 #include "qor_lang_manager/LanguageId.h"
 
-#include <functional>
-#include <memory>
 #include <vector>
 
 namespace qor_lang {
@@ -29,16 +28,11 @@ public:
     kore::P<CLanguageFile> file(int32_t index);
     // Releases every file; files held elsewhere (handles) stay alive.
     void reload();
-    // Loads the strings of the file for `language` into the string localizer: 1 when a file was
-    // loaded, 0 when there is none or it could not be read (the localizer is then unchanged:
-    // the whole table is read before the first text is handed over).
-    int32_t setLanguage(const LanguageId& language);
-    // The two halves of setLanguage. Reading gives null when there is no file or it cannot be
-    // read (reported to the log); visiting gives every entry's key and text in the order in which
-    // they reach the localizer (bucket by bucket, each chain from its head).
-    std::unique_ptr<CLanguageStringTable> readLanguage(const LanguageId& language) const;
-    static void forEachString(const CLanguageStringTable& table,
-                              const std::function<void(const kore::CStringArg&, const kore::CStringArg&)>& visit);
+    // Reads the texts of its file for the language of tag `tag` and appends them to `texts`: 1
+    // when the file exists and could be read, 0 otherwise (nothing appended; a file that cannot
+    // be read is reported to the log with its cause). The manager hands the texts of every pack
+    // to the string localizer in one step.
+    int32_t setLanguage(const kore::CStringArg& tag, std::vector<kore::P<kore::CTextTable>>& texts);
 
     // The file name of `appId` for `tag`: appId + "-" + tag + ".qorlang", then every "--"
     // replaced by "-" in one pass.
@@ -50,7 +44,8 @@ public:
 private:
     kore::P<kore::IURI> languageFileURI(const kore::IString& name) const;
     void scanIfEmpty();
-    static void reportLoadError(const kore::IString& name);
+    // "error while loading '<name>'", and the cause in a second record when there is one.
+    static void reportLoadError(const kore::IString& name, const kore::IString* cause);
 
     kore::P<kore::IURI> m_folder;
     kore::P<kore::IString> m_appId;

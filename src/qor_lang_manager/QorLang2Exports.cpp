@@ -7,7 +7,6 @@
 #include "framework/CString.h"
 #include "framework/CStringLocalizer.h"
 #include "framework/CURI.h"
-#include "framework/CUTF16CharEncoding.h"
 #include "framework/Cast.h"
 #include "framework/ICharEncoding.h"
 #include "framework/IPathes.h"
@@ -53,6 +52,12 @@ QOR_LANG2_CHAR* copyOut(const void* text, size_t length)
     return buffer;
 }
 
+// copyOut in the framework's terms, for answers copied straight out of the localizer.
+char16_t* copyUnits(const void* text, size_t length)
+{
+    return reinterpret_cast<char16_t*>(copyOut(text, length));
+}
+
 QOR_LANG2_CHAR* copyOut(const std::u16string& text)
 {
     return copyOut(text.data(), text.size());
@@ -62,9 +67,7 @@ QOR_LANG2_CHAR* copyOut(const kore::IString& text)
 {
     // UTF-16 text (the host's own and the language files') is copied unit for unit: decoding
     // would drop unpaired surrogates, which Windows strings may hold.
-    if (text.getEncoding()->getId() == kore::CUTF16CharEncoding::kId)
-        return copyOut(text.getBuffer(), text.getByteLength() / sizeof(char16_t));
-    return copyOut(text.toU16());
+    return reinterpret_cast<QOR_LANG2_CHAR*>(kore::copyUTF16(text, &copyUnits));
 }
 
 // The language file a handle holds, through the framework's checked cast; null otherwise.
@@ -226,9 +229,11 @@ QOR_LANG2_API QOR_LANG2_CHAR* QOR_LANG2_getLocalString(const QOR_LANG2_CHAR* key
                                                        const QOR_LANG2_CHAR* defaultText)
 {
     try {
-        P<kore::IStringLocalizer> localizer = kore::CStringLocalizer::instance();
-        P<kore::IString> text = localizer->getString(arg(key), arg(defaultText));
-        return copyOut(*text);
+        // The hot path: no reference taken on the localizer (the factory keeps it until unload,
+        // and a call racing the unload is the host's error anyway), no framework strings built,
+        // the key hashed straight from the host's buffer and the answer copied once.
+        return reinterpret_cast<QOR_LANG2_CHAR*>(kore::CStringLocalizer::instance()->copyString(
+            reinterpret_cast<const char16_t*>(key), reinterpret_cast<const char16_t*>(defaultText), &copyUnits));
     } catch (...) {
         return nullptr;
     }

@@ -102,4 +102,29 @@ TEST_F(LanguageManagerTest, SwitchingLanguagesDoesNotMixTheirTexts)
     EXPECT_EQ(localized("both"), "les deux") << "no readable file: the texts stay";
 }
 
+// All packs feed one localizer; of two packs with one key, the later in the map's order (the
+// application ids' own order, not the order of adding) answers, even with an empty text.
+TEST_F(LanguageManagerTest, TheLaterPackInIdOrderAnswersAKeyTwoPacksShare)
+{
+    const std::pair<const char*, std::vector<std::pair<std::u16string, std::u16string>>> packs[] = {
+        {"b", {{u"shared", u"from b"}, {u"blank", u"from b"}, {u"only.b", u"b"}}},
+        {"a", {{u"shared", u"from a"}, {u"blank", u"from a"}, {u"only.a", u"a"}}},
+        {"c", {{u"blank", u""}}},
+    };
+    for (const auto& [id, strings] : packs) {
+        folder.makeFolder(id);
+        CLanguageFileWriter writer;
+        writer.setLanguage(u"de-DE", u"", u"");
+        for (const auto& [key, text] : strings)
+            writer.addString(key, text);
+        writeBytes(folder, std::string(id) + "/" + id + "-de-DE.qorlang", written(writer));
+        manager->add(folder.uri(id), id);
+    }
+    manager->setCurrentLanguage(tag(u"de-DE"));
+    EXPECT_EQ(localized("shared"), "from b");
+    EXPECT_EQ(localized("blank"), "-") << "c's empty text replaces the others";
+    EXPECT_EQ(localized("only.a"), "a");
+    EXPECT_EQ(localized("only.b"), "b");
+}
+
 } // namespace

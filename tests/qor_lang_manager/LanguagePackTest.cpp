@@ -12,7 +12,6 @@ namespace {
 using namespace lang_test;
 using qor_lang::CLanguageFileWriter;
 using qor_lang::CLanguagePack;
-using qor_lang::LanguageId;
 
 struct LanguagePackTest : ::testing::Test {
     kore_test::CTempFolder folder;
@@ -61,7 +60,7 @@ TEST_F(LanguagePackTest, ListsFilesStartingWithItsIdInFolderOrder)
     EXPECT_TRUE(log.records().empty());
 }
 
-TEST_F(LanguagePackTest, SetLanguageLoadsTheFileOfItsNameOrLeavesTheLocalizer)
+TEST_F(LanguagePackTest, SetLanguageReadsTheFileOfItsName)
 {
     EXPECT_EQ(utf8(CLanguagePack::fileName("A", "de-DE")), "A-de-DE.qorlang");
     EXPECT_EQ(utf8(CLanguagePack::fileName("A", "")), "A-.qorlang");
@@ -70,36 +69,24 @@ TEST_F(LanguagePackTest, SetLanguageLoadsTheFileOfItsNameOrLeavesTheLocalizer)
     EXPECT_EQ(utf8(CLanguagePack::fileName("A--", "de-DE")), "A--de-DE.qorlang");
 
     writeLanguage("A-.qorlang", u"", {{u"k", u"no tag"}});
-    kore::CStringLocalizer::instance()->setString("other", "kept");
-    EXPECT_EQ(pack()->setLanguage(LanguageId()), 1) << "the default id has the empty tag";
-    EXPECT_EQ(localized("k"), "no tag");
-    EXPECT_EQ(localized("other"), "kept") << "the pack only sets strings";
-    EXPECT_EQ(pack()->setLanguage(tag(u"fr-FR")), 0);
-    EXPECT_EQ(localized("k"), "no tag");
+    std::vector<kore::P<kore::CTextTable>> texts;
+    EXPECT_EQ(pack()->setLanguage(u"", texts), 1) << "the default id has the empty tag";
+    ASSERT_EQ(texts.size(), 1u);
+    EXPECT_EQ(contentOf(*texts[0]), (Texts{{u"k", u"no tag"}}));
+    EXPECT_EQ(pack()->setLanguage(u"fr-FR", texts), 0);
+    EXPECT_EQ(texts.size(), 1u) << "no file, nothing added";
     EXPECT_TRUE(log.records().empty()) << "a missing file is no error";
 
     writeLanguage("A--de-DE.qorlang", u"de-DE", {{u"k", u"double"}});
     const auto dashed = pack("A--");
     EXPECT_EQ(dashed->count(), 1);
-    EXPECT_EQ(dashed->setLanguage(tag(u"de-DE")), 1) << "a listed file can be set";
-    EXPECT_EQ(localized("k"), "double");
-}
-
-TEST_F(LanguagePackTest, OfTwoEntriesWithOneKeyTheOneVisitedLastWins)
-{
-    writeLanguage("A-de-DE.qorlang", u"de-DE", {{u"dup", u"first"}, {u"dup", u"second"}});
-    writeLanguage("A-fr-FR.qorlang", u"fr-FR", {{u"dup", u"first"}, {u"dup", u"second"}}, 799);
-    const auto p = pack();
-    ASSERT_EQ(p->setLanguage(tag(u"de-DE")), 1);
-    EXPECT_EQ(localized("dup"), "first") << "head insertion visits the later entry first";
-    ASSERT_EQ(p->setLanguage(tag(u"fr-FR")), 1);
-    EXPECT_EQ(localized("dup"), "second") << "one doubling after both turns the order round";
+    EXPECT_EQ(dashed->setLanguage(u"de-DE", texts), 1) << "a listed file can be set";
+    EXPECT_EQ(contentOf(*texts.back()), (Texts{{u"k", u"double"}}));
 }
 
 TEST_F(LanguagePackTest, BrokenFilesAreReportedAndSkipped)
 {
     writeLanguage("A-de-DE.qorlang", u"de-DE", {{u"k", u"Deutsch"}});
-    writeLanguage("A-en-US.qorlang", u"en-US", {{u"k", u"English"}});
 
     CLanguageFileWriter writer;
     writer.setLanguage(u"it-IT", u"italiano", u"");
@@ -114,29 +101,71 @@ TEST_F(LanguagePackTest, BrokenFilesAreReportedAndSkipped)
     writeBytes(folder, "A-cut-lang.qorlang", Bytes(good.begin(), good.begin() + 16 + 12 + 5));
     writeBytes(folder, "A-huge-count.qorlang", container(lang + chunk("xdid", u32(0xFFFFFFFF))));
     writeBytes(folder, "A-huge-string.qorlang", container(chunk("lang", u32(0xFFFFFFFF))));
-    // Constructs (the walk just ends at the wrapping size) but its strings cannot be read.
+    // Constructs (the walk just ends at the wrapping size): it has no strings, which is no damage.
     writeBytes(folder, "A-pt-BR.qorlang", container(lang + chunk("junk", ~0ull - 11, Bytes{})));
     writeBytes(folder, "A-it-IT.qorlang", Bytes(good.begin(), good.end() - 3));
 
     const auto p = pack();
-    EXPECT_EQ(tags(*p), (std::vector<std::u16string>{u"de-DE", u"en-US", u"it-IT", u"pt-BR"}));
-    EXPECT_EQ(log.records(), (std::vector<std::string>{
-                                 "3:error while loading 'A-bad-magic.qorlang'",
-                                 "3:error while loading 'A-cut-header.qorlang'",
-                                 "3:error while loading 'A-cut-lang.qorlang'",
-                                 "3:error while loading 'A-empty.qorlang'",
-                                 "3:error while loading 'A-huge-count.qorlang'",
-                                 "3:error while loading 'A-huge-string.qorlang'"}));
+    EXPECT_EQ(tags(*p), (std::vector<std::u16string>{u"de-DE", u"it-IT", u"pt-BR"}));
+    std::vector<std::string> reported;
+    for (const std::string& record : log.records()) {
+        if (record.rfind("3:error while loading '", 0) == 0)
+            reported.push_back(record.substr(23, record.size() - 24));
+    }
+    EXPECT_EQ(reported, (std::vector<std::string>{"A-bad-magic.qorlang", "A-cut-header.qorlang", "A-cut-lang.qorlang",
+                                                  "A-empty.qorlang", "A-huge-count.qorlang", "A-huge-string.qorlang"}));
     log.clear();
 
-    EXPECT_EQ(p->setLanguage(tag(u"it-IT")), 0);
-    EXPECT_EQ(localized("k"), "-") << "a file failing midway sets nothing";
-    EXPECT_EQ(log.records(), (std::vector<std::string>{"3:error while loading 'A-it-IT.qorlang'"}));
-    EXPECT_EQ(p->setLanguage(tag(u"pt-BR")), 1) << "no STMP reached: an empty table";
-    EXPECT_EQ(p->setLanguage(tag(u"en-US")), 1);
-    EXPECT_EQ(localized("k"), "English");
-    EXPECT_EQ(p->setLanguage(tag(u"de-DE")), 1);
-    EXPECT_EQ(localized("k"), "Deutsch");
+    std::vector<kore::P<kore::CTextTable>> texts;
+    EXPECT_EQ(p->setLanguage(u"pt-BR", texts), 1);
+    EXPECT_EQ(contentOf(*texts.at(0)), Texts());
+    EXPECT_TRUE(log.records().empty());
+    EXPECT_EQ(p->setLanguage(u"it-IT", texts), 0) << "a file cut short is damaged";
+    EXPECT_EQ(texts.size(), 1u);
+    ASSERT_EQ(log.records().size(), 2u);
+    EXPECT_EQ(log.records()[0], "3:error while loading 'A-it-IT.qorlang'");
+}
+
+// A file cut short loses strings: making its language current is an error whose second record
+// tells a translator where the file breaks off.
+TEST_F(LanguagePackTest, FilesCutShortAreDamagedAndTheCauseIsReported)
+{
+    const Bytes head = langChunk(u"de-DE");
+    const Bytes entry = u32(0) + counted(u"k") + counted(u"text") + u32(0) + u32(0);
+    const Bytes data = chunk("data", u32(2) + entry + entry);
+    const Bytes whole = container(head + chunk("STMP", data));
+    const size_t stmpAt = 16 + head.size();
+    const Bytes cutInStmpHeader(whole.begin(), whole.begin() + long(stmpAt + 7));
+    const Bytes lengthFixed = container(head + Bytes(whole.begin() + long(stmpAt), whole.begin() + long(stmpAt + 7)));
+    // Chunk sizes that fit, but the second entry's text count asks for more than is left.
+    Bytes longText = container(head + chunk("STMP", chunk("data", u32(2) + entry + u32(0) + counted(u"k") + u32(40))));
+    const struct {
+        const char* name;
+        Bytes file;
+        std::string cause;
+    } cases[] = {
+        {"cut in the STMP header", cutInStmpHeader,
+         "the container header gives " + std::to_string(whole.size() - 16) + " bytes of chunks, but the file holds " +
+             std::to_string(stmpAt + 7 - 16) + " after the header"},
+        {"cut in the STMP header, length fixed", lengthFixed,
+         "offset " + std::to_string(stmpAt) + ": the file ends inside a chunk header (7 of its 12 bytes)"},
+        {"data chunk longer than the file", container(head + chunk("STMP", chunk("data", 500, u32(0)))),
+         "chunk 'data' at offset " + std::to_string(stmpAt + 12) + ": its header gives 500 bytes of data, but the "
+                                                                     "file ends after 4"},
+        {"counted string past the end", longText,
+         "chunk 'data' at offset " + std::to_string(stmpAt + 12) + ": entry 2 of 2 needs 80 bytes at offset " +
+             std::to_string(longText.size()) + ", but the file ends after 0"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        writeBytes(folder, "A-de-DE.qorlang", c.file);
+        log.clear();
+        std::vector<kore::P<kore::CTextTable>> texts;
+        EXPECT_EQ(pack()->setLanguage(u"de-DE", texts), 0);
+        EXPECT_TRUE(texts.empty());
+        EXPECT_EQ(log.records(), (std::vector<std::string>{"3:error while loading 'A-de-DE.qorlang'",
+                                                           "3:'A-de-DE.qorlang': " + c.cause}));
+    }
 }
 
 } // namespace

@@ -1,8 +1,8 @@
 #pragma once
 // Shared by the language file, pack and manager tests: byte builders for hand-made container
 // files (those of the container tests, plus the language file's own encodings), good files from
-// the writer, a log sink that records one module, a guard that leaves the process's localizer
-// empty, and a probe that watches the size of allocations.
+// the writer, the texts a file or table answers, a log sink that records one module, a guard that
+// leaves the process's localizer empty, and a probe that watches the size of allocations.
 
 #include "../chunk_file/ChunkTestSupport.h"
 #include "framework/CLogManager.h"
@@ -14,6 +14,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <string>
 #include <utility>
 #include <vector>
@@ -64,10 +65,29 @@ inline kore::P<qor_lang::CLanguageFile> readFile(const Bytes& bytes)
     return kore::make<qor_lang::CLanguageFile>(nullptr, *stream);
 }
 
-inline void readTable(const Bytes& bytes, qor_lang::CLanguageStringTable& table)
+using Texts = std::map<std::u16string, std::u16string>;
+
+// Every key of a table with the text it answers (empty texts included).
+inline Texts contentOf(const kore::CTextTable& table)
+{
+    auto units = [](const uint8_t* bytes, uint32_t count) {
+        std::u16string text;
+        for (uint32_t i = 0; i < count; ++i)
+            text += static_cast<char16_t>(bytes[2 * i] | bytes[2 * i + 1] << 8);
+        return text;
+    };
+    Texts texts;
+    table.forEach([&](const uint8_t* key, uint32_t keyUnits, const uint8_t* text, uint32_t textUnits) {
+        texts[units(key, keyUnits)] = units(text, textUnits);
+    });
+    return texts;
+}
+
+// The texts a language file in memory answers.
+inline Texts readTexts(const Bytes& bytes)
 {
     chf::TChunkRef<chf::CMemoryStream> stream(new chf::CMemoryStream(bytes));
-    qor_lang::CLanguageFile::readStringTable(*stream, nullptr, table);
+    return contentOf(*qor_lang::CLanguageFile::readTexts(*stream, nullptr));
 }
 
 inline std::string utf8(const kore::P<kore::IString>& s) { return s ? s->toUTF8() : "<null>"; }

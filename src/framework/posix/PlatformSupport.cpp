@@ -1,5 +1,7 @@
 #include "framework/PlatformSupport.h"
 
+#include <sys/mman.h>
+
 #include <csignal>
 #include <ctime>
 
@@ -16,6 +18,18 @@ void sleepMilliseconds(uint32_t milliseconds)
 void debugBreak()
 {
     std::raise(SIGTRAP);
+}
+
+void* allocatePages(std::size_t bytes) noexcept
+{
+    void* pages = mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    return pages == MAP_FAILED ? nullptr : pages;
+}
+
+void freePages(void* pages, std::size_t bytes) noexcept
+{
+    if (pages)
+        munmap(pages, bytes);
 }
 
 } // namespace kore::platform
