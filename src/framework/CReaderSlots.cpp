@@ -6,17 +6,21 @@ namespace kore {
 
 namespace {
 
-constexpr uint32_t kUnassigned = ~0u;
-// A trivial thread-local: no destructor to register, so the library can still be unloaded while
-// threads that read through it live on.
-thread_local uint32_t t_slot = kUnassigned;
+// The slot of this thread plus one, 0 until it has one. A zero-initialised, trivial thread-local:
+// no destructor to register (so the library can still be unloaded while threads that read
+// through it live on), and in an ELF shared library the initial-exec model makes each access one
+// instruction instead of a call (it takes four bytes of the static TLS reserve).
+#if defined(__ELF__)
+__attribute__((tls_model("initial-exec")))
+#endif
+thread_local uint32_t t_slot;
 std::atomic<uint32_t> s_nextSlot{0};
 
 uint32_t slotOfThisThread() noexcept
 {
-    if (t_slot == kUnassigned)
-        t_slot = s_nextSlot.fetch_add(1, std::memory_order_relaxed) % CReaderSlots::kSlotCount;
-    return t_slot;
+    if (t_slot == 0)
+        t_slot = s_nextSlot.fetch_add(1, std::memory_order_relaxed) % CReaderSlots::kSlotCount + 1;
+    return t_slot - 1;
 }
 
 } // namespace

@@ -11,26 +11,54 @@ namespace kore {
 
 namespace {
 
-constexpr uint64_t kSeed = 0x243F6A8885A308D3ull;
+constexpr uint64_t kSeeds[2] = {0x243F6A8885A308D3ull, 0x13198A2E03707344ull};
 constexpr uint64_t kFoldMultiplier = 0x9E3779B97F4A7C15ull;
 // Buckets up to this size are scanned; larger ones (only colliding keys make them) are searched.
 constexpr uint32_t kScanLimit = 8;
 
-// Four units at a time: one multiplication per eight bytes of key.
-inline uint64_t fold(uint64_t h, uint64_t word) noexcept
+// A key is folded four units (one word) at a time into two lanes, even words into one and odd
+// words into the other, so that the two chains of multiplications overlap: a look-up's hash is
+// most of its cost.
+inline uint64_t fold(uint64_t lane, uint64_t word) noexcept
 {
-    h = (h ^ word) * kFoldMultiplier;
-    return h ^ (h >> 29);
+    return (lane ^ word) * kFoldMultiplier;
 }
 
-// Every bit of the result depends on every bit of the folded state and of the length.
-inline uint64_t finish(uint64_t h, uint32_t units) noexcept
+// Every bit of the result depends on every bit of both lanes and of the length.
+inline uint64_t finish(uint64_t even, uint64_t odd, uint32_t units) noexcept
 {
-    h ^= units;
-    h *= 0xFF51AFD7ED558CCDull;
+    uint64_t h = even ^ ((odd ^ units) * 0xFF51AFD7ED558CCDull);
     h ^= h >> 33;
     h *= 0xC4CEB9FE1A85EC53ull;
-    return h ^ (h >> 33);
+    h ^= h >> 29;
+    h *= 0xFF51AFD7ED558CCDull;
+    return h ^ (h >> 32);
+}
+
+// Up to four units of a zero-terminated key as one word; returns how many there were. Nothing
+// past the terminator is read, and the four tests do not depend on each other.
+inline uint32_t gather(const char16_t* at, uint64_t& word) noexcept
+{
+    const uint64_t c0 = at[0];
+    if (c0 == 0)
+        return 0;
+    const uint64_t c1 = at[1];
+    if (c1 == 0) {
+        word = c0;
+        return 1;
+    }
+    const uint64_t c2 = at[2];
+    if (c2 == 0) {
+        word = c0 | c1 << 16;
+        return 2;
+    }
+    const uint64_t c3 = at[3];
+    if (c3 == 0) {
+        word = c0 | c1 << 16 | c2 << 32;
+        return 3;
+    }
+    word = c0 | c1 << 16 | c2 << 32 | c3 << 48;
+    return 4;
 }
 
 inline uint32_t unitAt(const uint8_t* bytes, uint32_t index) noexcept
@@ -38,9 +66,14 @@ inline uint32_t unitAt(const uint8_t* bytes, uint32_t index) noexcept
     return static_cast<uint32_t>(bytes[2 * index]) | static_cast<uint32_t>(bytes[2 * index + 1]) << 8;
 }
 
-// Orders keys by length, then by their bytes: any total order serves the search in a bucket.
-inline int compareKeys(const uint8_t* a, uint32_t aUnits, const uint8_t* b, uint32_t bUnits) noexcept
+// Orders keys by the low half of their hash (the entry's tag), then by length, then by their
+// bytes: any total order serves the search in a bucket, and this one reads a key's bytes only
+// when the tags agree, so sorting and searching rarely touch the block.
+inline int compareKeys(uint32_t aTag, const uint8_t* a, uint32_t aUnits, uint32_t bTag, const uint8_t* b,
+                       uint32_t bUnits) noexcept
 {
+    if (aTag != bTag)
+        return aTag < bTag ? -1 : 1;
     if (aUnits != bUnits)
         return aUnits < bUnits ? -1 : 1;
     return aUnits == 0 ? 0 : std::memcmp(a, b, 2 * static_cast<std::size_t>(aUnits));
@@ -53,43 +86,44 @@ inline std::size_t unitBytes(uint32_t units) { return 2 * static_cast<std::size_
 uint64_t CTextTable::hash(const void* key, uint32_t units) noexcept
 {
     const auto* bytes = static_cast<const uint8_t*>(key);
-    uint64_t h = kSeed;
+    uint64_t lanes[2] = {kSeeds[0], kSeeds[1]};
     const uint32_t words = units / 4;
     for (uint32_t i = 0; i < words; ++i) {
         uint64_t word;
         std::memcpy(&word, bytes + 8 * static_cast<std::size_t>(i), sizeof word);
-        h = fold(h, word);
+        lanes[i & 1] = fold(lanes[i & 1], word);
     }
     if (const uint32_t rest = units % 4) {
         uint64_t word = 0;
         for (uint32_t j = 0; j < rest; ++j)
             word |= static_cast<uint64_t>(unitAt(bytes, 4 * words + j)) << (16 * j);
-        h = fold(h, word);
+        lanes[words & 1] = fold(lanes[words & 1], word);
     }
-    return finish(h, units);
+    return finish(lanes[0], lanes[1], units);
 }
 
 uint64_t CTextTable::hashTerminated(const char16_t* key, uint32_t& units) noexcept
 {
-    uint64_t h = kSeed;
+    uint64_t even = kSeeds[0];
+    uint64_t odd = kSeeds[1];
     uint32_t n = 0;
     for (;;) {
-        uint64_t word = 0;
-        uint32_t j = 0;
-        for (; j < 4; ++j) {
-            const char16_t c = key[n + j];
-            if (c == 0)
-                break;
-            word |= static_cast<uint64_t>(c) << (16 * j);
-        }
-        n += j;
-        if (j != 0)
-            h = fold(h, word);
-        if (j < 4)
+        uint64_t word;
+        uint32_t got = gather(key + n, word);
+        if (got != 0)
+            even = fold(even, word);
+        n += got;
+        if (got < 4)
+            break;
+        got = gather(key + n, word);
+        if (got != 0)
+            odd = fold(odd, word);
+        n += got;
+        if (got < 4)
             break;
     }
     units = n;
-    return finish(h, n);
+    return finish(even, odd, n);
 }
 
 CTextTable::CTextTable(CPageBuffer block, CPageBuffer index, uint32_t bucketBits, uint32_t count)
@@ -106,12 +140,12 @@ bool CTextTable::find(const void* key, uint32_t units, uint64_t hash, Text& text
     uint32_t high = m_bucketStart[bucket + 1];
     const auto* wanted = static_cast<const uint8_t*>(key);
     const uint8_t* block = m_block.data();
+    const auto tag = static_cast<uint32_t>(hash);
     const Entry* found = nullptr;
     if (high - low <= kScanLimit) {
-        const auto tag = static_cast<uint32_t>(hash);
         for (uint32_t i = low; i < high; ++i) {
             const Entry& e = m_entries[i];
-            if (e.tag == tag && compareKeys(block + e.key.offset, e.key.units, wanted, units) == 0) {
+            if (compareKeys(e.tag, block + e.key.offset, e.key.units, tag, wanted, units) == 0) {
                 found = &e;
                 break;
             }
@@ -120,7 +154,7 @@ bool CTextTable::find(const void* key, uint32_t units, uint64_t hash, Text& text
         while (low < high) {
             const uint32_t middle = low + (high - low) / 2;
             const Entry& e = m_entries[middle];
-            const int order = compareKeys(block + e.key.offset, e.key.units, wanted, units);
+            const int order = compareKeys(e.tag, block + e.key.offset, e.key.units, tag, wanted, units);
             if (order == 0) {
                 found = &e;
                 break;
@@ -210,7 +244,8 @@ P<CTextTable> CTextTable::CBuilder::build()
     auto before = [&](uint32_t a, uint32_t b) {
         const Added& x = added[a];
         const Added& y = added[b];
-        if (const int keys = compareKeys(block + x.key.offset, x.key.units, block + y.key.offset, y.key.units))
+        if (const int keys = compareKeys(static_cast<uint32_t>(x.hash), block + x.key.offset, x.key.units,
+                                         static_cast<uint32_t>(y.hash), block + y.key.offset, y.key.units))
             return keys < 0;
         return x.rank != y.rank ? x.rank > y.rank : a > b;
     };
@@ -225,7 +260,8 @@ P<CTextTable> CTextTable::CBuilder::build()
             const Added& a = added[order[i]];
             if (i > first) {
                 const Added& previous = added[order[i - 1]];
-                if (compareKeys(block + a.key.offset, a.key.units, block + previous.key.offset,
+                if (compareKeys(static_cast<uint32_t>(a.hash), block + a.key.offset, a.key.units,
+                                static_cast<uint32_t>(previous.hash), block + previous.key.offset,
                                 previous.key.units) == 0)
                     continue;
             }
