@@ -36,25 +36,24 @@ public:
     }
     ~PFrail() { reset(); }
 
-    // Takes over both the pointer and the flag of the source.
+    // Takes over both the pointer and the flag of the source. The source is read and its
+    // pointee counted before the old pointee is released: the source may live only through the
+    // old pointee (`cur = cur->next`).
     PFrail& operator=(const PFrail& other) noexcept
     {
-        if (other.m_strong && other.m_p)
-            base(other.m_p)->addRef();
-        T* old = m_p;
-        const bool oldStrong = m_strong;
-        if (oldStrong && old)
-            base(old)->release();
-        m_p = other.m_p;
-        m_strong = other.m_strong;
+        T* const p = other.m_p;
+        const bool strong = other.m_strong;
+        if (strong && p)
+            base(p)->addRef();
+        store(p, strong);
         return *this;
     }
     PFrail& operator=(PFrail&& other) noexcept
     {
         if (this != &other) {
-            reset();
-            m_p = std::exchange(other.m_p, nullptr);
-            m_strong = std::exchange(other.m_strong, true);
+            T* const p = std::exchange(other.m_p, nullptr);
+            const bool strong = std::exchange(other.m_strong, true);
+            store(p, strong);
         }
         return *this;
     }
@@ -75,6 +74,16 @@ public:
 
 private:
     static const IBase* base(const T* p) noexcept { return p; }
+
+    // Puts an already counted pointer in place, then drops the old one. The release comes last
+    // because it may destroy the object that holds this pointer's source.
+    void store(T* p, bool strong) noexcept
+    {
+        T* const old = std::exchange(m_p, p);
+        const bool oldStrong = std::exchange(m_strong, strong);
+        if (oldStrong && old)
+            base(old)->release();
+    }
 
     T* m_p = nullptr;
     bool m_strong = true;
