@@ -9,6 +9,7 @@
 #include "framework/IMutexFactory.h"
 #include "framework/P.h"
 
+#include <atomic>
 #include <cstdint>
 #include <deque>
 #include <map>
@@ -64,16 +65,23 @@ public:
     // remembers the reference; later calls only return it. The key is the address of a static
     // that belongs to this instantiation, so keys never collide. The reference must not be used
     // after unload.
+    // The reference is remembered in a constant-initialised atomic, not a function-local static:
+    // the static's initialisation guard would be a third lock, held while the factory's creation
+    // lock is taken, and a creator calling another accessor on one thread while a second thread
+    // makes that accessor's first call would deadlock. Racing first calls all reach getOrCreate,
+    // which hands them the one reference.
     template <class T, Creator<T> creatorFn>
     static P<T>& accessor()
     {
         static int32_t key = 0;
-        // A function-local static: C++ guarantees one initialisation even when threads race.
-        static P<T>& remembered = []() -> P<T>& {
+        static constinit std::atomic<P<T>*> remembered{nullptr};
+        P<T>* found = remembered.load(std::memory_order_acquire);
+        if (!found) {
             P<CGlobalObjFactory> factory = instance();
-            return factory->getOrCreate<T>(reinterpret_cast<uintptr_t>(&key), creatorFn);
-        }();
-        return remembered;
+            found = &factory->getOrCreate<T>(reinterpret_cast<uintptr_t>(&key), creatorFn);
+            remembered.store(found, std::memory_order_release);
+        }
+        return *found;
     }
 
     // The routine run at unload: marks the factory dead and destroys it with every service.

@@ -3,6 +3,9 @@
 #include "framework/CGlobalObjFactory.h"
 
 #include <atomic>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
 #include <thread>
 
 namespace kore_test {
@@ -92,6 +95,56 @@ TEST(GlobalObjFactory, FailedCreationLeavesTheKeyAbsentAndReleasesTheLock)
     EXPECT_EQ(factory->getServiceCount(), 0u);
     std::thread other([&] { EXPECT_EQ(factory->getOrCreate<CService>(5, createFailingOnce)->id, 7); });
     other.join();
+}
+
+// Accessors of the process-wide factory for the nested-creation race below.
+std::atomic<bool> g_outerCreating{false};
+std::atomic<bool> g_innerAsked{false};
+
+P<CService> createInner()
+{
+    return make<CService>(21);
+}
+
+P<CService> createOuterAskingInner()
+{
+    g_outerCreating = true;
+    while (!g_innerAsked)
+        std::this_thread::yield();
+    // Gives the other thread time to enter the inner accessor and wait for the creation lock.
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    return make<CService>(20 + CGlobalObjFactory::accessor<CService, &createInner>()->id);
+}
+
+// One thread's creator asks for a service whose first request a second thread is making at the
+// same time: both must finish. A regression hangs, so the threads run detached and the test
+// gives up after a generous wait instead of blocking the run.
+TEST(GlobalObjFactory, NestedCreationDoesNotDeadlockAgainstAnotherFirstCall)
+{
+    struct Results {
+        std::atomic<int> outer{0}, inner{0};
+    };
+    static Results results;
+    std::thread([] {
+        results.outer = CGlobalObjFactory::accessor<CService, &createOuterAskingInner>()->id;
+    }).detach();
+    std::thread([] {
+        while (!g_outerCreating)
+            std::this_thread::yield();
+        g_innerAsked = true;
+        results.inner = CGlobalObjFactory::accessor<CService, &createInner>()->id;
+    }).detach();
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+    while ((results.outer == 0 || results.inner == 0) && std::chrono::steady_clock::now() < deadline)
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    if (results.outer == 0 || results.inner == 0) {
+        // The hung threads cannot be joined; end the program so the failure is reported now.
+        std::fprintf(stderr, "accessors deadlocked: nested creation against a first call\n");
+        std::fflush(stderr);
+        std::_Exit(1);
+    }
+    EXPECT_EQ(results.inner.load(), 21);
+    EXPECT_EQ(results.outer.load(), 41);
 }
 
 TEST(GlobalObjFactoryDeathTest, UseAfterUnloadStopsInTheDebugger)

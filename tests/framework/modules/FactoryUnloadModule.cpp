@@ -1,5 +1,6 @@
-// A loadable module with its own copy of the framework: the test loads it, makes it create two
-// services, unloads it, and watches the services die in reverse order of their creation.
+// A loadable module with its own copy of the framework: the test loads it, makes it create four
+// services (one of them inside another's creation), unloads it, and watches the services die in
+// reverse order of their creation.
 #include "framework/CGlobalObjFactory.h"
 
 #if defined(_WIN32)
@@ -32,6 +33,12 @@ struct First : CReporting {
 struct Second : CReporting {
     Second() : CReporting(2) {}
 };
+struct Third : CReporting {
+    Third() : CReporting(3) {}
+};
+struct Fourth : CReporting {
+    Fourth() : CReporting(4) {}
+};
 
 kore::P<First> createFirst()
 {
@@ -41,6 +48,17 @@ kore::P<Second> createSecond()
 {
     return kore::make<Second>();
 }
+kore::P<Third> createThird()
+{
+    return kore::make<Third>();
+}
+// Asks for the third service while being created: the third is complete first, so it must
+// outlive the fourth.
+kore::P<Fourth> createFourth()
+{
+    kore::CGlobalObjFactory::accessor<Third, &createThird>();
+    return kore::make<Fourth>();
+}
 
 } // namespace
 
@@ -48,6 +66,8 @@ MODULE_EXPORT int qorTestCreateServices(Callback onDestroyed)
 {
     g_onDestroyed = onDestroyed;
     kore::CGlobalObjFactory::accessor<First, &createFirst>();
+    kore::CGlobalObjFactory::accessor<Fourth, &createFourth>();
     kore::CGlobalObjFactory::accessor<Second, &createSecond>();
+    kore::CGlobalObjFactory::accessor<Third, &createThird>(); // exists already
     return static_cast<int>(kore::CGlobalObjFactory::instance()->getServiceCount());
 }
