@@ -4,6 +4,8 @@
 #include "framework/CObject.h"
 #include "framework/PC.h"
 #include "framework/PFrail.h"
+#include "framework/IComparable.h"
+#include "framework/ISerializable.h"
 
 namespace kore_test {
 
@@ -140,6 +142,40 @@ TEST_F(ObjectModel, FrailPointersNeverTouchTheCountStrongOnesDo)
     EXPECT_FALSE(defaulted);
 }
 
+// A chain whose nodes own the next one only through a strong frail pointer: walking it by
+// assignment frees each node as the walk leaves it, after its successor was taken.
+TEST_F(ObjectModel, StrongFrailAssignmentKeepsAPointeeHeldOnlyByTheOldOne)
+{
+    struct CNode : CObject {
+        ~CNode() override { ++CCounted::destroyed; }
+        PFrail<CNode> next;
+        int value = 0;
+    };
+    for (const bool moving : {false, true}) {
+        CCounted::destroyed = 0;
+        PFrail<CNode> cur(new CNode); // the node's first reference...
+        cur->release();               // ...handed over to the pointer
+        CNode* tail = cur.get();
+        for (int i = 1; i < 4; ++i) {
+            tail->next = PFrail<CNode>(new CNode);
+            tail->next->release();
+            tail = tail->next.get();
+            tail->value = i;
+        }
+        for (int i = 1; i < 4; ++i) {
+            if (moving)
+                cur = std::move(cur->next);
+            else
+                cur = cur->next;
+            ASSERT_EQ(cur->value, i) << (moving ? "move" : "copy");
+            EXPECT_EQ(cur->getRefCount(), 1);
+            EXPECT_EQ(CCounted::destroyed, i);
+        }
+        cur.reset();
+        EXPECT_EQ(CCounted::destroyed, 4);
+    }
+}
+
 TEST_F(ObjectModel, CastFindsInterfacesAndNamesBothTypesWhenItCannot)
 {
     EXPECT_EQ(cast<IFirst>(static_cast<const IBase*>(nullptr)), nullptr);
@@ -180,6 +216,21 @@ TEST_F(ObjectModel, CastQueryMayRefuseOrRedirect)
     P<CObject> dead = make<CObject>();
     q->redirect = dead.get();
     EXPECT_THROW(cast<IFirst>(q), CCastError);
+}
+
+// Interfaces share one IBase, so one count serves all of them and a cast moves between them.
+TEST_F(ObjectModel, InterfacesOfOneObjectShareOneCount)
+{
+    struct CRecord : CObject, IComparable, ISerializable {
+        int32_t compareTo(const IComparable&) const override { return 0; }
+        void serialize(IOutStream&) const override {}
+        void deserialize(IInStream&) override {}
+    };
+    P<CRecord> record = make<CRecord>();
+    P<ISerializable> serializable = cast<ISerializable>(static_cast<const IBase*>(
+        static_cast<IComparable*>(record.get())));
+    EXPECT_EQ(static_cast<const IBase*>(serializable.get()), static_cast<const IBase*>(record.get()));
+    EXPECT_EQ(record->getRefCount(), 2);
 }
 
 // The first candidate that can be cast wins, and a candidate's own redirect is not followed.
