@@ -1,14 +1,14 @@
 #!/usr/bin/env bash
 # Installs what is missing, then builds and runs every test: Linux release (assertions on),
-# Linux debug under AddressSanitizer + UndefinedBehaviorSanitizer, and the Windows x64 cross
-# build under Wine. Prints CTest's summary per build; fails when any test fails.
+# Linux debug under AddressSanitizer + UndefinedBehaviorSanitizer, the tests that start threads
+# under ThreadSanitizer, and the Windows x64 cross build under Wine. Prints CTest's summary per build; fails when any test fails.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 tools/install_prerequisites.sh
 
 presets=("$@")
-[ ${#presets[@]} -gt 0 ] || presets=(linux-release linux-asan mingw)
+[ ${#presets[@]} -gt 0 ] || presets=(linux-release linux-asan linux-tsan mingw)
 
 status=0
 summary=()

@@ -7,6 +7,9 @@
 #include "framework/IComparable.h"
 #include "framework/ISerializable.h"
 
+#include <atomic>
+#include <thread>
+
 namespace kore_test {
 
 class IFirst : public virtual IBase {
@@ -216,6 +219,37 @@ TEST_F(ObjectModel, CastQueryMayRefuseOrRedirect)
     P<CObject> dead = make<CObject>();
     q->redirect = dead.get();
     EXPECT_THROW(cast<IFirst>(q), CCastError);
+}
+
+// Threads share one object, count it up and down and drop their last references at about the
+// same time: no count is lost, and exactly one of them destroys the object.
+TEST_F(ObjectModel, CountingFromManyThreadsLosesNothingAndDestroysOnce)
+{
+    constexpr int kThreads = 4;
+    constexpr int kRounds = 20000;
+    std::vector<std::thread> threads;
+    {
+        P<CCounted> shared = make<CCounted>();
+        std::atomic<int> ready{0};
+        for (int t = 0; t < kThreads; ++t) {
+            threads.emplace_back([&ready, mine = shared] {
+                ++ready;
+                while (ready < kThreads)
+                    std::this_thread::yield();
+                for (int i = 0; i < kRounds; ++i) {
+                    P<CCounted> copy = mine;
+                    mine->addRef();
+                    mine->release();
+                }
+            });
+        }
+        while (ready < kThreads)
+            std::this_thread::yield();
+        EXPECT_GE(shared->getRefCount(), 1);
+    }
+    for (std::thread& t : threads)
+        t.join();
+    EXPECT_EQ(CCounted::destroyed, 1);
 }
 
 // Interfaces share one IBase, so one count serves all of them and a cast moves between them.
