@@ -36,6 +36,7 @@ public:
 
 protected:
     ~CBaseStream() override = default;
+    uint32_t getRefCount() const { return m_refCount; }
 
 private:
     uint8_t* shiftBuffer();

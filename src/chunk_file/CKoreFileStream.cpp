@@ -44,6 +44,22 @@ void CKoreFileStream::findInterfaces()
     m_input = tryCast<kore::IInStream>(s);
 }
 
+uint32_t CKoreFileStream::release()
+{
+    if (getRefCount() > 1 || !m_output)
+        return CBaseStream::release();
+    std::exception_ptr failure;
+    try {
+        m_output->flush();
+    } catch (...) {
+        failure = std::current_exception();
+    }
+    CBaseStream::release();
+    if (failure)
+        std::rethrow_exception(failure);
+    return 0;
+}
+
 int64_t CKoreFileStream::getPosition()
 {
     return m_stream->getPosition();

@@ -28,6 +28,10 @@ public:
     // Reads nothing, silently, when the stream offers no input.
     int64_t read(void* buffer, int32_t count) override;
 
+    // The last reference flushes the framework stream first and rethrows a failed flush once the
+    // adapter is gone, like a chunk stream's size write-back: a destructor could only swallow it.
+    uint32_t release() override;
+
     // Framework streams cannot be shortened.
     void truncate(int64_t newLength) override;
     // Writes zeros at the end; growing by more than 4 GiB - 1 at once is refused.

@@ -1,4 +1,5 @@
-// The one mapping from platform failures to the framework's file errors.
+// The one mapping from platform failures to the framework's file errors, and the one way files
+// are opened.
 #include "framework/FileSystemSupport.h"
 
 #include "framework/CFileAccessDeniedError.h"
@@ -7,7 +8,25 @@
 #include "framework/CURIError.h"
 #include "framework/LocalizedText.h"
 
+#include <atomic>
+
 namespace kore::platform {
+
+namespace {
+std::atomic<NativeFileOpener> g_opener{nullptr};
+}
+
+NativeFileOpener setNativeFileOpener(NativeFileOpener opener)
+{
+    return g_opener.exchange(opener);
+}
+
+std::unique_ptr<INativeFile> openNativeFile(const IString& path, uint32_t mode, NativeError& error)
+{
+    if (const NativeFileOpener opener = g_opener.load(std::memory_order_acquire))
+        return opener(path, mode, error);
+    return openSystemFile(path, mode, error);
+}
 
 void throwFileError(const IURI* uri, const NativeError& error, const char* key,
                     const char* englishDefault)

@@ -49,8 +49,17 @@ public:
 };
 
 // Null with `error` set when the file cannot be opened. A folder is refused as access denied
-// on every platform.
+// on every platform. Goes through the installed opener, if any (FileSystemSupport.cpp).
 std::unique_ptr<INativeFile> openNativeFile(const IString& path, uint32_t mode, NativeError& error);
+// The platform's own opening, the same contract (win32/ or posix/).
+std::unique_ptr<INativeFile> openSystemFile(const IString& path, uint32_t mode, NativeError& error);
+
+// Replaces how every file of the process is opened, so that tests can hand out files that fail
+// on purpose; null restores openSystemFile. Returns the opener installed before. Not for use
+// while other threads open files.
+using NativeFileOpener = std::unique_ptr<INativeFile> (*)(const IString& path, uint32_t mode,
+                                                          NativeError& error);
+NativeFileOpener setNativeFileOpener(NativeFileOpener opener);
 
 struct NativeFolderEntry {
     std::string name; // UTF-8

@@ -120,7 +120,7 @@ bool fileNamesIgnoreCase()
     return false;
 }
 
-std::unique_ptr<INativeFile> openNativeFile(const IString& path, uint32_t mode, NativeError& error)
+std::unique_ptr<INativeFile> openSystemFile(const IString& path, uint32_t mode, NativeError& error)
 {
     const std::string native = path.toUTF8();
     int flags = O_CLOEXEC;

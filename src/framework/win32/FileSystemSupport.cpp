@@ -176,7 +176,7 @@ bool fileNamesIgnoreCase()
     return true;
 }
 
-std::unique_ptr<INativeFile> openNativeFile(const IString& path, uint32_t mode, NativeError& error)
+std::unique_ptr<INativeFile> openSystemFile(const IString& path, uint32_t mode, NativeError& error)
 {
     DWORD access = GENERIC_READ;
     // Readers let others read, write and delete, as on POSIX; writers let others only read.

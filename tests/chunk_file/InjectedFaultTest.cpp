@@ -1,0 +1,108 @@
+// The container's write paths over a file whose n-th operation fails, for every n: each failure
+// reaches the caller as a framework error, nothing leaks (LeakSanitizer in the debug build), the
+// damaged file can still be walked, and the same edit on an intact file afterwards succeeds.
+#include "../framework/FailingFiles.h"
+#include "ChunkTestSupport.h"
+
+#include "framework/CException.h"
+
+#include <gtest/gtest.h>
+
+using namespace chf_test;
+using chf::CChunkFile;
+using chf::CChunkIterator;
+using chf::CChunkStream;
+using chf::makeChunkId;
+
+namespace {
+
+const Bytes kBig = patternBytes(100000); // more than the disk stream buffers
+
+Bytes original()
+{
+    return container(chunk("vers", text("1.0"))
+                     + chunk("STMP", chunk("data", text("hello")) + chunk("big_", kBig)
+                                         + chunk("sub_", chunk("leaf", text("L"))))
+                     + chunk("cmnt", text("hi")));
+}
+
+// Grows a nested chunk (insertion, then the sizes written back) and inserts space inside another
+// across the disk stream's buffer.
+void edit(chf::IStream* stream)
+{
+    Ref<CChunkFile> file(CChunkFile::open(stream));
+    while (file->nextChunk() && file->getChunkId() != makeChunkId("STMP")) {
+    }
+    Ref<CChunkIterator> stmp(file->openChunkIterator());
+    ASSERT_TRUE(stmp->nextChunk());
+    {
+        Ref<CChunkStream> data(stmp->openChunkStream());
+        data->setPosition(data->getLength());
+        data->write(" world", 6);
+        data.reset(); // a failed size write-back reaches the caller only this way
+    }
+    ASSERT_TRUE(stmp->nextChunk());
+    {
+        Ref<CChunkStream> big(stmp->openChunkStream());
+        big->setPosition(0);
+        big->insertSpace(70000);
+        big.reset();
+    }
+    stmp.reset();
+    file.reset();
+}
+
+// Visits every chunk header, nested sequences included, without reading chunk data.
+void walk(CChunkIterator* sequence)
+{
+    while (sequence->nextChunk()) {
+        const uint32_t id = sequence->getChunkId();
+        if (id == makeChunkId("STMP") || id == makeChunkId("sub_"))
+            walk(Ref<CChunkIterator>(sequence->openChunkIterator()).get());
+    }
+}
+
+TEST(InjectedFaults, EveryFailingFileOperationOfAnEditIsReportedAndTheNextEditWorks)
+{
+    Bytes expected;
+    int64_t operations = 0;
+    {
+        CDiskFile disk(original());
+        kore_test::CFailingFiles counting(0);
+        edit(disk.open(kore::IStreamManager::kReadWrite).get());
+        operations = counting.operations();
+        expected = disk.bytes();
+    }
+    ASSERT_GT(operations, 5);
+    ASSERT_NE(expected, original());
+
+    for (int64_t n = 1; n <= operations; ++n) {
+        SCOPED_TRACE("failing operation " + std::to_string(n));
+        CDiskFile disk(original());
+        bool reported = false;
+        {
+            kore_test::CFailingFiles files(n);
+            try {
+                Ref<chf::CKoreFileStream> stream = disk.open(kore::IStreamManager::kReadWrite);
+                edit(stream.get());
+                stream.reset(); // flushes, and reports a failed flush
+            } catch (const kore::CException&) {
+                reported = true;
+            } catch (const std::exception& e) {
+                ADD_FAILURE() << "not a framework error: " << typeid(e).name();
+            }
+            EXPECT_TRUE(files.failed());
+            EXPECT_TRUE(reported) << "the failing " << files.failedKind() << " went unreported";
+        }
+        // Whatever the failure left behind can be walked; nothing more is promised of it.
+        try {
+            walk(Ref<CChunkFile>(CChunkFile::open(disk.open(kore::IStreamManager::kRead).get())).get());
+        } catch (const std::exception&) {
+        }
+        CDiskFile again(original());
+        edit(again.open(kore::IStreamManager::kReadWrite).get());
+        EXPECT_EQ(again.bytes(), expected);
+    }
+}
+
+} // namespace
