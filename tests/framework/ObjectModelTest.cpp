@@ -228,9 +228,9 @@ TEST_F(ObjectModel, CountingFromManyThreadsLosesNothingAndDestroysOnce)
     constexpr int kThreads = 4;
     constexpr int kRounds = 20000;
     std::vector<std::thread> threads;
+    std::atomic<int> ready{0};
     {
         P<CCounted> shared = make<CCounted>();
-        std::atomic<int> ready{0};
         for (int t = 0; t < kThreads; ++t) {
             threads.emplace_back([&ready, mine = shared] {
                 ++ready;

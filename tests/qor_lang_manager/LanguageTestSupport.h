@@ -152,4 +152,16 @@ public:
     std::size_t largest() const;
 };
 
+// While one lives, counts the plain allocations of this thread and refuses the n-th one
+// (std::bad_alloc, or null from the nothrow form); 0 only counts. AllocationProbe.cpp.
+class CAllocationFailure {
+public:
+    explicit CAllocationFailure(std::size_t failAt);
+    ~CAllocationFailure();
+    CAllocationFailure(const CAllocationFailure&) = delete;
+    CAllocationFailure& operator=(const CAllocationFailure&) = delete;
+    std::size_t allocations() const;
+    bool failed() const;
+};
+
 } // namespace lang_test

@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <memory>
 #include <system_error>
 
 namespace kore::platform {
@@ -151,7 +152,9 @@ std::unique_ptr<INativeFile> openSystemFile(const IString& path, uint32_t mode, 
 bool listNativeFolder(const IString& path, std::vector<NativeFolderEntry>& entries, NativeError& error)
 {
     const std::string native = path.toUTF8();
-    DIR* dir = ::opendir(native.c_str());
+    // Closed however the listing ends: adding an entry can throw when memory runs out.
+    const std::unique_ptr<DIR, int (*)(DIR*)> open(::opendir(native.c_str()), &::closedir);
+    DIR* const dir = open.get();
     if (!dir) {
         error = errorFrom(errno);
         return false;
@@ -173,7 +176,6 @@ bool listNativeFolder(const IString& path, std::vector<NativeFolderEntry>& entri
         entries.push_back({name, folder});
     }
     const int code = errno;
-    ::closedir(dir);
     if (code != 0) {
         error = errorFrom(code);
         return false;

@@ -239,6 +239,11 @@ bool listNativeFolder(const IString& path, std::vector<NativeFolderEntry>& entri
         error = errorFrom(code);
         return false;
     }
+    // Closed however the listing ends: adding an entry can throw when memory runs out.
+    struct CFindGuard {
+        HANDLE handle;
+        ~CFindGuard() { FindClose(handle); }
+    } const guard{find};
     do {
         const std::wstring name = data.cFileName;
         if (name == L"." || name == L"..")
@@ -247,7 +252,6 @@ bool listNativeFolder(const IString& path, std::vector<NativeFolderEntry>& entri
                            (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0});
     } while (FindNextFileW(find, &data));
     const DWORD code = GetLastError();
-    FindClose(find);
     if (code != ERROR_NO_MORE_FILES) {
         error = errorFrom(code);
         return false;

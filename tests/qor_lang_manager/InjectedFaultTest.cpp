@@ -1,0 +1,181 @@
+// Loading a language and looking texts up through the exports while the n-th file operation or
+// the n-th allocation fails, for every n: each call ends in its stated failure value or in a
+// result that was valid before or after it, nothing leaks (LeakSanitizer in the debug build),
+// the next call works, and loading never changes a file.
+#include "../framework/FailingFiles.h"
+#include "LanguageTestSupport.h"
+#include "exports/ExportTestSupport.h"
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+namespace {
+
+using namespace export_test;
+using lang_test::CAllocationFailure;
+
+std::string contentOf(const std::filesystem::path& file)
+{
+    std::ifstream in(file, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), {});
+}
+
+// Two languages of one application in a folder of its own, the German one large.
+struct InjectedFaults : ::testing::Test {
+    kore_test::CTempFolder folder;
+    lang_test::CLocalizerGuard localizer;
+    const std::u16string app = testName();
+    std::filesystem::path german, french;
+
+    void SetUp() override
+    {
+        std::vector<std::pair<std::u16string, std::u16string>> many;
+        // More than the disk stream's buffer holds, so that loading takes several reads.
+        for (int i = 0; i < 2000; ++i)
+            many.emplace_back(u16("key" + std::to_string(i)), u16("text " + std::to_string(i) + std::string(40, '.')));
+        many.emplace_back(u"k", u"Hallo");
+        writeLanguageFile(folder.path(), app, u"de-DE", many);
+        writeLanguageFile(folder.path(), app, u"fr-FR", {{u"k", u"Bonjour"}});
+        german = folder.path() / (app + u"-de-DE.qorlang");
+        french = folder.path() / (app + u"-fr-FR.qorlang");
+        ASSERT_EQ(addFolder(folder.path(), app), 0);
+    }
+
+    // French loaded and the file list forgotten, so that the next load reads everything anew.
+    void startFromFrench()
+    {
+        ASSERT_EQ(QOR_LANG2_reload(), 0);
+        ASSERT_EQ(setLanguage(u"fr-FR"), 0);
+        ASSERT_EQ(localString(u"k", u"-"), u"Bonjour");
+        ASSERT_EQ(QOR_LANG2_reload(), 0);
+    }
+
+    // Scans the folder, switches to German and looks a text up.
+    struct Outcome {
+        int32_t count = 0, setResult = 0;
+        Text text, tag;
+    };
+    Outcome loadGerman()
+    {
+        Outcome o;
+        o.count = QOR_LANG2_getLanguageCount(w(app));
+        o.tag = take(QOR_LANG2_getLanguage(w(app), 0));
+        o.setResult = setLanguage(u"de-DE");
+        o.text = localString(u"k", u"-");
+        return o;
+    }
+
+    void expectGermanWorks()
+    {
+        ASSERT_EQ(QOR_LANG2_reload(), 0);
+        EXPECT_EQ(QOR_LANG2_getLanguageCount(w(app)), 2);
+        EXPECT_EQ(setLanguage(u"de-DE"), 0);
+        EXPECT_EQ(localString(u"k", u"-"), u"Hallo");
+        EXPECT_EQ(localString(u"key1999", u"-"), u"text 1999" + std::u16string(40, u'.'));
+    }
+};
+
+TEST_F(InjectedFaults, EveryFailingFileOperationOfALoadSkipsAFileOrKeepsTheOldTexts)
+{
+    const std::string germanBytes = contentOf(german), frenchBytes = contentOf(french);
+    startFromFrench();
+    int64_t operations = 0;
+    {
+        kore_test::CFailingFiles counting(0);
+        const Outcome o = loadGerman();
+        operations = counting.operations();
+        ASSERT_EQ(o.count, 2);
+        ASSERT_EQ(o.text, u"Hallo");
+    }
+    ASSERT_GT(operations, 4);
+    std::printf("failing each of %lld file operations of a load in turn\n", static_cast<long long>(operations));
+    for (int64_t n = 1; n <= operations; ++n) {
+        SCOPED_TRACE("failing file operation " + std::to_string(n));
+        startFromFrench();
+        Outcome o;
+        {
+            kore_test::CFailingFiles files(n);
+            o = loadGerman();
+            EXPECT_TRUE(files.failed());
+            EXPECT_EQ(files.writableOpens(), 0);
+            EXPECT_EQ(files.writesToReadOnlyFiles(), 0);
+        }
+        // A file that fails while the folder is scanned is left out of the list.
+        EXPECT_TRUE(o.count == 1 || o.count == 2) << o.count;
+        EXPECT_TRUE(o.tag == u"de-DE" || o.tag == u"fr-FR") << (o.tag ? utf8(*o.tag) : "null");
+        EXPECT_EQ(o.setResult, 0);
+        EXPECT_TRUE(o.text == u"Hallo" || o.text == u"Bonjour") << (o.text ? utf8(*o.text) : "null");
+        EXPECT_EQ(contentOf(german), germanBytes);
+        EXPECT_EQ(contentOf(french), frenchBytes);
+        expectGermanWorks();
+    }
+}
+
+TEST_F(InjectedFaults, EveryFailingAllocationOfALoadGivesAStatedFailureValue)
+{
+    startFromFrench();
+    size_t allocations = 0;
+    {
+        CAllocationFailure counting(0);
+        QOR_LANG2_getLanguageCount(w(app));
+        QOR_LANG2_freeWideString(QOR_LANG2_getLanguage(w(app), 0));
+        setLanguage(u"de-DE");
+        allocations = counting.allocations();
+    }
+    ASSERT_GT(allocations, 10u);
+    size_t lastFailed = 0;
+    for (size_t n = 1; n <= allocations; ++n) {
+        SCOPED_TRACE("failing allocation " + std::to_string(n));
+        startFromFrench();
+        Outcome o;
+        QOR_LANG2_CHAR* tag = nullptr;
+        bool failed = false;
+        {
+            CAllocationFailure failure(n);
+            o.count = QOR_LANG2_getLanguageCount(w(app));
+            tag = QOR_LANG2_getLanguage(w(app), 0);
+            o.setResult = setLanguage(u"de-DE");
+            failed = failure.failed();
+        }
+        o.tag = take(tag); // copied outside: the copy itself must not meet the failure
+        if (!failed) // the counting run made first-use allocations that are now done
+            break;
+        lastFailed = n;
+        o.text = localString(u"k", u"-");
+        EXPECT_TRUE(o.count >= 0 && o.count <= 2) << o.count;
+        EXPECT_TRUE(!o.tag || o.tag == u"de-DE" || o.tag == u"fr-FR") << utf8(*o.tag);
+        EXPECT_EQ(o.setResult, 0);
+        EXPECT_TRUE(o.text == u"Hallo" || o.text == u"Bonjour") << (o.text ? utf8(*o.text) : "null");
+        expectGermanWorks();
+    }
+    EXPECT_GE(lastFailed, allocations * 3 / 4) << "of " << allocations;
+    std::printf("failed each of %zu allocations of a load in turn\n", lastFailed);
+}
+
+TEST_F(InjectedFaults, EveryFailingAllocationOfALookUpAnswersNullAndTheNextLookUpWorks)
+{
+    ASSERT_EQ(setLanguage(u"de-DE"), 0);
+    for (const std::u16string key : {u"k", u"missing"}) {
+        size_t allocations = 0;
+        {
+            CAllocationFailure counting(0);
+            QOR_LANG2_freeWideString(QOR_LANG2_getLocalString(w(key), w(u"default")));
+            allocations = counting.allocations();
+        }
+        ASSERT_GE(allocations, 1u);
+        for (size_t n = 1; n <= allocations; ++n) {
+            QOR_LANG2_CHAR* text = nullptr;
+            {
+                CAllocationFailure failure(n);
+                text = QOR_LANG2_getLocalString(w(key), w(u"default"));
+            }
+            EXPECT_EQ(text, nullptr) << utf8(key) << ", allocation " << n;
+            QOR_LANG2_freeWideString(text);
+            EXPECT_EQ(localString(key, u"default"), key == u"k" ? u"Hallo" : u"default");
+        }
+    }
+}
+
+} // namespace
