@@ -1,5 +1,7 @@
 #include "LanguageTestSupport.h"
 
+#include "framework/FileSystemSupport.h"
+#include "framework/Trace.h"
 #include "qor_lang_manager/CLanguageManager.h"
 
 #include <gtest/gtest.h>
@@ -125,6 +127,37 @@ TEST_F(LanguageManagerTest, TheLaterPackInIdOrderAnswersAKeyTwoPacksShare)
     EXPECT_EQ(localized("blank"), "-") << "c's empty text replaces the others";
     EXPECT_EQ(localized("only.a"), "a");
     EXPECT_EQ(localized("only.b"), "b");
+}
+
+// The change of language is traced with the manager's file and line and the tag, only while
+// tracing is on, whether or not a file for the language exists.
+TEST_F(LanguageManagerTest, ALanguageChangeIsTracedOnlyWhileTracingIsOn)
+{
+    if (kore::platform::usesWindowsPaths())
+        GTEST_SKIP() << "the trace goes to the debugger there";
+    CLanguageFileWriter writer;
+    writer.setLanguage(u"de-DE", u"", u"");
+    writer.addString(u"k", u"Deutsch");
+    writeBytes(folder, "A-de-DE.qorlang", written(writer));
+    manager->add(folder.uri(), "A");
+    const struct {
+        bool tracing;
+        const char16_t* tag;
+        const char* expected;
+    } rows[] = {
+        {false, u"de-DE", ""},
+        {true, u"de-DE", "qor_trace: CLanguageManager.cpp (189) c=de-DE\n"},
+        {true, u"fr-FR", "qor_trace: CLanguageManager.cpp (189) c=fr-FR\n"},
+        {false, u"fr-FR", ""},
+    };
+    const bool was = kore::isTraceEnabled();
+    for (const auto& row : rows) {
+        ::testing::internal::CaptureStderr();
+        kore::setTraceEnabled(row.tracing);
+        manager->setCurrentLanguage(tag(row.tag));
+        kore::setTraceEnabled(was);
+        EXPECT_EQ(::testing::internal::GetCapturedStderr(), row.expected);
+    }
 }
 
 } // namespace
