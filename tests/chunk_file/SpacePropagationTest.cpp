@@ -134,4 +134,81 @@ TEST(SpacePropagation, InsertionAtAChunkHeaderMovesItAndGrowsTheChunkBeforeUnles
     }
 }
 
+// How a removal notice moves, shrinks or deletes an open stream at 20..29, and the size a stream
+// that survives writes back 8 bytes before its (possibly moved) base.
+TEST(SpacePropagation, RemovalNoticesMoveShrinkOrDeleteAStreamThatWritesBackWhatIsLeft)
+{
+    const struct {
+        const char* name;
+        int64_t at, count, base, length;
+        bool deleted;
+    } rows[] = {
+        {"inside", 25, 3, 20, 7, false},
+        {"at the start", 20, 3, 20, 7, false},
+        {"at the end", 30, 2, 20, 8, false},
+        {"behind", 31, 2, 20, 10, false},
+        {"wholly before", 15, 3, 17, 10, false},
+        // Starting before and ending inside: the base moves by the whole count, the length stays.
+        {"partly overlapping", 15, 10, 10, 10, false},
+        {"up to the end", 15, 15, 0, 0, true},
+        {"beyond the end", 15, 20, 0, 0, true},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        Ref<CTestStream> file(new CTestStream(patternBytes(40)));
+        CRecordingHolder holder;
+        auto* stream = new CChunkStream(&holder, file.get(), 20, 10);
+        stream->onSpaceRemoved(nullptr, row.at, row.count);
+        EXPECT_EQ(stream->isDeleted(), row.deleted);
+        if (!row.deleted) {
+            EXPECT_EQ(stream->getBase(), row.base);
+            EXPECT_EQ(stream->getLength(), row.length);
+        }
+        const Bytes before = file->getBytes();
+        stream->release();
+        Bytes expected = before;
+        if (!row.deleted && row.length != 10) {
+            const Bytes size = u64(static_cast<uint64_t>(row.length));
+            std::copy(size.begin(), size.end(), expected.begin() + row.base - 8);
+        }
+        EXPECT_EQ(file->getBytes(), expected);
+    }
+}
+
+// Removing bytes from a nested sequence inside its current chunk: the iterator passes the removal
+// up and down, so the chunk's open stream, the enclosing chunk and the file shrink and write their
+// sizes back, both walks go on with the chunk that followed, and a stream behind moves back.
+TEST(SpacePropagation, RemovalInANestedChunkShrinksItAndEveryEnclosingSize)
+{
+    const auto area = [](const Bytes& x) {
+        return chunk("A___", text("aa")) + chunk("sub_", chunk("x___", x) + chunk("y___", text("yy")))
+            + chunk("C___", text("cc"));
+    };
+    Ref<CTestStream> stream(new CTestStream(container(area(text("123456")))));
+    Ref<CChunkFile> file(CChunkFile::open(stream.get()));
+    ASSERT_TRUE(file->findChunk(makeChunkId("C___")));
+    Ref<CChunkStream> c(file->openChunkStream());
+    ASSERT_TRUE(file->findFirstChunk(makeChunkId("sub_")));
+    const int64_t subSize = file->getChunkSize();
+    Ref<CChunkIterator> sequence(file->openChunkIterator());
+    ASSERT_TRUE(sequence->nextChunk());
+    Ref<CChunkStream> x(sequence->openChunkStream());
+    sequence->setPosition(12 + 2);
+    sequence->removeSpace(3);
+    EXPECT_EQ(x->getLength(), 3);
+    EXPECT_EQ(readAll(x.get()), text("126"));
+    x.reset();
+    EXPECT_EQ(sequence->getChunkSize(), 3);
+    ASSERT_TRUE(sequence->nextChunk());
+    EXPECT_EQ(sequence->getChunkId(), makeChunkId("y___"));
+    sequence.reset();
+    EXPECT_EQ(file->getChunkSize(), subSize - 3);
+    ASSERT_TRUE(file->nextChunk());
+    EXPECT_EQ(file->getChunkId(), makeChunkId("C___"));
+    EXPECT_EQ(readAll(c.get()), text("cc"));
+    c.reset();
+    file.reset();
+    EXPECT_EQ(stream->getBytes(), container(area(text("126"))));
+}
+
 } // namespace
