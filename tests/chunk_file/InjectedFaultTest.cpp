@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
+
 using namespace chf_test;
 using chf::CChunkFile;
 using chf::CChunkIterator;
@@ -74,6 +76,7 @@ TEST(InjectedFaults, EveryFailingFileOperationOfAnEditIsReportedAndTheNextEditWo
         expected = disk.bytes();
     }
     ASSERT_GT(operations, 5);
+    std::printf("failing each of %lld file operations of an edit in turn\n", static_cast<long long>(operations));
     ASSERT_NE(expected, original());
 
     for (int64_t n = 1; n <= operations; ++n) {
