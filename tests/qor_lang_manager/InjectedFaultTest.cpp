@@ -1,11 +1,13 @@
 // Loading a language and looking texts up through the exports while the n-th file operation or
 // the n-th allocation fails, for every n: each call ends in its stated failure value or in a
 // result that was valid before or after it, nothing leaks (LeakSanitizer in the debug build),
-// the next call works, and loading never changes a file.
+// the next call works, a file that fails is reported in the log, and loading never changes a file.
 #include "../framework/FailingFiles.h"
 #include "LanguageTestSupport.h"
 #include "exports/ExportTestSupport.h"
+#include "qor_lang_manager/CLanguagePack.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -95,6 +97,7 @@ TEST_F(InjectedFaults, EveryFailingFileOperationOfALoadSkipsAFileOrKeepsTheOldTe
         SCOPED_TRACE("failing file operation " + std::to_string(n));
         startFromFrench();
         Outcome o;
+        lang_test::CLogCapture log(qor_lang::CLanguagePack::kLogModule);
         {
             kore_test::CFailingFiles files(n);
             o = loadGerman();
@@ -107,6 +110,11 @@ TEST_F(InjectedFaults, EveryFailingFileOperationOfALoadSkipsAFileOrKeepsTheOldTe
         EXPECT_TRUE(o.tag == u"de-DE" || o.tag == u"fr-FR") << (o.tag ? utf8(*o.tag) : "null");
         EXPECT_EQ(o.setResult, 0);
         EXPECT_TRUE(o.text == u"Hallo" || o.text == u"Bonjour") << (o.text ? utf8(*o.text) : "null");
+        // Every failure costs a file, and a file that fails is reported.
+        const auto& records = log.records();
+        EXPECT_TRUE(std::any_of(records.begin(), records.end(), [](const std::string& r) {
+            return r.find("error while loading") != std::string::npos;
+        }));
         EXPECT_EQ(contentOf(german), germanBytes);
         EXPECT_EQ(contentOf(french), frenchBytes);
         expectGermanWorks();
