@@ -1,9 +1,10 @@
-// The container's write paths over a file whose n-th operation fails, for every n: each failure
-// reaches the caller as a framework error, nothing leaks (LeakSanitizer in the debug build), the
-// damaged file can still be walked, and the same edit on an intact file afterwards succeeds.
+// The container's write paths (an edit of an existing file, a new file written) over a file whose
+// n-th operation fails, for every n: each failure reaches the caller as a framework error, nothing
+// leaks (LeakSanitizer in the debug build), the damaged file can still be walked, and the same
+// change on an intact file afterwards succeeds.
 #include "../framework/FailingFiles.h"
 #include "ChunkTestSupport.h"
-
+#include "chunk_file/CChunkFileWriter.h"
 #include "framework/CException.h"
 
 #include <gtest/gtest.h>
@@ -12,6 +13,7 @@
 
 using namespace chf_test;
 using chf::CChunkFile;
+using chf::CChunkFileWriter;
 using chf::CChunkIterator;
 using chf::CChunkStream;
 using chf::makeChunkId;
@@ -64,47 +66,75 @@ void walk(CChunkIterator* sequence)
     }
 }
 
-TEST(InjectedFaults, EveryFailingFileOperationOfAnEditIsReportedAndTheNextEditWorks)
+// Writes a new container: chunks appended to the file and to a nested sequence, one of them
+// larger than the disk stream's buffer, sizes reaching the file by write-back.
+void build(chf::IStream* stream)
 {
-    Bytes expected;
-    int64_t operations = 0;
-    {
-        CDiskFile disk(original());
-        kore_test::CFailingFiles counting(0);
-        edit(disk.open(kore::IStreamManager::kReadWrite).get());
-        operations = counting.operations();
-        expected = disk.bytes();
-    }
-    ASSERT_GT(operations, 5);
-    std::printf("failing each of %lld file operations of an edit in turn\n", static_cast<long long>(operations));
-    ASSERT_NE(expected, original());
+    Ref<CChunkFile> file(CChunkFileWriter::createFile(stream));
+    CChunkFileWriter::appendChunk(file.get(), makeChunkId("vers"), "1.0", 3);
+    Ref<CChunkIterator> stmp(CChunkFileWriter::appendChunkIterator(file.get(), makeChunkId("STMP")));
+    Ref<CChunkStream> data(CChunkFileWriter::appendChunk(stmp.get(), makeChunkId("data")));
+    data->write(kBig.data(), static_cast<int32_t>(kBig.size()));
+    data.reset();
+    CChunkFileWriter::appendChunk(stmp.get(), makeChunkId("more"), "xyz", 3);
+    stmp.reset();
+    CChunkFileWriter::appendChunk(file.get(), makeChunkId("cmnt"), "hi", 2);
+    file.reset();
+}
 
-    for (int64_t n = 1; n <= operations; ++n) {
-        SCOPED_TRACE("failing operation " + std::to_string(n));
-        CDiskFile disk(original());
-        bool reported = false;
+TEST(InjectedFaults, EveryFailingFileOperationOfAChangeIsReportedAndTheNextChangeWorks)
+{
+    const struct {
+        const char* name;
+        Bytes original;
+        void (*change)(chf::IStream*);
+    } rows[] = {
+        {"edit", original(), &edit},
+        {"build", {}, &build},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        Bytes expected;
+        int64_t operations = 0;
         {
-            kore_test::CFailingFiles files(n);
-            try {
-                Ref<chf::CKoreFileStream> stream = disk.open(kore::IStreamManager::kReadWrite);
-                edit(stream.get());
-                stream.reset(); // flushes, and reports a failed flush
-            } catch (const kore::CException&) {
-                reported = true;
-            } catch (const std::exception& e) {
-                ADD_FAILURE() << "not a framework error: " << typeid(e).name();
+            CDiskFile disk(row.original);
+            kore_test::CFailingFiles counting(0);
+            row.change(disk.open(kore::IStreamManager::kReadWrite).get());
+            operations = counting.operations();
+            expected = disk.bytes();
+        }
+        ASSERT_GT(operations, 5);
+        std::printf("%s: failing each of %lld file operations in turn\n", row.name,
+                    static_cast<long long>(operations));
+        ASSERT_NE(expected, row.original);
+
+        for (int64_t n = 1; n <= operations; ++n) {
+            SCOPED_TRACE("failing operation " + std::to_string(n));
+            CDiskFile disk(row.original);
+            bool reported = false;
+            {
+                kore_test::CFailingFiles files(n);
+                try {
+                    Ref<chf::CKoreFileStream> stream = disk.open(kore::IStreamManager::kReadWrite);
+                    row.change(stream.get());
+                    stream.reset(); // flushes, and reports a failed flush
+                } catch (const kore::CException&) {
+                    reported = true;
+                } catch (const std::exception& e) {
+                    ADD_FAILURE() << "not a framework error: " << typeid(e).name();
+                }
+                EXPECT_TRUE(files.failed());
+                EXPECT_TRUE(reported) << "the failing " << files.failedKind() << " went unreported";
             }
-            EXPECT_TRUE(files.failed());
-            EXPECT_TRUE(reported) << "the failing " << files.failedKind() << " went unreported";
+            // Whatever the failure left behind can be walked; nothing more is promised of it.
+            try {
+                walk(Ref<CChunkFile>(CChunkFile::open(disk.open(kore::IStreamManager::kRead).get())).get());
+            } catch (const std::exception&) {
+            }
+            CDiskFile again(row.original);
+            row.change(again.open(kore::IStreamManager::kReadWrite).get());
+            EXPECT_EQ(again.bytes(), expected);
         }
-        // Whatever the failure left behind can be walked; nothing more is promised of it.
-        try {
-            walk(Ref<CChunkFile>(CChunkFile::open(disk.open(kore::IStreamManager::kRead).get())).get());
-        } catch (const std::exception&) {
-        }
-        CDiskFile again(original());
-        edit(again.open(kore::IStreamManager::kReadWrite).get());
-        EXPECT_EQ(again.bytes(), expected);
     }
 }
 
