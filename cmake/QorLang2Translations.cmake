@@ -10,7 +10,8 @@
 # install(FILES).
 #
 # The compiler is the imported target qor_lang2::qorlang (from find_package(qor_lang2)), or,
-# inside the qor_lang2 build itself, its qorlang target.
+# inside the qor_lang2 build itself, its qorlang target. A cross build runs it through
+# CMAKE_CROSSCOMPILING_EMULATOR, or uses the host's own compiler when QORLANG_EXECUTABLE names one.
 include_guard(GLOBAL)
 
 function(qorlang_add_translations target)
@@ -26,10 +27,22 @@ function(qorlang_add_translations target)
   if(NOT TARGET ${target})
     message(FATAL_ERROR "qorlang_add_translations: ${target} is not a target")
   endif()
-  if(TARGET qor_lang2::qorlang)
-    set(tool qor_lang2::qorlang)
-  elseif(TARGET qorlang)
-    set(tool qorlang)
+  if(QORLANG_EXECUTABLE)
+    set(command ${QORLANG_EXECUTABLE})
+    set(tool ${QORLANG_EXECUTABLE})
+  elseif(TARGET qor_lang2::qorlang OR TARGET qorlang)
+    if(TARGET qor_lang2::qorlang)
+      set(tool qor_lang2::qorlang)
+    else()
+      set(tool qorlang)
+    endif()
+    # CMake puts the emulator before targets it builds, not before imported ones.
+    get_target_property(imported ${tool} IMPORTED)
+    if(imported AND CMAKE_CROSSCOMPILING AND CMAKE_CROSSCOMPILING_EMULATOR)
+      set(command ${CMAKE_CROSSCOMPILING_EMULATOR} $<TARGET_FILE:${tool}>)
+    else()
+      set(command ${tool})
+    endif()
   else()
     message(FATAL_ERROR "qorlang_add_translations: no qorlang compiler (find_package(qor_lang2) first)")
   endif()
@@ -53,10 +66,9 @@ function(qorlang_add_translations target)
     if(output IN_LIST outputs)
       message(FATAL_ERROR "qorlang_add_translations(${target}): two sources for ${tag}")
     endif()
-    # The target name as the command: a cross build runs it through its emulator.
     add_custom_command(OUTPUT ${output}
       COMMAND ${CMAKE_COMMAND} -E make_directory ${ARG_OUTPUT_DIRECTORY}
-      COMMAND ${tool} compile ${source} -o ${output} --app-id ${ARG_APP_ID} --language ${tag} ${ARG_OPTIONS}
+      COMMAND ${command} compile ${source} -o ${output} --app-id ${ARG_APP_ID} --language ${tag} ${ARG_OPTIONS}
       DEPENDS ${tool} ${source}
       COMMENT "Compiling translation ${name}"
       VERBATIM)

@@ -1,6 +1,5 @@
 // The twenty functions of qor_lang2.h, answering from a fixed table: application "app" has two
 // languages, de-DE and uk-UA; "greeting" is the one key with a text.
-#define QOR_LANG2_BUILDING
 #include "FakeLibrary.h"
 
 #include "qor_lang2.h"
