@@ -129,37 +129,55 @@ private:
     std::basic_string<Char> m_text;
 };
 
-} // namespace detail
-
-/* Owns one string returned by the library; may be null where the C function may answer null. */
-class String {
+// Move-only owner of one thing the library handed out; Free gives it back exactly once.
+template <typename T, typename Free>
+class Owner {
 public:
-    String() noexcept = default;
-    explicit String(Char* owned) noexcept : m_text(owned) {}
-    String(String&& other) noexcept : m_text(other.release()) {}
-    String& operator=(String&& other) noexcept
+    Owner() noexcept = default;
+    explicit Owner(T owned) noexcept : m_owned(owned) {}
+    Owner(Owner&& other) noexcept : m_owned(other.release()) {}
+    Owner& operator=(Owner&& other) noexcept
     {
         reset(other.release());
         return *this;
     }
-    String(const String&) = delete;
-    String& operator=(const String&) = delete;
-    ~String() { reset(); }
+    Owner(const Owner&) = delete;
+    Owner& operator=(const Owner&) = delete;
+    ~Owner() { reset(); }
 
-    explicit operator bool() const noexcept { return m_text != nullptr; }
-    const Char* get() const noexcept { return m_text; }
-    // Hands the buffer over: the caller must give it to QOR_LANG2_freeWideString.
-    Char* release() noexcept { return std::exchange(m_text, nullptr); }
-    void reset(Char* owned = nullptr) noexcept
+    explicit operator bool() const noexcept { return m_owned != nullptr; }
+    T get() const noexcept { return m_owned; }
+    // Hands it over: the caller must give it back to the library.
+    T release() noexcept { return std::exchange(m_owned, nullptr); }
+    void reset(T owned = nullptr) noexcept
     {
-        if (Char* old = std::exchange(m_text, owned))
-            QOR_LANG2_freeWideString(old);
+        if (T old = std::exchange(m_owned, owned))
+            Free()(old);
     }
+
+private:
+    T m_owned = nullptr;
+};
+
+struct FreeString {
+    void operator()(Char* text) const noexcept { QOR_LANG2_freeWideString(text); }
+};
+struct FreeFile {
+    void operator()(QOR_LANG2_FILE_HANDLE file) const noexcept { QOR_LANG2_freeQorLangFile(file); }
+};
+
+} // namespace detail
+
+/* Owns one string returned by the library (QOR_LANG2_freeWideString); may be null where the C
+ * function may answer null. */
+class String : public detail::Owner<Char*, detail::FreeString> {
+public:
+    using Owner::Owner;
 
     // The text; empty for null.
     std::basic_string_view<Char> view() const noexcept
     {
-        return m_text ? std::basic_string_view<Char>(m_text) : std::basic_string_view<Char>();
+        return get() ? std::basic_string_view<Char>(get()) : std::basic_string_view<Char>();
     }
     std::u16string u16() const
     {
@@ -167,9 +185,6 @@ public:
         return std::u16string(text.begin(), text.end());
     }
     std::string utf8() const { return toUtf8(u16()); }
-
-private:
-    Char* m_text = nullptr;
 };
 
 namespace detail {
@@ -184,29 +199,10 @@ inline String required(Char* owned)
 
 } // namespace detail
 
-/* Owns one language-file handle (null when there was no such file). */
-class File {
+/* Owns one language-file handle (QOR_LANG2_freeQorLangFile); null when there was no such file. */
+class File : public detail::Owner<QOR_LANG2_FILE_HANDLE, detail::FreeFile> {
 public:
-    File() noexcept = default;
-    explicit File(QOR_LANG2_FILE_HANDLE owned) noexcept : m_handle(owned) {}
-    File(File&& other) noexcept : m_handle(other.release()) {}
-    File& operator=(File&& other) noexcept
-    {
-        reset(other.release());
-        return *this;
-    }
-    File(const File&) = delete;
-    File& operator=(const File&) = delete;
-    ~File() { reset(); }
-
-    explicit operator bool() const noexcept { return m_handle != nullptr; }
-    QOR_LANG2_FILE_HANDLE get() const noexcept { return m_handle; }
-    QOR_LANG2_FILE_HANDLE release() noexcept { return std::exchange(m_handle, nullptr); }
-    void reset(QOR_LANG2_FILE_HANDLE owned = nullptr) noexcept
-    {
-        if (QOR_LANG2_FILE_HANDLE old = std::exchange(m_handle, owned))
-            QOR_LANG2_freeQorLangFile(old);
-    }
+    using Owner::Owner;
 
     // The descriptive data; a null String for a null File, an empty one for an item the file
     // lacks.
@@ -220,12 +216,7 @@ public:
     String languageId() const { return ask(QOR_LANG2_FILE_getLanguageID); }
 
 private:
-    String ask(Char* (*accessor)(QOR_LANG2_FILE_HANDLE)) const
-    {
-        return m_handle ? String(accessor(m_handle)) : String();
-    }
-
-    QOR_LANG2_FILE_HANDLE m_handle = nullptr;
+    String ask(Char* (*accessor)(QOR_LANG2_FILE_HANDLE)) const { return get() ? String(accessor(get())) : String(); }
 };
 
 /* ---- The functions ---- */
