@@ -1,0 +1,3 @@
+#include "Formats.h"
+
+#include <gtest/gtest.h>
