@@ -39,7 +39,7 @@ int main(int argc, char** argv)
     std::cout << "greeting = " << greeting << "\n";
     expect(greeting == "Привіт, світе 🌍", "UTF-8 greeting");
     expect(qor_lang2::tr(u"greeting", u"Hello, world") == u"Привіт, світе 🌍", "UTF-16 greeting");
-    expect(qor_lang2::tr("farewell", "Goodbye") == "Goodbye", "a key the language lacks gives the default");
+    expect(qor_lang2::tr("farewell", "Goodbye") == "Goodbye", "a fuzzy entry is left out, so the default answers");
 
     expect(qor_lang2::setCurrentLanguage("de-DE") == 0, "set de-DE");
     expect(qor_lang2::tr("farewell", "Goodbye") == "Auf Wiedersehen", "German farewell");
