@@ -234,9 +234,11 @@ private:
     void readFile(const XMLElement* file)
     {
         if (!m_version2) {
-            if (auto trg = attribute(m_c.path, file, "target-language"); trg && !trg->empty() && !m_c.language) {
+            // The file's own target language rather than lconvert's copy of a PO header.
+            if (auto trg = attribute(m_c.path, file, "target-language"); trg && !trg->empty() && !m_targetLanguage) {
                 m_c.language = *trg;
                 m_c.languageLine = file->GetLineNum();
+                m_targetLanguage = true;
             }
             if (const XMLElement* header = file->FirstChildElement("header")) {
                 for (const XMLElement* g = header->FirstChildElement("prop-group"); g; g = g->NextSiblingElement("prop-group")) {
@@ -344,6 +346,7 @@ private:
 
     Catalogue& m_c;
     bool m_version2 = false;
+    bool m_targetLanguage = false;
 };
 
 // Characters XML 1.0 cannot carry at all.
