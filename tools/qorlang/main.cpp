@@ -306,7 +306,7 @@ int info(const std::vector<std::string>& args)
     const Catalogue c = readQorlang(path, std::vector<uint8_t>(raw.begin(), raw.end()));
     chf::TChunkRef<chf::CMemoryStream> stream(new chf::CMemoryStream(std::vector<uint8_t>(raw.begin(), raw.end())));
     const kore::P<qor_lang::CLanguageFile> file = kore::make<qor_lang::CLanguageFile>(nullptr, *stream);
-    auto row = [](const char* accessor, const std::string& value) { std::printf("%-31s %s\n", accessor, value.c_str()); };
+    auto row = [](const char* accessor, const std::string& value) { std::printf("%-33s %s\n", accessor, value.c_str()); };
     auto text = [](const kore::P<kore::IString>& s) { return "\"" + s->toUTF8() + "\""; };
     row("QOR_LANG2_FILE_getLanguageID", "\"" + encodeUtf8(file->getLanguage().getTag()) + "\"" +
                                             (file->getLanguage().isValid() ? "" : "  (the tag " + quoted(file->getTagText()) + " is not valid)"));

@@ -60,13 +60,13 @@ TEST_F(QorlangTool, CompileTakesTheApplicationIdFromTheOutputName)
     EXPECT_EQ(run("compile de.po -o demo-de-DE.qorlang --language de-DE").status, 0);
     const Result info = run("info demo-de-DE.qorlang");
     EXPECT_EQ(info.status, 0);
-    EXPECT_NE(info.output.find("QOR_LANG2_FILE_getAppID         \"demo\""), std::string::npos) << info.output;
-    EXPECT_NE(info.output.find("QOR_LANG2_FILE_getAuthor        \"Änne\""), std::string::npos) << info.output;
-    EXPECT_NE(info.output.find("QOR_LANG2_FILE_getEnglishName   \"German\""), std::string::npos) << info.output;
-    EXPECT_NE(info.output.find("entries                         1\n"), std::string::npos) << info.output;
+    EXPECT_NE(info.output.find("QOR_LANG2_FILE_getAppID           \"demo\"\n"), std::string::npos) << info.output;
+    EXPECT_NE(info.output.find("QOR_LANG2_FILE_getAuthor          \"Änne\"\n"), std::string::npos) << info.output;
+    EXPECT_NE(info.output.find("QOR_LANG2_FILE_getEnglishSubName  \"Germany\"\n"), std::string::npos) << info.output;
+    EXPECT_NE(info.output.find("entries                           1\n"), std::string::npos) << info.output;
 
     EXPECT_EQ(run("compile de.po -o demo-de-DE.qorlang --language de-DE --use-fuzzy").status, 0);
-    EXPECT_NE(run("info demo-de-DE.qorlang").output.find("entries                         2\n"), std::string::npos);
+    EXPECT_NE(run("info demo-de-DE.qorlang").output.find("entries                           2\n"), std::string::npos);
 }
 
 TEST_F(QorlangTool, FailuresLeaveNoOutputAndSayWhy)
