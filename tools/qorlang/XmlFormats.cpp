@@ -198,6 +198,7 @@ void cFormatFlags(Entry& entry, const XMLElement* flags)
     const std::string_view list = text ? text : "";
     for (size_t at = list.find("c-format"); at != std::string_view::npos; at = list.find("c-format", at + 1)) {
         if (at == 0 || list[at - 1] == ',' || list[at - 1] == ' ') {
+            entry.cFormat = true;
             entry.key = expandSystemDependent(entry.key);
             entry.text = expandSystemDependent(entry.text);
             return;
