@@ -3,7 +3,6 @@
 #include "Unicode.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <map>
 #include <set>
 

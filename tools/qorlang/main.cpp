@@ -10,6 +10,7 @@
 #include "chunk_file/CMemoryStream.h"
 #include "chunk_file/TChunkRef.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <exception>
 #include <map>
