@@ -51,6 +51,10 @@ for file in include/qor_lang2.h include/qor_lang2.hpp "bin/qorlang$exe" "${expec
             "${package#"$prefix"/}/qor_lang2Config.cmake" "${package#"$prefix"/}/qor_lang2ConfigVersion.cmake"; do
   [ -f "$prefix/$file" ] || fail "$file is not installed"
 done
+# Tools that the build made must be installed too.
+if [ -n "$(find "$build" -maxdepth 3 -type f -name "kore_json$exe" -print -quit)" ]; then
+  [ -f "$prefix/bin/kore_json$exe" ] || fail "bin/kore_json$exe is not installed"
+fi
 if [ "$preset" = mingw ]; then
   detail="qor_lang2.dll with its import library"
 else
