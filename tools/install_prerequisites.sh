@@ -16,6 +16,10 @@ packages=(
   g++-mingw-w64-x86-64-posix    # Windows x64 cross compiler (posix threads)
   wine wine64                   # runs the Windows tests and example
   python3 iso-codes             # table generators' up-to-date checks (optional tests)
+  libtinyxml2-dev               # qorlang's XLIFF and Qt TS formats
+  gettext                       # msgfmt/msgunfmt: qorlang's comparison with gettext (optional tests)
+  qttools5-dev-tools            # lconvert: the same catalogue as TS and XLIFF (optional tests)
+  pkg-config                    # the install check builds a C application through pkg-config
 )
 fi
 

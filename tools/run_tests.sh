@@ -1,7 +1,9 @@
 #!/usr/bin/env bash
 # Installs what is missing, then builds and runs every test: Linux release (assertions on),
 # Linux debug under AddressSanitizer + UndefinedBehaviorSanitizer, the tests that start threads
-# under ThreadSanitizer, and the Windows x64 cross build under Wine. Prints CTest's summary per build; fails when any test fails.
+# under ThreadSanitizer, and the Windows x64 cross build under Wine; after the Linux release and
+# the Windows builds, the installed package with two applications built against it. Prints
+# CTest's summary per build; fails when any test fails.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -31,6 +33,13 @@ for preset in "${presets[@]}"; do
   fi
   summary+=("$preset: $line")
   rm -f "$log"
+  if [ "$preset" = linux-release ] || [ "$preset" = mingw ]; then
+    # The installed package, used from outside the tree as an application would.
+    echo "=== $preset: install and consumers"
+    if line=$(tools/check_install.sh "$preset"); then :; else status=1; fi
+    echo "$line"
+    summary+=("$preset: ${line:-install: FAILED}")
+  fi
 done
 
 echo "=== summary"

@@ -1,0 +1,126 @@
+// The twenty functions of qor_lang2.h, answering from a fixed table: application "app" has two
+// languages, de-DE and uk-UA; "greeting" is the one key with a text.
+#include "FakeLibrary.h"
+
+#include "qor_lang2.h"
+
+#include <algorithm>
+#include <initializer_list>
+
+namespace fake_lib {
+
+Books& books()
+{
+    static Books instance;
+    return instance;
+}
+
+namespace {
+
+std::u16string text(const QOR_LANG2_CHAR* argument)
+{
+    std::u16string out;
+    for (; argument && *argument; ++argument)
+        out.push_back(static_cast<char16_t>(*argument));
+    return out;
+}
+
+void record(std::initializer_list<const QOR_LANG2_CHAR*> arguments)
+{
+    books().lastArguments.clear();
+    for (const QOR_LANG2_CHAR* argument : arguments)
+        books().lastArguments.push_back(text(argument));
+}
+
+QOR_LANG2_CHAR* give(std::u16string_view value)
+{
+    auto* buffer = new QOR_LANG2_CHAR[value.size() + 1];
+    std::copy(value.begin(), value.end(), buffer);
+    buffer[value.size()] = 0;
+    books().liveStrings.insert(buffer);
+    ++books().stringsReturned;
+    return buffer;
+}
+
+QOR_LANG2_CHAR* fileItem(QOR_LANG2_FILE_HANDLE file, std::u16string_view value)
+{
+    return books().liveHandles.count(file) ? give(value) : nullptr;
+}
+
+const char16_t* const kTags[] = {u"de-DE", u"uk-UA"};
+int handleStorage[2];
+
+} // namespace
+} // namespace fake_lib
+
+using namespace fake_lib;
+
+extern "C" {
+
+int32_t QOR_LANG2_add(const QOR_LANG2_CHAR* folderPath, void*, const QOR_LANG2_CHAR* appId)
+{
+    record({folderPath, appId});
+    return 0;
+}
+int32_t QOR_LANG2_addEx(const QOR_LANG2_CHAR* folderUri, const QOR_LANG2_CHAR* appId)
+{
+    record({folderUri, appId});
+    return 0;
+}
+int32_t QOR_LANG2_reload(void) { return 0; }
+int32_t QOR_LANG2_setCurrentLanguage(const QOR_LANG2_CHAR* tag)
+{
+    record({tag});
+    return text(tag).size() == 5 ? 0 : 20;
+}
+QOR_LANG2_CHAR* QOR_LANG2_getCurrentLanguage(void) { return books().outOfMemory ? nullptr : give(u"de-DE"); }
+int32_t QOR_LANG2_getLanguageCount(const QOR_LANG2_CHAR* appId) { return text(appId) == u"app" ? 2 : 0; }
+QOR_LANG2_CHAR* QOR_LANG2_getLanguage(const QOR_LANG2_CHAR* appId, int32_t index)
+{
+    return text(appId) == u"app" && index >= 0 && index < 2 ? give(kTags[index]) : nullptr;
+}
+QOR_LANG2_FILE_HANDLE QOR_LANG2_getLanguageFile(const QOR_LANG2_CHAR* appId, int32_t index)
+{
+    if (text(appId) != u"app" || index < 0 || index >= 2)
+        return nullptr;
+    ++books().handlesReturned;
+    return *books().liveHandles.insert(&handleStorage[index]).first;
+}
+QOR_LANG2_CHAR* QOR_LANG2_findLocalizedFile(const QOR_LANG2_CHAR* folderUri, const QOR_LANG2_CHAR* prefix,
+                                            const QOR_LANG2_CHAR* infix, const QOR_LANG2_CHAR* suffix)
+{
+    record({folderUri, prefix, infix, suffix});
+    return text(prefix) == u"help_" ? give(u"/help/help_de-DE.txt") : nullptr;
+}
+QOR_LANG2_CHAR* QOR_LANG2_getLocalString(const QOR_LANG2_CHAR* key, const QOR_LANG2_CHAR* defaultText)
+{
+    record({key, defaultText});
+    if (books().outOfMemory)
+        return nullptr;
+    return give(text(key) == u"greeting" ? u"Grüß Gott, Привіт \U0001F30D" : text(defaultText));
+}
+void QOR_LANG2_freeWideString(QOR_LANG2_CHAR* text)
+{
+    if (!text)
+        return;
+    if (books().liveStrings.erase(text) == 0) {
+        ++books().badFrees;
+        return;
+    }
+    delete[] text;
+}
+void QOR_LANG2_freeQorLangFile(QOR_LANG2_FILE_HANDLE file)
+{
+    if (file && books().liveHandles.erase(file) == 0)
+        ++books().badFrees;
+}
+QOR_LANG2_CHAR* QOR_LANG2_FILE_getAppID(QOR_LANG2_FILE_HANDLE file) { return fileItem(file, u"app"); }
+QOR_LANG2_CHAR* QOR_LANG2_FILE_getAuthor(QOR_LANG2_FILE_HANDLE file) { return fileItem(file, u"Ünal"); }
+QOR_LANG2_CHAR* QOR_LANG2_FILE_getComment(QOR_LANG2_FILE_HANDLE file) { return fileItem(file, u""); }
+QOR_LANG2_CHAR* QOR_LANG2_FILE_getEnglishName(QOR_LANG2_FILE_HANDLE file) { return fileItem(file, u"German"); }
+QOR_LANG2_CHAR* QOR_LANG2_FILE_getEnglishSubName(QOR_LANG2_FILE_HANDLE file) { return fileItem(file, u"Germany"); }
+QOR_LANG2_CHAR* QOR_LANG2_FILE_getNativeName(QOR_LANG2_FILE_HANDLE file) { return fileItem(file, u"Deutsch"); }
+QOR_LANG2_CHAR* QOR_LANG2_FILE_getNativeSubName(QOR_LANG2_FILE_HANDLE file) { return fileItem(file, u"Deutschland"); }
+QOR_LANG2_CHAR* QOR_LANG2_FILE_getLanguageID(QOR_LANG2_FILE_HANDLE file) { return fileItem(file, u"de-DE"); }
+
+} // extern "C"
