@@ -22,7 +22,14 @@ namespace kore {
 
 class CJsonPrinter : public CObject {
 public:
-    explicit CJsonPrinter(bool pretty = false) : m_pretty(pretty) {}
+    // A `lossless` printer writes text that always reads back as the same tree, for files: control
+    // characters as "\u" escapes, floating-point numbers as CDouble::toExactString gives them
+    // instead of with "%g", and it refuses infinities and NaN, which JSON cannot hold
+    // (CInvalidArgError).
+    explicit CJsonPrinter(bool pretty = false, bool lossless = false)
+        : m_pretty(pretty), m_lossless(lossless)
+    {
+    }
 
     bool isPretty() const noexcept { return m_pretty; }
 
@@ -32,8 +39,9 @@ public:
     // The same, appended to `out`.
     void print(const IBase* value, std::u16string& out);
 
-    // `text` with the JSON escapes applied, appended to `out` (no quotes).
-    static void appendEscaped(const IString& text, std::u16string& out);
+    // `text` with the JSON escapes applied, appended to `out` (no quotes); with `allControls`
+    // the other control characters too, as "\u" escapes.
+    static void appendEscaped(const IString& text, std::u16string& out, bool allControls = false);
 
 private:
     void printValue(const IBase* value, std::u16string& out);
@@ -44,6 +52,7 @@ private:
     void beginItem(bool first, std::u16string& out) const;
 
     const bool m_pretty;
+    const bool m_lossless;
     // One tab per level of nesting.
     std::u16string m_indent;
 };
