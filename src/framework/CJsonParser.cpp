@@ -346,7 +346,9 @@ P<IBase> CJsonParser::parseNumber()
     if (integral) {
         int64_t value = 0;
         const auto result = std::from_chars(first, last, value);
-        if (result.ec == std::errc() && result.ptr == last) {
+        // "-0" stays a double: an integer would lose the sign, and the printer writes -0.0 as
+        // "-0", which must read back as what it was printed from.
+        if (result.ec == std::errc() && result.ptr == last && !(value == 0 && text[0] == '-')) {
             if (value >= std::numeric_limits<int32_t>::min() && value <= std::numeric_limits<int32_t>::max())
                 return make<CInt>(static_cast<int32_t>(value));
             return make<CInt64>(value);
