@@ -198,9 +198,14 @@ TEST(ValueStore, FailuresLoseNoData)
 
         // A missing file, and files that do not parse, leave the list as it was.
         EXPECT_THROW(store->load(), CFileNotFoundError);
-        const char* broken[] = {"", json ? "{\"a\":" : "<values><value name=\"a\" type=\"int\">1</value>",
-                                json ? "[1]" : "<other/>", json ? "{\"a\":\"\xC3\"}" : "<values><value type=\"int\">1</value></values>",
-                                json ? "{\"a\":1}x" : "<values><value name=\"a\" type=\"int\">x</value></values>"};
+        // Cut short, not a list, an unnamed entry or bad UTF-8, a value of the wrong form.
+        const char* broken[] = {
+            "",
+            json ? "{\"a\":" : "<values><value name=\"a\" type=\"int\">1</value>",
+            json ? "[1]" : "<other/>",
+            json ? "{\"a\":\"\xC3\"}" : "<values><value type=\"int\">1</value></values>",
+            json ? "{\"a\":1}x" : "<values><value name=\"a\" type=\"int\">x</value></values>",
+        };
         for (const char* content : broken) {
             SCOPED_TRACE(content);
             folder.writeFile(name, content);
