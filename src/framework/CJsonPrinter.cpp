@@ -131,7 +131,15 @@ void CJsonPrinter::printValue(const IBase* value, std::u16string& out)
                 printValue(a.get(i).get(), out);
             }
         }, out);
-    } else if (const auto* text = tryCast<IString>(value)) {
+    } else {
+        printScalar(*value, out);
+    }
+}
+
+void CJsonPrinter::printScalar(const IBase& scalar, std::u16string& out)
+{
+    const IBase* value = &scalar;
+    if (const auto* text = tryCast<IString>(value)) {
         out.push_back(u'"');
         appendEscaped(*text, out, m_lossless);
         out.push_back(u'"');

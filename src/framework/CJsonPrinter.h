@@ -45,6 +45,9 @@ public:
 
 private:
     void printValue(const IBase* value, std::u16string& out);
+    // Everything but maps and arrays. Kept out of printValue so that the frame of the recursion
+    // stays small: deep trees must not exhaust a thread's stack.
+    [[gnu::noinline]] void printScalar(const IBase& scalar, std::u16string& out);
     template <class Container, class PrintItems>
     void printContainer(char16_t open, char16_t close, const Container& container,
                         const PrintItems& printItems, std::u16string& out);
