@@ -16,6 +16,7 @@ packages=(
   g++-mingw-w64-x86-64-posix    # Windows x64 cross compiler (posix threads)
   wine wine64                   # runs the Windows tests and example
   python3 iso-codes             # table generators' up-to-date checks (optional tests)
+  clang libfuzzer-14-dev        # fuzz targets (linux-fuzz preset): clang 14 with libFuzzer
 )
 fi
 
