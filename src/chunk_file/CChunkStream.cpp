@@ -80,8 +80,9 @@ void CChunkStream::setPosition(int64_t position)
 
 int64_t CChunkStream::write(const void* buffer, int32_t count)
 {
-    if (m_position + count > m_length) {
-        const int64_t grow = m_position + count - m_length;
+    const int64_t end = saturatingAdd(m_position, count);
+    if (end > m_length) {
+        const int64_t grow = end - m_length;
         const int64_t at = saturatingAdd(m_base, m_length);
         m_parent->setPosition(at);
         m_parent->insertSpace(grow);
@@ -91,7 +92,7 @@ int64_t CChunkStream::write(const void* buffer, int32_t count)
     }
     m_parent->setPosition(saturatingAdd(m_base, m_position));
     const int64_t result = m_parent->write(buffer, count);
-    m_position += count;
+    m_position = end;
     return result;
 }
 

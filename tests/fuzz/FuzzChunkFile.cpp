@@ -35,7 +35,8 @@ public:
 
     int64_t write(const void* buffer, int32_t count) override
     {
-        refuseBeyond(getPosition() + count);
+        if (getPosition() > kLimit - count)
+            throw std::length_error("stream full");
         return CMemoryStream::write(buffer, count);
     }
     void extend(int64_t newLength) override

@@ -8,6 +8,7 @@
 #include "framework/CString.h"
 #include "framework/CStringFormat.h"
 
+#include <cstdint>
 #include <cstring>
 #include <exception>
 
@@ -34,7 +35,14 @@ bool asksForHugePadding(const std::u16string& format)
     return false;
 }
 
-void pushOne(kore::CStringFormat& format, CFuzzInput& input)
+// A "*" takes its count from an integer argument: counts inside the formatter's range are kept
+// small, larger ones stay (the formatter refuses them).
+int64_t starSafe(int64_t value)
+{
+    return value >= INT32_MIN && value <= INT32_MAX ? value % 4096 : value;
+}
+
+void pushOne(kore::CStringFormat& format, CFuzzInput& input, bool hasStar)
 {
     const uint8_t choice = input.byte();
     uint32_t kind = format.getFieldKind();
@@ -42,12 +50,15 @@ void pushOne(kore::CStringFormat& format, CFuzzInput& input)
         kind = choice % 5;
     switch (kind) {
     case kore::CStringFormat::kInteger: {
-        // A "*" takes an integer too; keep those small.
-        const int64_t value = static_cast<int64_t>(static_cast<uint64_t>(input.u32()) << 32 | input.u32());
+        int64_t value = static_cast<int64_t>(static_cast<uint64_t>(input.u32()) << 32 | input.u32());
+        if (choice & 2)
+            value %= 8192;
+        else if (hasStar)
+            value = starSafe(value);
         if (choice & 1)
-            format.pushInt(choice & 2 ? value % 8192 : value);
+            format.pushInt(value);
         else
-            format.pushUInt(static_cast<uint64_t>(value) % (choice & 2 ? 8192 : UINT64_MAX));
+            format.pushUInt(value < 0 && hasStar ? static_cast<uint64_t>(-(value + 1)) : static_cast<uint64_t>(value));
         break;
     }
     case kore::CStringFormat::kFloat: {
@@ -77,11 +88,12 @@ void fuzzStringFormat(const uint8_t* data, size_t size)
     const std::u16string formatText(formatBytes.begin(), formatBytes.end());
     if (asksForHugePadding(formatText))
         return;
+    const bool hasStar = formatText.find(u'*') != std::u16string::npos;
     try {
         kore::CStringFormat format(kore::CStringArg(formatText.data(), static_cast<uint32_t>(formatText.size())));
         for (int i = 0; i < 64 && !input.empty(); ++i) {
             try {
-                pushOne(format, input);
+                pushOne(format, input, hasStar);
             } catch (const std::exception&) {
             }
         }
