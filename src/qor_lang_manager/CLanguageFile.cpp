@@ -156,6 +156,8 @@ void CLanguageFile::load(chf::IStream& stream)
     if (auto author = doc.extra.find(u"QOR_LANG_AUTHOR"); author != doc.extra.end())
         m_author = make<kore::CUTF16String>(std::u16string_view(author->second));
     m_appString2 = toFrameworkString(doc.appString2);
+    m_tagText = doc.tag.value_or(u"");
+    m_version = doc.version;
 }
 
 namespace {

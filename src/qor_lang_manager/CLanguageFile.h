@@ -13,6 +13,7 @@
 #include "qor_lang_manager/LanguageId.h"
 
 #include <functional>
+#include <cstdint>
 #include <string>
 
 namespace qor_lang {
@@ -36,6 +37,9 @@ public:
     kore::P<kore::IString> getNativeName() const { return m_nativeName; }
     kore::P<kore::IString> getNativeSubName() const { return m_nativeSubName; }
     kore::P<kore::IString> getComment() const { return m_comment; }
+    // The "lang" tag as the file writes it (valid or not) and the "vers" value, for tools.
+    const std::u16string& getTagText() const { return m_tagText; }
+    uint32_t getVersion() const { return m_version; }
 
     // The texts of the file's string table by key, each key answered as the table's order makes
     // it answer. Reopens the file at the source location. Throws like the constructor, and
@@ -60,6 +64,8 @@ private:
     kore::P<kore::IString> m_nativeName;
     kore::P<kore::IString> m_nativeSubName;
     kore::P<kore::IString> m_comment;
+    std::u16string m_tagText;
+    uint32_t m_version = 0;
 };
 
 } // namespace qor_lang

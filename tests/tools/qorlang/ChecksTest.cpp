@@ -1,0 +1,138 @@
+// What check and stats report: placeholders compared field by field, keys missing against a
+// reference, keys defined twice with the text the library will answer, names and tags the library
+// would not accept.
+#include "Checks.h"
+#include "Formats.h"
+
+#include <gtest/gtest.h>
+
+using namespace qorlang;
+
+namespace {
+
+Placeholders ph(std::vector<std::string> ordered, std::vector<std::string> named) { return {std::move(ordered), std::move(named)}; }
+
+Catalogue catalogue(const std::string& path, std::vector<Entry> entries, std::u16string language = u"de-DE")
+{
+    Catalogue c;
+    c.path = path;
+    c.language = std::move(language);
+    c.languageLine = 1;
+    c.entries = std::move(entries);
+    return c;
+}
+
+std::vector<std::string> messages(const std::vector<Finding>& findings)
+{
+    std::vector<std::string> out;
+    for (const Finding& f : findings)
+        out.push_back(std::to_string(f.line) + (f.error ? " E " : " W ") + f.message);
+    return out;
+}
+
+} // namespace
+
+TEST(Checks, PlaceholdersOfAText)
+{
+    const std::pair<std::u16string, Placeholders> cases[] = {
+        {u"no fields, 100%% sure, a lone %", ph({}, {})},
+        {u"%s has %d of %-5.2f and %ld, %lld, %zu, %*d", ph({"%s", "%d", "%f", "%ld", "%lld", "%zu", "%*d"}, {})},
+        {u"%2$s before %1$d", ph({}, {"%1$d", "%2$s"})},
+        {u"%d%% and %s%", ph({"%d", "%s"}, {})},
+        {u"Hello %USER_NAME%, %d%", ph({"%d"}, {"%USER_NAME%"})},
+        {u"{name} has {{count}} and {0}, not { spaced } or {}", ph({}, {"{0}", "{count}", "{name}"})},
+        {u"%<PRIu64> stays unread", ph({}, {})},
+    };
+    for (const auto& [text, expected] : cases) {
+        SCOPED_TRACE(std::string(text.begin(), text.end()));
+        EXPECT_EQ(placeholdersOf(text).ordered, expected.ordered);
+        EXPECT_EQ(placeholdersOf(text).named, expected.named);
+    }
+    EXPECT_EQ(describeDifference(placeholdersOf(u"%s %d {a}"), placeholdersOf(u"%s {b}")), "missing %d {a}, extra {b}");
+    EXPECT_EQ(describeDifference(placeholdersOf(u"%s %d"), placeholdersOf(u"%d %s")),
+              "printf fields in another order (%d %s instead of %s %d; number them, as in %1$s, to reorder)");
+}
+
+TEST(Checks, AgainstAReference)
+{
+    const Catalogue reference = catalogue("en-US.txt", {{u"greet", u"Hello %s", 1},
+                                                        {u"count", u"%d files in {dir}", 2},
+                                                        {u"title", u"Title", 3},
+                                                        {u"only.ref", u"x", 4}},
+                                          u"en-US");
+    const Catalogue here = catalogue("de-DE.txt", {{u"greet", u"Hallo %d", 1},
+                                                   {u"count", u"{dir}: %d Dateien", 2},
+                                                   {u"title", u"", 3},
+                                                   {u"title", u"Titel", 5}});
+    EXPECT_EQ(messages(checkCatalogue(here, &reference, nullptr)),
+              (std::vector<std::string>{
+                  "0 W key \"only.ref\" of the reference (line 4) has no translation here",
+                  "1 E key \"greet\": placeholders differ from the reference's text (line 1): missing %s, extra %d",
+                  "3 W key \"title\" has an empty text; the library treats it as missing",
+                  "5 E key \"title\" is defined 2 times (lines 3, 5); the library will answer \"Titel\"",
+              }));
+
+    const Stats s = statsOf(here, &reference);
+    EXPECT_EQ(s.entries, 3u);
+    EXPECT_EQ(s.translated, 3u);
+    EXPECT_EQ(s.missing, 1u);
+    EXPECT_DOUBLE_EQ(s.percent, 75.0);
+}
+
+TEST(Checks, SourceFormatsWithoutReference)
+{
+    Catalogue po = catalogue("de.po", {{u"%s of %d", u"%d von %s", 4},
+                                       {u"one file", u"%d Datei", 7, false, false, true}, // plural: own rules
+                                       {u"fuzzy", u"unscharf", 9, true},
+                                       {u"untranslated", u"", 11}},
+                             u"de");
+    EXPECT_EQ(messages(checkCatalogue(po, nullptr, nullptr)),
+              (std::vector<std::string>{
+                  "0 W 1 untranslated and 1 fuzzy entries; compile leaves them out (fuzzy ones stay with --use-fuzzy)",
+                  "1 W the language \"de\" is not a tag QOR_LANG2_setCurrentLanguage accepts (it needs language-COUNTRY, such as de-DE); compile needs --language",
+                  "4 E key \"%s of %d\": placeholders differ from the source text: printf fields in another order (%d %s instead of %s %d; number them, as in %1$s, to reorder)",
+              }));
+    const Stats s = statsOf(po, nullptr);
+    EXPECT_EQ(s.entries, 4u);
+    EXPECT_EQ(s.translated, 2u);
+    EXPECT_EQ(s.fuzzy, 1u);
+    EXPECT_DOUBLE_EQ(s.percent, 50.0);
+}
+
+TEST(Checks, LanguageFileNameTagAndDuplicates)
+{
+    // Two entries with one key: the library's table, not the file order, decides the answer.
+    Catalogue c = catalogue("dir/demo-de-DE.qorlang", {{u"k", u"first"}, {u"k", u"second"}});
+    c.appId = u"demo";
+    std::vector<uint8_t> bytes = compileLanguageFile(c, {});
+    EXPECT_EQ(answerOf(bytes, u"k"), u"second"); // compile keeps one, the later
+    c.entries = readQorlang("dir/demo-de-DE.qorlang", bytes).entries;
+    ASSERT_EQ(c.entries.size(), 1u);
+
+    const auto findings = [&](const std::string& path, std::u16string appId, std::u16string tag) {
+        Catalogue file = c;
+        file.path = path;
+        file.appId = std::move(appId);
+        file.language = std::move(tag);
+        return messages(checkCatalogue(file, nullptr, &bytes));
+    };
+    EXPECT_TRUE(findings("dir/demo-de-DE.qorlang", u"demo", u"de-DE").empty());
+    EXPECT_TRUE(findings("demo-de-DE.qorlang", u"demo-", u"DE-de").empty()); // "--" is read as "-"
+    EXPECT_EQ(findings("dir/demo_de-DE.qorlang", u"demo", u"de-DE"),
+              (std::vector<std::string>{"0 E the library looks for this file under the name \"demo-de-DE.qorlang\", never under this one"}));
+    EXPECT_EQ(findings("dir/demo-de.qorlang", u"demo", u"de"),
+              (std::vector<std::string>{"1 E the language \"de\" is not a tag QOR_LANG2_setCurrentLanguage accepts (it needs language-COUNTRY, such as de-DE)"}));
+}
+
+TEST(Checks, TagsAndFileNames)
+{
+    const std::pair<std::u16string, std::optional<std::u16string>> tags[] = {
+        {u"ru_RU", u"ru-RU"}, {u"de-de", u"de-DE"}, {u"sr_RS@latin", u"sr-RS"}, {u"pt_BR.UTF-8", u"pt-BR"},
+        {u"de", std::nullopt}, {u"", std::nullopt}, {u"xx-YY", std::nullopt}, {u"de-DE-1996", std::nullopt},
+    };
+    for (const auto& [written, expected] : tags)
+        EXPECT_EQ(normalisedTag(written), expected) << std::string(written.begin(), written.end());
+    EXPECT_EQ(languageFileName(u"app", u"de-DE"), u"app-de-DE.qorlang");
+    EXPECT_EQ(languageFileName(u"app-", u"de-DE"), u"app-de-DE.qorlang");
+    EXPECT_EQ(languageFileName(u"a---", u"de-DE"), u"a--de-DE.qorlang");
+}

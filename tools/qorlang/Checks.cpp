@@ -1,0 +1,323 @@
+#include "Checks.h"
+#include "Formats.h"
+#include "Unicode.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <map>
+#include <set>
+
+namespace qorlang {
+
+namespace {
+
+bool isIdentifierStart(char16_t c) { return (c >= u'A' && c <= u'Z') || (c >= u'a' && c <= u'z') || c == u'_'; }
+bool isIdentifierChar(char16_t c) { return isIdentifierStart(c) || (c >= u'0' && c <= u'9'); }
+bool isDigit(char16_t c) { return c >= u'0' && c <= u'9'; }
+
+// A word that is itself a printf field ("%d%" is "%d" followed by a percent sign).
+bool looksLikePrintf(std::u16string_view word)
+{
+    static const std::u16string_view lengths[] = {u"hh", u"ll", u"h", u"l", u"j", u"z", u"t", u"L", u"q", u""};
+    for (std::u16string_view length : lengths) {
+        if (word.size() == length.size() + 1 && word.substr(0, length.size()) == length &&
+            std::u16string_view(u"diouxXeEfFgGaAcspn").find(word.back()) != std::u16string_view::npos)
+            return true;
+    }
+    return false;
+}
+
+// Reads a printf field starting at text[i] == '%'; returns its length (0: not a field) and the
+// field's identity: position, length modifier and conversion (flags, width and precision may
+// differ between languages).
+size_t readPrintf(std::u16string_view text, size_t i, std::string& identity, bool& positional)
+{
+    size_t j = i + 1;
+    identity = "%";
+    positional = false;
+    size_t digits = j;
+    while (digits < text.size() && isDigit(text[digits]))
+        ++digits;
+    if (digits > j && digits < text.size() && text[digits] == u'$') {
+        identity += encodeUtf8(text.substr(j, digits + 1 - j));
+        positional = true;
+        j = digits + 1;
+    }
+    while (j < text.size() && std::u16string_view(u"-+ #0'I").find(text[j]) != std::u16string_view::npos)
+        ++j;
+    auto skipCount = [&] {
+        if (j < text.size() && text[j] == u'*') {
+            ++j;
+            while (j < text.size() && isDigit(text[j]))
+                ++j;
+            if (j < text.size() && text[j] == u'$')
+                ++j;
+            identity += "*";
+        } else {
+            while (j < text.size() && isDigit(text[j]))
+                ++j;
+        }
+    };
+    skipCount();
+    if (j < text.size() && text[j] == u'.') {
+        ++j;
+        skipCount();
+    }
+    const size_t lengthStart = j;
+    while (j < text.size() && std::u16string_view(u"hljztLq").find(text[j]) != std::u16string_view::npos)
+        ++j;
+    if (j >= text.size() || std::u16string_view(u"diouxXeEfFgGaAcspnCS").find(text[j]) == std::u16string_view::npos)
+        return 0;
+    identity += encodeUtf8(text.substr(lengthStart, j + 1 - lengthStart));
+    return j + 1 - i;
+}
+
+} // namespace
+
+Placeholders placeholdersOf(std::u16string_view text)
+{
+    Placeholders out;
+    for (size_t i = 0; i < text.size();) {
+        if (text[i] == u'%') {
+            if (i + 1 < text.size() && text[i + 1] == u'%') {
+                i += 2;
+                continue;
+            }
+            size_t end = i + 1;
+            if (end < text.size() && isIdentifierStart(text[end])) {
+                while (end < text.size() && isIdentifierChar(text[end]))
+                    ++end;
+                const std::u16string_view word = text.substr(i + 1, end - i - 1);
+                if (end < text.size() && text[end] == u'%' && !looksLikePrintf(word)) {
+                    out.named.push_back(encodeUtf8(text.substr(i, end + 1 - i)));
+                    i = end + 1;
+                    continue;
+                }
+            }
+            std::string identity;
+            bool positional = false;
+            if (const size_t length = readPrintf(text, i, identity, positional)) {
+                (positional ? out.named : out.ordered).push_back(identity);
+                i += length;
+                continue;
+            }
+            ++i;
+        } else if (text[i] == u'{') {
+            size_t end = i + 1;
+            while (end < text.size() && (isIdentifierChar(text[end]) || text[end] == u'.' || text[end] == u'-' || text[end] == u'$'))
+                ++end;
+            if (end > i + 1 && end < text.size() && text[end] == u'}') {
+                out.named.push_back(encodeUtf8(text.substr(i, end + 1 - i)));
+                i = end + 1;
+            } else {
+                ++i;
+            }
+        } else {
+            ++i;
+        }
+    }
+    std::sort(out.named.begin(), out.named.end());
+    return out;
+}
+
+std::string describeDifference(const Placeholders& expected, const Placeholders& actual)
+{
+    std::multiset<std::string> want(expected.named.begin(), expected.named.end());
+    std::multiset<std::string> have(actual.named.begin(), actual.named.end());
+    want.insert(expected.ordered.begin(), expected.ordered.end());
+    have.insert(actual.ordered.begin(), actual.ordered.end());
+    std::vector<std::string> missing, extra;
+    std::set_difference(want.begin(), want.end(), have.begin(), have.end(), std::back_inserter(missing));
+    std::set_difference(have.begin(), have.end(), want.begin(), want.end(), std::back_inserter(extra));
+    auto list = [](const std::vector<std::string>& items) {
+        std::string s;
+        for (const auto& item : items)
+            s += (s.empty() ? "" : " ") + item;
+        return s;
+    };
+    std::string out;
+    if (!missing.empty())
+        out += "missing " + list(missing);
+    if (!extra.empty())
+        out += std::string(out.empty() ? "" : ", ") + "extra " + list(extra);
+    if (out.empty())
+        out = "printf fields in another order (" + list(actual.ordered) + " instead of " + list(expected.ordered) +
+              "; number them, as in %1$s, to reorder)";
+    return out;
+}
+
+std::string quoted(std::u16string_view text)
+{
+    std::u16string shown;
+    for (char16_t c : text) {
+        if (c == kContextSeparator)
+            shown += u"|";
+        else if (c == u'\n')
+            shown += u"\\n";
+        else if (c < 0x20)
+            shown += u' ';
+        else
+            shown.push_back(c);
+        if (shown.size() >= 60) {
+            shown += u"...";
+            break;
+        }
+    }
+    return "\"" + encodeUtf8(shown) + "\"";
+}
+
+std::vector<Finding> checkCatalogue(const Catalogue& c, const Catalogue* reference, const std::vector<uint8_t>* languageFile)
+{
+    std::vector<Finding> out;
+    const bool compiled = languageFile != nullptr;
+    const std::string name = c.path.substr(c.path.find_last_of("/\\") == std::string::npos ? 0 : c.path.find_last_of("/\\") + 1);
+
+    // The language tag, and for a language file the name the library looks for.
+    std::optional<std::u16string> tag;
+    if (!c.language || c.language->empty()) {
+        out.push_back({0, compiled, compiled ? "the file names no language" : "the file names no language; compile needs --language"});
+    } else if (!(tag = normalisedTag(*c.language))) {
+        out.push_back({c.languageLine, compiled,
+                       "the language " + quoted(*c.language) +
+                           " is not a tag QOR_LANG2_setCurrentLanguage accepts (it needs language-COUNTRY, such as de-DE)" +
+                           (compiled ? "" : "; compile needs --language")});
+    }
+    if (compiled && tag) {
+        const std::u16string expected = languageFileName(c.appId.value_or(u""), *tag);
+        if (c.appId.value_or(u"").empty())
+            out.push_back({0, true, "the file has no application id"});
+        else if (encodeUtf8(expected) != name)
+            out.push_back({0, true, "the library looks for this file under the name " + quoted(expected) + ", never under this one"});
+    }
+
+    // Keys defined more than once.
+    std::map<std::u16string_view, std::vector<const Entry*>> byKey;
+    for (const Entry& e : c.entries) {
+        if (!e.obsolete)
+            byKey[e.key].push_back(&e);
+    }
+    std::vector<uint8_t> compiledForAnswers;
+    for (const auto& [key, defs] : byKey) {
+        if (defs.size() < 2)
+            continue;
+        std::u16string answer;
+        if (compiled) {
+            answer = answerOf(*languageFile, std::u16string(key));
+        } else {
+            for (const Entry* e : defs)
+                if (e->usable(false))
+                    answer = e->text;
+        }
+        std::string lines;
+        for (const Entry* e : defs)
+            if (e->line)
+                lines += (lines.empty() ? "lines " : ", ") + std::to_string(e->line);
+        out.push_back({defs.back()->line, true,
+                       "key " + quoted(key) + " is defined " + std::to_string(defs.size()) + " times" +
+                           (lines.empty() ? "" : " (" + lines + ")") + "; the library will answer " +
+                           (answer.empty() ? std::string("the caller's default") : quoted(answer))});
+    }
+
+    // Empty texts: one line each where they are unusual, a count where translators expect them.
+    size_t untranslated = 0, fuzzy = 0;
+    for (const Entry& e : c.entries) {
+        if (e.obsolete)
+            continue;
+        if (e.text.empty()) {
+            if (compiled || formatOf(c.path) == Format::Text)
+                out.push_back({e.line, false, "key " + quoted(e.key) + " has an empty text; the library treats it as missing"});
+            else
+                ++untranslated;
+        } else if (e.fuzzy) {
+            ++fuzzy;
+        }
+    }
+    if (untranslated || fuzzy)
+        out.push_back({0, false,
+                       std::to_string(untranslated) + " untranslated and " + std::to_string(fuzzy) +
+                           " fuzzy entries; compile leaves them out (fuzzy ones stay with --use-fuzzy)"});
+
+    // Placeholders against the reference's text of the same key, or against the entry's own
+    // source text where the key is one (PO and TS; plural forms follow their own rules).
+    std::map<std::u16string_view, const Entry*> referenceTexts;
+    if (reference) {
+        for (const Entry& e : reference->entries)
+            if (!e.obsolete)
+                referenceTexts[e.key] = &e;
+    }
+    const bool sourceKeyed = !compiled && (formatOf(c.path) == Format::Po || formatOf(c.path) == Format::Ts);
+    for (const Entry& e : c.entries) {
+        if (!e.usable(true))
+            continue;
+        std::u16string_view expectedText;
+        std::string against;
+        if (reference) {
+            auto it = referenceTexts.find(e.key);
+            if (it == referenceTexts.end() || it->second->text.empty())
+                continue;
+            expectedText = it->second->text;
+            against = "the reference's text" + (it->second->line ? " (line " + std::to_string(it->second->line) + ")" : std::string());
+        } else if (sourceKeyed && !e.plural) {
+            expectedText = splitKey(e.key).second;
+            against = "the source text";
+        } else {
+            continue;
+        }
+        const Placeholders want = placeholdersOf(expectedText);
+        const Placeholders have = placeholdersOf(e.text);
+        if (!(want == have))
+            out.push_back({e.line, true, "key " + quoted(e.key) + ": placeholders differ from " + against + ": " + describeDifference(want, have)});
+    }
+
+    // Reference keys without a translation here.
+    if (reference) {
+        std::set<std::u16string_view> here;
+        for (const Entry& e : c.entries)
+            if (e.usable(false))
+                here.insert(e.key);
+        std::set<std::u16string_view> reported;
+        for (const Entry& e : reference->entries) {
+            if (e.obsolete || here.count(e.key) || !reported.insert(e.key).second)
+                continue;
+            out.push_back({0, false,
+                           "key " + quoted(e.key) + " of the reference" + (e.line ? " (line " + std::to_string(e.line) + ")" : std::string()) +
+                               " has no translation here"});
+        }
+    }
+    std::stable_sort(out.begin(), out.end(), [](const Finding& a, const Finding& b) { return a.line < b.line; });
+    return out;
+}
+
+Stats statsOf(const Catalogue& c, const Catalogue* reference)
+{
+    Stats s;
+    std::set<std::u16string_view> keys, translated, fuzzy;
+    for (const Entry& e : c.entries) {
+        if (e.obsolete)
+            continue;
+        keys.insert(e.key);
+        if (e.usable(false))
+            translated.insert(e.key);
+        else if (e.usable(true))
+            fuzzy.insert(e.key);
+    }
+    s.entries = keys.size();
+    s.translated = translated.size();
+    for (auto k : translated)
+        fuzzy.erase(k);
+    s.fuzzy = fuzzy.size();
+    if (reference) {
+        std::set<std::u16string_view> wanted;
+        for (const Entry& e : reference->entries)
+            if (!e.obsolete)
+                wanted.insert(e.key);
+        for (auto k : wanted)
+            s.missing += translated.count(k) ? 0 : 1;
+        s.percent = wanted.empty() ? 100.0 : 100.0 * double(wanted.size() - s.missing) / double(wanted.size());
+    } else {
+        s.percent = s.entries == 0 ? 100.0 : 100.0 * double(s.translated) / double(s.entries);
+    }
+    return s;
+}
+
+} // namespace qorlang

@@ -1,0 +1,205 @@
+#include "Formats.h"
+#include "Unicode.h"
+
+#include "framework/CParseError.h"
+#include "qor_lang_manager/LanguageId.h"
+
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <sstream>
+
+namespace qorlang {
+
+namespace fs = std::filesystem;
+
+void fail(std::string_view path, int line, std::string_view message)
+{
+    std::string text(path);
+    if (line > 0)
+        text += ":" + std::to_string(line);
+    text += ": ";
+    text += message;
+    const std::u16string utf16 = decodeUtf8(text).value_or(u"(message not valid UTF-8)");
+    throw kore::CParseError(kore::CStringArg(utf16.c_str(), static_cast<uint32_t>(utf16.size())));
+}
+
+namespace {
+
+fs::path pathOf(const std::string& utf8)
+{
+    return fs::path(std::u8string(reinterpret_cast<const char8_t*>(utf8.data()), utf8.size()));
+}
+
+std::string lowerExtension(const std::string& path)
+{
+    const size_t slash = path.find_last_of("/\\");
+    const size_t dot = path.rfind('.');
+    if (dot == std::string::npos || (slash != std::string::npos && dot < slash))
+        return {};
+    std::string ext = path.substr(dot);
+    for (char& c : ext)
+        c = static_cast<char>(c >= 'A' && c <= 'Z' ? c + 32 : c);
+    return ext;
+}
+
+} // namespace
+
+Format formatOf(const std::string& path)
+{
+    const std::string ext = lowerExtension(path);
+    if (ext == ".po")
+        return Format::Po;
+    if (ext == ".xlf" || ext == ".xliff")
+        return Format::Xliff;
+    if (ext == ".ts")
+        return Format::Ts;
+    if (ext == ".json")
+        return Format::Json;
+    if (ext == ".txt")
+        return Format::Text;
+    if (ext == ".qorlang")
+        return Format::Qorlang;
+    fail(path, 0, "unknown format (the extension must be .po, .xlf, .xliff, .ts, .json, .txt or .qorlang)");
+}
+
+bool formatAvailable(Format format)
+{
+    switch (format) {
+    case Format::Xliff:
+    case Format::Ts:
+#ifdef QORLANG_WITH_XML
+        return true;
+#else
+        return false;
+#endif
+    case Format::Json:
+        return false;
+    default:
+        return true;
+    }
+}
+
+namespace {
+
+void requireAvailable(const std::string& path, Format format)
+{
+    if (formatAvailable(format))
+        return;
+    if (format == Format::Json)
+        fail(path, 0, "i18next JSON is not supported yet by this qorlang");
+    fail(path, 0, "this qorlang was built without XML support (TinyXML-2), so it cannot handle XLIFF or TS");
+}
+
+} // namespace
+
+std::string readFileBytes(const std::string& path)
+{
+    std::ifstream in(pathOf(path), std::ios::binary);
+    if (!in)
+        fail(path, 0, "cannot open the file for reading");
+    std::ostringstream bytes;
+    bytes << in.rdbuf();
+    if (in.bad())
+        fail(path, 0, "cannot read the file");
+    return std::move(bytes).str();
+}
+
+void writeFileAtomically(const std::string& path, std::string_view bytes)
+{
+    const fs::path target = pathOf(path);
+    fs::path temporary = target;
+    temporary += ".tmp" + std::to_string(std::random_device()() % 1000000);
+    {
+        std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
+        if (!out)
+            fail(path, 0, "cannot create the file");
+        out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+        out.close();
+        if (!out) {
+            std::error_code ignored;
+            fs::remove(temporary, ignored);
+            fail(path, 0, "cannot write the file");
+        }
+    }
+    std::error_code error;
+    fs::rename(temporary, target, error);
+    if (error && fs::exists(target)) {
+        // Where renaming onto an existing file is refused, make room first.
+        std::error_code ignored;
+        fs::remove(target, ignored);
+        error.clear();
+        fs::rename(temporary, target, error);
+    }
+    if (error) {
+        std::error_code ignored;
+        fs::remove(temporary, ignored);
+        fail(path, 0, "cannot write the file: " + error.message());
+    }
+}
+
+Catalogue readCatalogue(const std::string& path)
+{
+    const Format format = formatOf(path);
+    requireAvailable(path, format);
+    const std::string bytes = readFileBytes(path);
+    switch (format) {
+    case Format::Po:
+        return readPo(path, bytes);
+#ifdef QORLANG_WITH_XML
+    case Format::Xliff:
+        return readXliff(path, bytes);
+    case Format::Ts:
+        return readTs(path, bytes);
+#endif
+    case Format::Text:
+        return readText(path, bytes);
+    case Format::Qorlang:
+        return readQorlang(path, std::vector<uint8_t>(bytes.begin(), bytes.end()));
+    default:
+        fail(path, 0, "cannot read this format");
+    }
+}
+
+std::string writeCatalogue(const Catalogue& catalogue, Format format)
+{
+    switch (format) {
+    case Format::Po:
+        return writePo(catalogue);
+#ifdef QORLANG_WITH_XML
+    case Format::Xliff:
+        return writeXliff(catalogue);
+    case Format::Ts:
+        return writeTs(catalogue);
+#endif
+    default:
+        fail(catalogue.path, 0, "cannot write this format");
+    }
+}
+
+std::optional<std::u16string> normalisedTag(std::u16string_view written)
+{
+    std::u16string tag(written.substr(0, written.find_first_of(u".@")));
+    for (char16_t& c : tag)
+        if (c == u'_')
+            c = u'-';
+    const qor_lang::LanguageId id(tag.c_str(), qor_lang::LanguageTagMode::Tag);
+    if (tag.empty() || !id.isValid())
+        return std::nullopt;
+    return id.getTag();
+}
+
+std::u16string languageFileName(std::u16string_view appId, std::u16string_view tag)
+{
+    // One left-to-right pass, as the library's replace-all makes it: "a---b" gives "a--b".
+    const std::u16string composed = std::u16string(appId) + u"-" + std::u16string(tag) + u".qorlang";
+    std::u16string name;
+    for (size_t i = 0; i < composed.size(); ++i) {
+        name.push_back(composed[i]);
+        if (composed[i] == u'-' && i + 1 < composed.size() && composed[i + 1] == u'-')
+            ++i;
+    }
+    return name;
+}
+
+} // namespace qorlang

@@ -1,0 +1,64 @@
+#pragma once
+// Reading and writing the formats the tool knows, chosen by file extension, and the language
+// file itself. Paths are UTF-8. Every failure is a kore::CException whose description names the
+// file (and the line, for source formats).
+
+#include "Catalogue.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace qorlang {
+
+enum class Format { Po, Xliff, Ts, Json, Text, Qorlang };
+
+// By extension (".po", ".xlf"/".xliff", ".ts", ".json", ".txt", ".qorlang"); fails for others.
+Format formatOf(const std::string& path);
+// Whether this build reads and writes the format (the XML formats need TinyXML-2).
+bool formatAvailable(Format format);
+
+Catalogue readCatalogue(const std::string& path);
+// The text of `catalogue` in a source format (not Format::Qorlang, not Format::Text).
+std::string writeCatalogue(const Catalogue& catalogue, Format format);
+
+// Each format's reader and writer, on the file's bytes.
+Catalogue readPo(const std::string& path, const std::string& bytes);
+std::string writePo(const Catalogue& catalogue);
+Catalogue readXliff(const std::string& path, const std::string& bytes);
+std::string writeXliff(const Catalogue& catalogue);
+Catalogue readTs(const std::string& path, const std::string& bytes);
+std::string writeTs(const Catalogue& catalogue);
+Catalogue readText(const std::string& path, const std::string& bytes);
+// A language file: every string entry in file order, the descriptive data.
+Catalogue readQorlang(const std::string& path, const std::vector<uint8_t>& bytes);
+
+// What compile writes: the usable entries, a key defined twice kept once (the later one).
+struct CompileOptions {
+    bool useFuzzy = false;
+};
+std::vector<const Entry*> compiledEntries(const Catalogue& catalogue, const CompileOptions& options);
+// The bytes of a language file; `catalogue` must carry language and application id.
+std::vector<uint8_t> compileLanguageFile(const Catalogue& catalogue, const CompileOptions& options);
+
+// The library's answers for the keys of a language file given as bytes: which of a key's
+// entries answers is decided by its string table, so ask it.
+std::u16string answerOf(const std::vector<uint8_t>& languageFile, const std::u16string& key);
+
+// Whole-file access. writeFileAtomically writes a temporary file beside `path` and renames it
+// into place, so that a failure never leaves a partial output behind.
+std::string readFileBytes(const std::string& path);
+void writeFileAtomically(const std::string& path, std::string_view bytes);
+
+// "ru_RU", "ru-RU.UTF-8", "sr_RS@latin" -> the two-part tag the library accepts ("ru-RU"), or
+// nullopt when the library would reject it.
+std::optional<std::u16string> normalisedTag(std::u16string_view written);
+// A c-format text with gettext's system-dependent segments ("%<PRIu64>") in this platform's
+// spelling ("%lu").
+std::u16string expandSystemDependent(std::u16string_view text);
+
+// The name under which the library finds the file of `appId` in `tag`: "<app>-<tag>.qorlang" with
+// any "--" reduced to "-".
+std::u16string languageFileName(std::u16string_view appId, std::u16string_view tag);
+
+} // namespace qorlang

@@ -1,0 +1,573 @@
+// XLIFF (1.2 and 2.0) and Qt TS through TinyXML-2. Keys follow what Qt's lconvert makes of a PO
+// file, so that a catalogue compiles to the same entries in any of the three forms: a gettext
+// context travels as XLIFF's "x-gettext-msgctxt" context or as the TS comment, a Qt context name
+// N becomes the context "N|comment" (lconvert's own PO spelling), plural groups give their first
+// form, and lconvert's obsolete (translate="no", "vanished") and fuzzy ("needs-review-...",
+// "unfinished") marks mean what they meant in the PO.
+#include "Formats.h"
+#include "Unicode.h"
+
+#include <tinyxml2.h>
+
+#include <cstring>
+#include <map>
+
+namespace qorlang {
+
+namespace {
+
+using tinyxml2::XMLDocument;
+using tinyxml2::XMLElement;
+using tinyxml2::XMLNode;
+using tinyxml2::XMLPrinter;
+
+// TinyXML-2 drops text made only of white space when markup follows it ("<byte value="xd"/>\n"
+// in a TS source, "<g>a</g> <g>b</g>" in XLIFF), even when told to preserve white space. Such runs
+// inside the root element get a leading noncharacter, which no translation holds and collectText
+// removes again; line breaks stay where they were, so line numbers stay true.
+constexpr char kKeepWhiteSpace[] = "&#xFDD0;";
+constexpr char kKeptWhiteSpaceUtf8[] = "\xEF\xB7\x90";
+
+std::string protectWhiteSpace(const std::string& bytes)
+{
+    std::string out;
+    out.reserve(bytes.size() + bytes.size() / 8);
+    size_t i = 0;
+    // Up to the root element's start: the prolog may hold only markup and white space.
+    for (; i < bytes.size(); ++i) {
+        out.push_back(bytes[i]);
+        if (bytes[i] == '<' && i + 1 < bytes.size() && bytes[i + 1] != '?' && bytes[i + 1] != '!') {
+            ++i;
+            break;
+        }
+    }
+    auto blank = [](char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; };
+    // XML turns every carriage return into a line feed. A file with CR LF line ends means that;
+    // in a file with LF line ends (lconvert writes them) a CR in a text is the text's own.
+    const size_t firstBreak = bytes.find('\n');
+    const bool keepReturns = firstBreak != std::string::npos && (firstBreak == 0 || bytes[firstBreak - 1] != '\r');
+    bool inTag = true;
+    while (i < bytes.size()) {
+        if (bytes[i] == '\r' && keepReturns && !inTag) {
+            out += "&#13;";
+            ++i;
+            continue;
+        }
+        if (bytes[i] == '<')
+            inTag = true;
+        if (bytes.compare(i, 9, "<![CDATA[") == 0) {
+            const size_t end = bytes.find("]]>", i);
+            const size_t stop = end == std::string::npos ? bytes.size() : end + 3;
+            out.append(bytes, i, stop - i);
+            i = stop;
+            continue;
+        }
+        if (bytes.compare(i, 4, "<!--") == 0) {
+            const size_t end = bytes.find("-->", i);
+            const size_t stop = end == std::string::npos ? bytes.size() : end + 3;
+            out.append(bytes, i, stop - i);
+            i = stop;
+            continue;
+        }
+        out.push_back(bytes[i]);
+        if (bytes[i++] != '>')
+            continue;
+        inTag = false;
+        size_t run = i;
+        while (run < bytes.size() && blank(bytes[run]))
+            ++run;
+        if (run > i && run < bytes.size() && bytes[run] == '<')
+            out += kKeepWhiteSpace;
+    }
+    return out;
+}
+
+void parseDocument(XMLDocument& doc, const std::string& path, const std::string& original)
+{
+    const std::string bytes = protectWhiteSpace(original);
+    if (doc.Parse(bytes.data(), bytes.size()) != tinyxml2::XML_SUCCESS)
+        fail(path, doc.ErrorLineNum(), std::string("not well-formed XML: ") + doc.ErrorStr());
+}
+
+bool named(const XMLElement* e, const char* name) { return std::strcmp(e->Name(), name) == 0; }
+
+// The local part of a name ("trolltech:po-header-language" -> "po-header-language").
+const char* localName(const XMLElement* e)
+{
+    const char* colon = std::strrchr(e->Name(), ':');
+    return colon ? colon + 1 : e->Name();
+}
+
+std::u16string decoded(const std::string& path, int line, std::string_view utf8)
+{
+    auto text = decodeUtf8(utf8);
+    if (!text)
+        fail(path, line, "not valid UTF-8");
+    return *text;
+}
+
+// lconvert writes characters XML cannot hold as <ph ctype="x-ch-bel">\a</ph>: a C escape.
+std::string controlCharacter(const char* escape)
+{
+    const std::string_view e = escape ? escape : "";
+    if (e.size() < 2 || e[0] != '\\')
+        return std::string(e);
+    static const std::string_view letters = "abfnrtv0";
+    static const char codes[] = {'\a', '\b', '\f', '\n', '\r', '\t', '\v', '\0'};
+    if (e.size() == 2 && letters.find(e[1]) != std::string_view::npos)
+        return std::string(1, codes[letters.find(e[1])]);
+    if (e[1] == 'x')
+        return std::string(1, static_cast<char>(std::strtoul(std::string(e.substr(2)).c_str(), nullptr, 16)));
+    return std::string(1, static_cast<char>(std::strtoul(std::string(e.substr(1)).c_str(), nullptr, 8)));
+}
+
+// All character data inside `e`, inline markup dropped; TS writes characters XML cannot hold as
+// <byte value="x1B"/>.
+void collectText(const XMLNode* node, std::string& out)
+{
+    for (const XMLNode* child = node->FirstChild(); child; child = child->NextSibling()) {
+        if (const auto* text = child->ToText()) {
+            std::string_view value = text->Value();
+            if (value.rfind(kKeptWhiteSpaceUtf8, 0) == 0)
+                value.remove_prefix(sizeof kKeptWhiteSpaceUtf8 - 1);
+            out += value;
+        } else if (const auto* e = child->ToElement()) {
+            if (named(e, "byte")) {
+                const char* value = e->Attribute("value");
+                if (value) {
+                    const unsigned long code = value[0] == 'x' ? std::strtoul(value + 1, nullptr, 16) : std::strtoul(value, nullptr, 10);
+                    out += encodeUtf8(std::u16string(1, static_cast<char16_t>(code)));
+                }
+            } else if (const char* ctype = e->Attribute("ctype"); ctype && std::strncmp(ctype, "x-ch-", 5) == 0) {
+                out += controlCharacter(e->GetText());
+            } else {
+                collectText(e, out);
+            }
+        }
+    }
+}
+
+std::u16string textOf(const std::string& path, const XMLElement* e)
+{
+    if (!e)
+        return {};
+    std::string out;
+    collectText(e, out);
+    return decoded(path, e->GetLineNum(), out);
+}
+
+std::optional<std::u16string> attribute(const std::string& path, const XMLElement* e, const char* name)
+{
+    const char* value = e->Attribute(name);
+    if (!value)
+        return std::nullopt;
+    return decoded(path, e->GetLineNum(), value);
+}
+
+// The tool's own descriptive data, and the PO header fields lconvert carries along.
+void readProperty(Catalogue& c, std::string_view name, std::u16string value, int line)
+{
+    if (name == "language" || name == "po-header-language") {
+        if (!c.language && !value.empty()) {
+            c.language = std::move(value);
+            c.languageLine = line;
+        }
+    } else if (name == "author" || name == "po-header-last_translator") {
+        if (!c.author && !value.empty())
+            c.author = std::move(value);
+    } else if (name == "comment") {
+        c.comment = std::move(value);
+    } else if (name == "application") {
+        c.appId = std::move(value);
+    } else if (name == "native-name") {
+        c.nativeName = std::move(value);
+    } else if (name == "native-sub-name") {
+        c.nativeSubName = std::move(value);
+    } else if (name == "version") {
+        const std::string digits = encodeUtf8(value);
+        if (digits.empty() || digits.size() > 9 || digits.find_first_not_of("0123456789") != std::string::npos)
+            fail(c.path, line, "the version takes a decimal number");
+        c.version = static_cast<uint32_t>(std::stoul(digits));
+    }
+}
+
+// lconvert carries the PO flags along; a c-format entry may hold system-dependent segments.
+void cFormatFlags(Entry& entry, const XMLElement* flags)
+{
+    const char* text = flags->GetText();
+    const std::string_view list = text ? text : "";
+    for (size_t at = list.find("c-format"); at != std::string_view::npos; at = list.find("c-format", at + 1)) {
+        if (at == 0 || list[at - 1] == ',' || list[at - 1] == ' ') {
+            entry.key = expandSystemDependent(entry.key);
+            entry.text = expandSystemDependent(entry.text);
+            return;
+        }
+    }
+}
+
+std::u16string qtContext(const std::u16string& name, const std::optional<std::u16string>& comment)
+{
+    return name + u'|' + comment.value_or(u"");
+}
+
+class CXliffReader {
+public:
+    CXliffReader(Catalogue& c) : m_c(c) {}
+
+    void read(const XMLElement* root)
+    {
+        const char* version = root->Attribute("version");
+        m_version2 = version && version[0] == '2';
+        if (m_version2) {
+            if (auto trg = attribute(m_c.path, root, "trgLang"); trg && !trg->empty())
+                readProperty(m_c, "language", *trg, root->GetLineNum());
+        }
+        for (const XMLElement* e = root->FirstChildElement(); e; e = e->NextSiblingElement()) {
+            if (named(e, "file"))
+                readFile(e);
+            else if (std::strncmp(localName(e), "po-header-", 10) == 0)
+                readProperty(m_c, localName(e), textOf(m_c.path, e), e->GetLineNum());
+        }
+    }
+
+private:
+    void readFile(const XMLElement* file)
+    {
+        if (!m_version2) {
+            // The file's own target language rather than lconvert's copy of a PO header.
+            if (auto trg = attribute(m_c.path, file, "target-language"); trg && !trg->empty() && !m_targetLanguage) {
+                m_c.language = *trg;
+                m_c.languageLine = file->GetLineNum();
+                m_targetLanguage = true;
+            }
+            if (const XMLElement* header = file->FirstChildElement("header")) {
+                for (const XMLElement* g = header->FirstChildElement("prop-group"); g; g = g->NextSiblingElement("prop-group")) {
+                    const char* name = g->Attribute("name");
+                    if (!name || std::strcmp(name, "qorlang") != 0)
+                        continue;
+                    for (const XMLElement* p = g->FirstChildElement("prop"); p; p = p->NextSiblingElement("prop")) {
+                        if (const char* type = p->Attribute("prop-type"))
+                            readProperty(m_c, type, textOf(m_c.path, p), p->GetLineNum());
+                    }
+                }
+            }
+            if (const XMLElement* body = file->FirstChildElement("body"))
+                readUnits(body, u"", false);
+        } else {
+            readUnits(file, u"", false);
+        }
+    }
+
+    // `pluralGroup`: the plural group whose first unit is read; lconvert puts the entry's flags
+    // and context on the group.
+    void readUnits(const XMLElement* parent, const std::u16string& qtName, bool firstOnly,
+                   const XMLElement* pluralGroup = nullptr)
+    {
+        for (const XMLElement* e = parent->FirstChildElement(); e; e = e->NextSiblingElement()) {
+            if (named(e, "group")) {
+                const char* restype = e->Attribute("restype");
+                std::u16string name = qtName;
+                if (restype && std::strcmp(restype, "x-trolltech-linguist-context") == 0)
+                    name = attribute(m_c.path, e, "resname").value_or(u"");
+                const bool plurals = restype && std::strcmp(restype, "x-gettext-plurals") == 0;
+                const size_t before = m_c.entries.size();
+                readUnits(e, name, plurals, plurals ? e : nullptr);
+                if (plurals && m_c.entries.size() > before)
+                    m_c.entries.back().plural = true;
+            } else if (named(e, m_version2 ? "unit" : "trans-unit")) {
+                if (m_version2)
+                    readUnit2(e);
+                else
+                    readTransUnit(e, qtName, pluralGroup);
+                if (firstOnly)
+                    return;
+            }
+        }
+    }
+
+    void readTransUnit(const XMLElement* unit, const std::u16string& qtName, const XMLElement* group)
+    {
+        Entry entry;
+        entry.line = unit->GetLineNum();
+        const char* translate = unit->Attribute("translate");
+        entry.obsolete = translate && std::strcmp(translate, "no") == 0;
+        const XMLElement* target = unit->FirstChildElement("target");
+        entry.text = textOf(m_c.path, target);
+        if (target) {
+            const char* state = target->Attribute("state");
+            entry.fuzzy = state && (std::strncmp(state, "needs-", 6) == 0 || std::strcmp(state, "new") == 0);
+        }
+        if (auto resname = attribute(m_c.path, unit, "resname")) {
+            entry.key = *resname;
+        } else {
+            std::optional<std::u16string> context;
+            for (const XMLElement* holder : {group, unit}) {
+                for (const XMLElement* g = holder ? holder->FirstChildElement("context-group") : nullptr; g;
+                     g = g->NextSiblingElement("context-group")) {
+                    for (const XMLElement* x = g->FirstChildElement("context"); x; x = x->NextSiblingElement("context")) {
+                        const char* type = x->Attribute("context-type");
+                        if (type && std::strcmp(type, "x-gettext-msgctxt") == 0)
+                            context = textOf(m_c.path, x);
+                    }
+                }
+            }
+            if (!qtName.empty())
+                context = qtContext(qtName, context);
+            entry.key = joinKey(context, textOf(m_c.path, unit->FirstChildElement("source")));
+        }
+        for (const XMLElement* holder : {group, unit}) {
+            for (const XMLElement* x = holder ? holder->FirstChildElement() : nullptr; x; x = x->NextSiblingElement()) {
+                if (std::strcmp(localName(x), "po-flags") == 0)
+                    cFormatFlags(entry, x);
+            }
+        }
+        m_c.entries.push_back(std::move(entry));
+    }
+
+    void readUnit2(const XMLElement* unit)
+    {
+        Entry entry;
+        entry.line = unit->GetLineNum();
+        const char* translate = unit->Attribute("translate");
+        entry.obsolete = translate && std::strcmp(translate, "no") == 0;
+        std::u16string source;
+        for (const XMLElement* s = unit->FirstChildElement(); s; s = s->NextSiblingElement()) {
+            if (!named(s, "segment") && !named(s, "ignorable"))
+                continue;
+            source += textOf(m_c.path, s->FirstChildElement("source"));
+            entry.text += textOf(m_c.path, s->FirstChildElement("target"));
+            const char* state = s->Attribute("state");
+            if (state && std::strcmp(state, "initial") == 0 && s->FirstChildElement("target"))
+                entry.fuzzy = true;
+        }
+        entry.key = attribute(m_c.path, unit, "name").value_or(source);
+        m_c.entries.push_back(std::move(entry));
+    }
+
+    Catalogue& m_c;
+    bool m_version2 = false;
+    bool m_targetLanguage = false;
+};
+
+// Characters XML 1.0 cannot carry at all.
+void requireXmlText(const std::string& path, std::u16string_view text)
+{
+    for (char16_t c : text) {
+        if ((c < 0x20 && c != u'\t' && c != u'\n') || c == 0xFFFE || c == 0xFFFF)
+            fail(path, 0, "the text \"" + encodeUtf8(text) + "\" holds a control character XML cannot carry");
+    }
+}
+
+void pushElement(XMLPrinter& p, const char* name, std::u16string_view text, bool preserve = false)
+{
+    p.OpenElement(name);
+    if (preserve)
+        p.PushAttribute("xml:space", "preserve");
+    p.PushText(encodeUtf8(text).c_str());
+    p.CloseElement();
+}
+
+std::u16string tagWith(const std::optional<std::u16string>& language, char16_t separator)
+{
+    std::u16string tag = language.value_or(u"");
+    for (char16_t& c : tag)
+        if (c == u'-' || c == u'_')
+            c = separator;
+    return tag;
+}
+
+} // namespace
+
+Catalogue readXliff(const std::string& path, const std::string& bytes)
+{
+    Catalogue c;
+    c.path = path;
+    XMLDocument doc(true, tinyxml2::PRESERVE_WHITESPACE);
+    parseDocument(doc, path, bytes);
+    const XMLElement* root = doc.RootElement();
+    if (!root || std::strcmp(localName(root), "xliff") != 0)
+        fail(path, root ? root->GetLineNum() : 0, "not an XLIFF document (no <xliff> root)");
+    CXliffReader(c).read(root);
+    return c;
+}
+
+std::string writeXliff(const Catalogue& c)
+{
+    XMLPrinter p;
+    p.PushDeclaration("xml version=\"1.0\" encoding=\"utf-8\"");
+    p.OpenElement("xliff");
+    p.PushAttribute("version", "1.2");
+    p.PushAttribute("xmlns", "urn:oasis:names:tc:xliff:document:1.2");
+    p.OpenElement("file");
+    p.PushAttribute("original", encodeUtf8(c.appId.value_or(u"")).c_str());
+    p.PushAttribute("datatype", "plaintext");
+    p.PushAttribute("source-language", "en");
+    p.PushAttribute("target-language", encodeUtf8(tagWith(c.language, u'-')).c_str());
+    p.OpenElement("header");
+    p.OpenElement("prop-group");
+    p.PushAttribute("name", "qorlang");
+    auto prop = [&](const char* type, const std::optional<std::u16string>& value) {
+        if (!value)
+            return;
+        requireXmlText(c.path, *value);
+        p.OpenElement("prop");
+        p.PushAttribute("prop-type", type);
+        p.PushText(encodeUtf8(*value).c_str());
+        p.CloseElement();
+    };
+    prop("application", c.appId);
+    prop("author", c.author);
+    prop("comment", c.comment);
+    prop("native-name", c.nativeName);
+    prop("native-sub-name", c.nativeSubName);
+    if (c.version)
+        prop("version", std::u16string(u"") + [&] { std::string d = std::to_string(*c.version); return std::u16string(d.begin(), d.end()); }());
+    p.CloseElement();
+    p.CloseElement();
+    p.OpenElement("body");
+    int id = 0;
+    for (const Entry& e : c.entries) {
+        const auto [context, source] = splitKey(e.key);
+        requireXmlText(c.path, source);
+        requireXmlText(c.path, e.text);
+        p.OpenElement("trans-unit");
+        p.PushAttribute("id", ++id);
+        pushElement(p, "source", source, true);
+        p.OpenElement("target");
+        p.PushAttribute("xml:space", "preserve");
+        if (e.fuzzy)
+            p.PushAttribute("state", "needs-review-translation");
+        p.PushText(encodeUtf8(e.text).c_str());
+        p.CloseElement();
+        if (context) {
+            requireXmlText(c.path, *context);
+            p.OpenElement("context-group");
+            p.OpenElement("context");
+            p.PushAttribute("context-type", "x-gettext-msgctxt");
+            p.PushText(encodeUtf8(*context).c_str());
+            p.CloseElement();
+            p.CloseElement();
+        }
+        p.CloseElement();
+    }
+    p.CloseElement();
+    p.CloseElement();
+    p.CloseElement();
+    return p.CStr();
+}
+
+Catalogue readTs(const std::string& path, const std::string& bytes)
+{
+    Catalogue c;
+    c.path = path;
+    XMLDocument doc(true, tinyxml2::PRESERVE_WHITESPACE);
+    parseDocument(doc, path, bytes);
+    const XMLElement* root = doc.RootElement();
+    if (!root || !named(root, "TS"))
+        fail(path, root ? root->GetLineNum() : 0, "not a Qt TS document (no <TS> root)");
+    if (auto language = attribute(path, root, "language"); language && !language->empty()) {
+        c.language = *language;
+        c.languageLine = root->GetLineNum();
+    }
+    for (const XMLElement* e = root->FirstChildElement(); e; e = e->NextSiblingElement()) {
+        const std::string_view name = e->Name();
+        if (name.rfind("extra-qorlang-", 0) == 0)
+            readProperty(c, name.substr(14), textOf(path, e), e->GetLineNum());
+        else if (name.rfind("extra-po-header-", 0) == 0)
+            readProperty(c, std::string("po-header-") + std::string(name.substr(16)), textOf(path, e), e->GetLineNum());
+        if (!named(e, "context"))
+            continue;
+        const std::u16string qtName = textOf(path, e->FirstChildElement("name"));
+        for (const XMLElement* m = e->FirstChildElement("message"); m; m = m->NextSiblingElement("message")) {
+            Entry entry;
+            entry.line = m->GetLineNum();
+            std::optional<std::u16string> comment;
+            if (const XMLElement* ce = m->FirstChildElement("comment"))
+                comment = textOf(path, ce);
+            std::optional<std::u16string> context = qtName.empty() ? comment : qtContext(qtName, comment);
+            entry.key = joinKey(context, textOf(path, m->FirstChildElement("source")));
+            if (const XMLElement* t = m->FirstChildElement("translation")) {
+                // A plural or length-variant translation answers with its first form.
+                const XMLElement* form = t->FirstChildElement("numerusform");
+                entry.plural = form != nullptr;
+                if (!form)
+                    form = t->FirstChildElement("lengthvariant");
+                entry.text = textOf(path, form ? form : t);
+                const char* type = t->Attribute("type");
+                entry.fuzzy = type && std::strcmp(type, "unfinished") == 0;
+                entry.obsolete = type && (std::strcmp(type, "vanished") == 0 || std::strcmp(type, "obsolete") == 0);
+            }
+            if (const XMLElement* flags = m->FirstChildElement("extra-po-flags"))
+                cFormatFlags(entry, flags);
+            c.entries.push_back(std::move(entry));
+        }
+    }
+    return c;
+}
+
+std::string writeTs(const Catalogue& c)
+{
+    XMLPrinter p;
+    p.PushDeclaration("xml version=\"1.0\" encoding=\"utf-8\"");
+    p.PushUnknown("DOCTYPE TS");
+    p.OpenElement("TS");
+    p.PushAttribute("version", "2.1");
+    p.PushAttribute("language", encodeUtf8(tagWith(c.language, u'_')).c_str());
+    auto extra = [&](const char* name, const std::optional<std::u16string>& value) {
+        if (value) {
+            requireXmlText(c.path, *value);
+            pushElement(p, (std::string("extra-qorlang-") + name).c_str(), *value);
+        }
+    };
+    extra("application", c.appId);
+    extra("author", c.author);
+    extra("comment", c.comment);
+    extra("native-name", c.nativeName);
+    extra("native-sub-name", c.nativeSubName);
+    if (c.version) {
+        const std::string digits = std::to_string(*c.version);
+        extra("version", std::u16string(digits.begin(), digits.end()));
+    }
+    // Messages grouped by Qt context name, names in order of first appearance.
+    std::vector<std::u16string> names;
+    std::map<std::u16string, std::vector<const Entry*>> byName;
+    for (const Entry& e : c.entries) {
+        const auto [context, source] = splitKey(e.key);
+        std::u16string name;
+        if (context) {
+            const size_t bar = context->find(u'|');
+            if (bar != std::u16string_view::npos && bar > 0)
+                name = std::u16string(context->substr(0, bar));
+        }
+        if (!byName.count(name))
+            names.push_back(name);
+        byName[name].push_back(&e);
+    }
+    for (const std::u16string& name : names) {
+        p.OpenElement("context");
+        pushElement(p, "name", name);
+        for (const Entry* e : byName[name]) {
+            const auto [context, source] = splitKey(e->key);
+            requireXmlText(c.path, source);
+            requireXmlText(c.path, e->text);
+            p.OpenElement("message");
+            pushElement(p, "source", source);
+            if (context) {
+                const std::u16string_view comment = name.empty() ? *context : context->substr(name.size() + 1);
+                requireXmlText(c.path, comment);
+                pushElement(p, "comment", comment);
+            }
+            p.OpenElement("translation");
+            if (e->fuzzy)
+                p.PushAttribute("type", "unfinished");
+            p.PushText(encodeUtf8(e->text).c_str());
+            p.CloseElement();
+            p.CloseElement();
+        }
+        p.CloseElement();
+    }
+    p.CloseElement();
+    return p.CStr();
+}
+
+} // namespace qorlang

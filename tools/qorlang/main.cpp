@@ -1,0 +1,380 @@
+// qorlang: compiles translations (gettext PO, XLIFF, Qt TS, the project's text format) into
+// language files, turns language files back into translators' formats, and checks both.
+#include "Checks.h"
+#include "Formats.h"
+#include "Unicode.h"
+
+#include "framework/CException.h"
+#include "framework/IString.h"
+#include "qor_lang_manager/CLanguageFile.h"
+#include "chunk_file/CMemoryStream.h"
+#include "chunk_file/TChunkRef.h"
+
+#include <cstdio>
+#include <exception>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace qorlang;
+
+const char* const kUsage =
+    "usage: qorlang <command> [options]\n"
+    "\n"
+    "commands:\n"
+    "  compile INPUT -o OUTPUT.qorlang   make a language file from a translation\n"
+    "  decompile INPUT.qorlang -o OUTPUT  write a language file as .po, .xlf or .ts\n"
+    "  check FILE... [--reference FILE]   find mistakes a translator can fix\n"
+    "  stats FILE... [--reference FILE]   count entries and translations\n"
+    "  info FILE.qorlang                  show what the library reads from a language file\n"
+    "\n"
+    "Input formats by extension: .po (gettext), .xlf/.xliff (XLIFF 1.2, 2.0), .ts (Qt),\n"
+    ".txt (key=text lines), .qorlang. 'qorlang <command> --help' tells more.\n";
+
+const std::map<std::string, const char*> kCommandHelp = {
+    {"compile",
+     "usage: qorlang compile INPUT -o OUTPUT [--app-id ID] [--language TAG] [--author NAME]\n"
+     "                       [--comment TEXT] [--use-fuzzy]\n"
+     "\n"
+     "Makes the language file OUTPUT (.qorlang) from INPUT (.po, .xlf, .xliff, .ts, .txt).\n"
+     "  --language TAG  the language, language-COUNTRY such as de-DE; by default the input's own\n"
+     "                  (PO \"Language\", XLIFF target language, TS language), which must then name\n"
+     "                  a country too\n"
+     "  --app-id ID     the application id; by default taken from OUTPUT's name <app>-<tag>.qorlang\n"
+     "  --author NAME   by default the PO \"Last-Translator\"\n"
+     "  --comment TEXT  by default the comment lines above a PO header\n"
+     "  --use-fuzzy     keep fuzzy (unreviewed) translations, which are left out otherwise\n"
+     "Untranslated entries are left out; a key given twice keeps its last text. A gettext\n"
+     "context becomes part of the key: context, U+0004, source text.\n"},
+    {"decompile",
+     "usage: qorlang decompile INPUT.qorlang -o OUTPUT\n"
+     "\n"
+     "Writes every entry and the descriptive data of a language file as OUTPUT, whose extension\n"
+     "chooses the format: .po, .xlf/.xliff (XLIFF 1.2) or .ts. Compiling OUTPUT again gives the\n"
+     "same entries.\n"},
+    {"check",
+     "usage: qorlang check FILE... [--reference FILE]\n"
+     "\n"
+     "Reports, per file and line, what a translator should fix: placeholders (%s, %1$s, %NAME%,\n"
+     "{name}) that differ from the reference's text of the same key (without a reference, from\n"
+     "a PO or TS source text), reference keys missing here, keys defined twice, empty texts, a\n"
+     "language tag the library rejects, a language file name the library never looks for.\n"
+     "Exits with 1 when there are errors, 0 when there are only warnings or nothing.\n"},
+    {"stats",
+     "usage: qorlang stats FILE... [--reference FILE]\n"
+     "\n"
+     "Prints one row per file: entries, translated, fuzzy, missing against the reference and the\n"
+     "translated share (of the reference's keys when one is given).\n"},
+    {"info",
+     "usage: qorlang info FILE.qorlang\n"
+     "\n"
+     "Prints what the library's file accessors answer for FILE, its version and its entry count.\n"},
+};
+
+struct Arguments {
+    std::vector<std::string> files;
+    std::map<std::string, std::string> options; // "--app-id" -> value; flags map to ""
+};
+
+// Options with a value; every other option is a flag.
+bool takesValue(const std::string& option)
+{
+    return option == "-o" || option == "--app-id" || option == "--language" || option == "--author" ||
+           option == "--comment" || option == "--reference";
+}
+
+Arguments parseArguments(const std::string& command, const std::vector<std::string>& args,
+                         const std::vector<std::string>& allowed)
+{
+    Arguments out;
+    for (size_t i = 0; i < args.size(); ++i) {
+        const std::string& a = args[i];
+        if (a.size() > 1 && a[0] == '-') {
+            if (std::find(allowed.begin(), allowed.end(), a) == allowed.end())
+                fail("qorlang " + command, 0, "unknown option " + a + " (see qorlang " + command + " --help)");
+            if (takesValue(a)) {
+                if (i + 1 >= args.size())
+                    fail("qorlang " + command, 0, a + " needs a value");
+                out.options[a] = args[++i];
+            } else {
+                out.options[a] = "";
+            }
+        } else {
+            out.files.push_back(a);
+        }
+    }
+    return out;
+}
+
+std::optional<std::u16string> optionText(const Arguments& a, const std::string& name)
+{
+    auto it = a.options.find(name);
+    if (it == a.options.end())
+        return std::nullopt;
+    auto text = decodeUtf8(it->second);
+    if (!text)
+        fail("qorlang", 0, name + " is not valid UTF-8");
+    return text;
+}
+
+std::string fileNameOf(const std::string& path)
+{
+    const size_t slash = path.find_last_of("/\\");
+    return slash == std::string::npos ? path : path.substr(slash + 1);
+}
+
+void warn(const std::string& where, int line, const std::string& message)
+{
+    std::fprintf(stderr, "%s%s: warning: %s\n", where.c_str(), line ? (":" + std::to_string(line)).c_str() : "", message.c_str());
+}
+
+int compile(const std::vector<std::string>& args)
+{
+    const Arguments a = parseArguments("compile", args,
+                                       {"-o", "--app-id", "--language", "--author", "--comment", "--use-fuzzy"});
+    if (a.files.size() != 1 || !a.options.count("-o"))
+        fail("qorlang compile", 0, "needs one INPUT and -o OUTPUT (see qorlang compile --help)");
+    const std::string& input = a.files[0];
+    const std::string& output = a.options.at("-o");
+    if (formatOf(output) != Format::Qorlang)
+        fail(output, 0, "the output of compile is a language file, its name ends in .qorlang");
+    Catalogue c = readCatalogue(input);
+
+    std::u16string tag;
+    if (auto given = optionText(a, "--language")) {
+        auto valid = normalisedTag(*given);
+        if (!valid)
+            fail("qorlang compile", 0, "--language " + encodeUtf8(*given) +
+                                           ": the library accepts only language-COUNTRY tags such as de-DE");
+        tag = *valid;
+    } else if (!c.language || c.language->empty()) {
+        fail(input, 0, "the file names no language; give one with --language, such as --language de-DE");
+    } else if (auto valid = normalisedTag(*c.language)) {
+        tag = *valid;
+    } else {
+        fail(input, c.languageLine, "the language " + quoted(*c.language) +
+                                        " is not a tag the library accepts (it needs language-COUNTRY, such as de-DE); give one with --language");
+    }
+    c.language = tag;
+
+    const std::string outputName = fileNameOf(output);
+    if (auto id = optionText(a, "--app-id")) {
+        c.appId = *id;
+    } else {
+        const std::string suffix = "-" + encodeUtf8(tag) + ".qorlang";
+        if (outputName.size() > suffix.size() && outputName.compare(outputName.size() - suffix.size(), suffix.size(), suffix) == 0)
+            c.appId = decodeUtf8(outputName.substr(0, outputName.size() - suffix.size()));
+        else if (!c.appId || c.appId->empty())
+            fail(output, 0, "the name is not <app>-" + encodeUtf8(tag) + ".qorlang, so give the application id with --app-id");
+    }
+    if (c.appId->empty())
+        fail("qorlang compile", 0, "the application id is empty");
+    if (auto author = optionText(a, "--author"))
+        c.author = *author;
+    if (auto comment = optionText(a, "--comment"))
+        c.comment = *comment;
+
+    CompileOptions options;
+    options.useFuzzy = a.options.count("--use-fuzzy") != 0;
+    std::map<std::u16string_view, int> firstLine;
+    for (const Entry& e : c.entries) {
+        if (!e.usable(options.useFuzzy))
+            continue;
+        auto [it, added] = firstLine.emplace(e.key, e.line);
+        if (!added)
+            warn(input, e.line, "key " + quoted(e.key) + " was defined before" +
+                                    (it->second ? " (line " + std::to_string(it->second) + ")" : std::string()) +
+                                    "; this later text is the one kept");
+    }
+    const std::vector<uint8_t> bytes = compileLanguageFile(c, options);
+    const std::string expected = encodeUtf8(languageFileName(*c.appId, tag));
+    if (expected != outputName)
+        warn(output, 0, "the library looks for this language under the name " + expected);
+    writeFileAtomically(output, std::string_view(reinterpret_cast<const char*>(bytes.data()), bytes.size()));
+    return 0;
+}
+
+int decompile(const std::vector<std::string>& args)
+{
+    const Arguments a = parseArguments("decompile", args, {"-o"});
+    if (a.files.size() != 1 || !a.options.count("-o"))
+        fail("qorlang decompile", 0, "needs one INPUT.qorlang and -o OUTPUT (see qorlang decompile --help)");
+    const std::string& input = a.files[0];
+    const std::string& output = a.options.at("-o");
+    if (formatOf(input) != Format::Qorlang)
+        fail(input, 0, "decompile reads a language file (.qorlang)");
+    const Format format = formatOf(output);
+    if (format == Format::Qorlang || format == Format::Text || format == Format::Json || !formatAvailable(format))
+        fail(output, 0, std::string("decompile writes .po") + (formatAvailable(Format::Ts) ? ", .xlf, .xliff or .ts" : " (this build has no XML formats)"));
+    Catalogue c = readCatalogue(input);
+    for (const Entry& e : c.entries) {
+        if (e.key.empty())
+            warn(input, 0, "an entry with an empty key is left out");
+    }
+    writeFileAtomically(output, writeCatalogue(c, format));
+    return 0;
+}
+
+// Reads every FILE and the reference; a file that cannot be read is an error of its own.
+struct Inputs {
+    std::vector<std::pair<std::string, std::optional<Catalogue>>> files;
+    std::optional<Catalogue> reference;
+    bool failed = false;
+};
+
+void printError(const std::string& message)
+{
+    std::string line = message;
+    for (char& ch : line)
+        if (ch == '\n' || ch == '\r')
+            ch = ' ';
+    std::fprintf(stderr, "%s\n", line.c_str());
+}
+
+std::string describe(const kore::CException& e) { return e.getDescription()->toUTF8(); }
+
+Inputs readInputs(const std::string& command, const std::vector<std::string>& args)
+{
+    const Arguments a = parseArguments(command, args, {"--reference"});
+    if (a.files.empty())
+        fail("qorlang " + command, 0, "needs at least one FILE (see qorlang " + command + " --help)");
+    Inputs in;
+    if (a.options.count("--reference"))
+        in.reference = readCatalogue(a.options.at("--reference"));
+    for (const std::string& path : a.files) {
+        try {
+            in.files.emplace_back(path, readCatalogue(path));
+        } catch (const kore::CException& e) {
+            printError(describe(e) + " [error]");
+            in.files.emplace_back(path, std::nullopt);
+            in.failed = true;
+        }
+    }
+    return in;
+}
+
+int check(const std::vector<std::string>& args)
+{
+    Inputs in = readInputs("check", args);
+    size_t errors = in.failed ? 1 : 0, warnings = 0;
+    for (const auto& [path, catalogue] : in.files) {
+        if (!catalogue)
+            continue;
+        std::vector<uint8_t> bytes;
+        if (formatOf(path) == Format::Qorlang) {
+            const std::string raw = readFileBytes(path);
+            bytes.assign(raw.begin(), raw.end());
+        }
+        for (const Finding& f : checkCatalogue(*catalogue, in.reference ? &*in.reference : nullptr,
+                                               formatOf(path) == Format::Qorlang ? &bytes : nullptr)) {
+            std::printf("%s%s: %s: %s\n", path.c_str(), f.line ? (":" + std::to_string(f.line)).c_str() : "",
+                        f.error ? "error" : "warning", f.message.c_str());
+            ++(f.error ? errors : warnings);
+        }
+    }
+    std::printf("%zu error%s, %zu warning%s\n", errors, errors == 1 ? "" : "s", warnings, warnings == 1 ? "" : "s");
+    return errors ? 1 : 0;
+}
+
+int stats(const std::vector<std::string>& args)
+{
+    Inputs in = readInputs("stats", args);
+    size_t width = 4;
+    for (const auto& file : in.files)
+        width = std::max(width, file.first.size());
+    std::printf("%-*s %8s %10s %6s %8s %8s\n", int(width), "file", "entries", "translated", "fuzzy", "missing", "percent");
+    for (const auto& [path, catalogue] : in.files) {
+        if (!catalogue)
+            continue;
+        const Stats s = statsOf(*catalogue, in.reference ? &*in.reference : nullptr);
+        const std::string missing = in.reference ? std::to_string(s.missing) : "-";
+        std::printf("%-*s %8zu %10zu %6zu %8s %7.1f%%\n", int(width), path.c_str(), s.entries, s.translated, s.fuzzy,
+                    missing.c_str(), s.percent);
+    }
+    return in.failed ? 1 : 0;
+}
+
+int info(const std::vector<std::string>& args)
+{
+    const Arguments a = parseArguments("info", args, {});
+    if (a.files.size() != 1 || formatOf(a.files[0]) != Format::Qorlang)
+        fail("qorlang info", 0, "needs one FILE.qorlang (see qorlang info --help)");
+    const std::string& path = a.files[0];
+    const std::string raw = readFileBytes(path);
+    const Catalogue c = readQorlang(path, std::vector<uint8_t>(raw.begin(), raw.end()));
+    chf::TChunkRef<chf::CMemoryStream> stream(new chf::CMemoryStream(std::vector<uint8_t>(raw.begin(), raw.end())));
+    const kore::P<qor_lang::CLanguageFile> file = kore::make<qor_lang::CLanguageFile>(nullptr, *stream);
+    auto row = [](const char* accessor, const std::string& value) { std::printf("%-33s %s\n", accessor, value.c_str()); };
+    auto text = [](const kore::P<kore::IString>& s) { return "\"" + s->toUTF8() + "\""; };
+    row("QOR_LANG2_FILE_getLanguageID", "\"" + encodeUtf8(file->getLanguage().getTag()) + "\"" +
+                                            (file->getLanguage().isValid() ? "" : "  (the tag " + quoted(file->getTagText()) + " is not valid)"));
+    row("QOR_LANG2_FILE_getAppID", text(file->getAppId()));
+    row("QOR_LANG2_FILE_getAuthor", text(file->getAuthor()));
+    row("QOR_LANG2_FILE_getComment", text(file->getComment()));
+    row("QOR_LANG2_FILE_getEnglishName", text(file->getEnglishName()));
+    row("QOR_LANG2_FILE_getEnglishSubName", text(file->getEnglishSubName()));
+    row("QOR_LANG2_FILE_getNativeName", text(file->getNativeName()));
+    row("QOR_LANG2_FILE_getNativeSubName", text(file->getNativeSubName()));
+    row("version", std::to_string(file->getVersion()));
+    row("entries", std::to_string(c.entries.size()));
+    return 0;
+}
+
+int run(const std::vector<std::string>& args)
+{
+    if (args.empty() || args[0] == "--help" || args[0] == "-h" || args[0] == "help") {
+        std::fputs(kUsage, args.empty() ? stderr : stdout);
+        return args.empty() ? 2 : 0;
+    }
+    const std::string& command = args[0];
+    const std::vector<std::string> rest(args.begin() + 1, args.end());
+    auto help = kCommandHelp.find(command);
+    if (help == kCommandHelp.end()) {
+        std::fprintf(stderr, "qorlang: unknown command '%s'\n%s", command.c_str(), kUsage);
+        return 2;
+    }
+    if (std::find(rest.begin(), rest.end(), "--help") != rest.end() || std::find(rest.begin(), rest.end(), "-h") != rest.end()) {
+        std::fputs(help->second, stdout);
+        return 0;
+    }
+    try {
+        if (command == "compile")
+            return compile(rest);
+        if (command == "decompile")
+            return decompile(rest);
+        if (command == "check")
+            return check(rest);
+        if (command == "stats")
+            return stats(rest);
+        return info(rest);
+    } catch (const kore::CException& e) {
+        printError(describe(e));
+    } catch (const std::exception& e) {
+        printError(std::string("qorlang: ") + e.what());
+    }
+    return 1;
+}
+
+} // namespace
+
+#ifdef _WIN32
+// Arguments as UTF-16, so that paths outside the ANSI code page arrive intact.
+int wmain(int argc, wchar_t** argv)
+{
+    std::vector<std::string> args;
+    for (int i = 1; i < argc; ++i) {
+        std::u16string arg;
+        for (const wchar_t* p = argv[i]; *p; ++p)
+            arg.push_back(static_cast<char16_t>(*p));
+        args.push_back(encodeUtf8(arg));
+    }
+    return run(args);
+}
+#else
+int main(int argc, char** argv)
+{
+    return run(std::vector<std::string>(argv + 1, argv + argc));
+}
+#endif
