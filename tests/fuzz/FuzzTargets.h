@@ -18,6 +18,10 @@ void fuzzEncodings(const uint8_t* data, size_t size);
 void fuzzStringFormat(const uint8_t* data, size_t size);
 // URI texts and local paths parsed, printed and resolved.
 void fuzzURI(const uint8_t* data, size_t size);
+// Translators' files read by the qorlang tool (XLIFF and TS only where it is built with XML).
+void fuzzPo(const uint8_t* data, size_t size);
+void fuzzXliff(const uint8_t* data, size_t size);
+void fuzzTs(const uint8_t* data, size_t size);
 
 struct FuzzTarget {
     const char* name;
@@ -30,6 +34,9 @@ inline constexpr FuzzTarget kFuzzTargets[] = {
     {"encodings", fuzzEncodings},
     {"string_format", fuzzStringFormat},
     {"uri", fuzzURI},
+    {"qorlang_po", fuzzPo},
+    {"qorlang_xliff", fuzzXliff},
+    {"qorlang_ts", fuzzTs},
 };
 
 } // namespace qor_fuzz

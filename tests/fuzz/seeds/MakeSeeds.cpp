@@ -11,6 +11,8 @@
 #include "framework/CUTF32CharEncoding.h"
 #include "qor_lang_manager/CLanguageFileWriter.h"
 
+#include "Formats.h"
+
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -151,5 +153,46 @@ int main(int argc, char** argv)
     };
     for (const auto& [name, mode, text] : uris)
         save("uri", name, Bytes(1, mode[0]) + piece("de-DE.qorlang") + text);
+    // Translators' files from the qorlang tool's own writers: context, plural, fuzzy and obsolete
+    // entries, descriptive data, texts with placeholders, markup characters and non-ASCII.
+    qorlang::Catalogue catalogue;
+    catalogue.language = u"de_DE";
+    catalogue.author = u"Jürgen";
+    catalogue.comment = u"Beispiel";
+    catalogue.appId = u"fz";
+    catalogue.nativeName = u"Deutsch";
+    catalogue.version = 2;
+    const auto entry = [](std::u16string key, std::u16string text, bool fuzzy = false, bool obsolete = false,
+                          bool plural = false) {
+        qorlang::Entry e;
+        e.key = std::move(key);
+        e.text = std::move(text);
+        e.fuzzy = fuzzy;
+        e.obsolete = obsolete;
+        e.plural = plural;
+        return e;
+    };
+    catalogue.entries = {
+        entry(u"greeting", u"Hallo, %s!"),
+        entry(u"menu\x04Open", u"Öffnen…"),
+        entry(u"%d file", u"%d Datei", false, false, true),
+        entry(u"<b>bold</b> & \"quoted\"", u"<b>fett</b> & „zitiert“"),
+        entry(u"fuzzy one", u"unsicher", true),
+        entry(u"gone", u"weg", false, true),
+        entry(u"multi\nline\ttab", u"mehr\nzeilig {name} %1$s"),
+    };
+    const struct {
+        const char* target;
+        qorlang::Format format;
+    } forms[] = {{"qorlang_po", qorlang::Format::Po}, {"qorlang_xliff", qorlang::Format::Xliff},
+                 {"qorlang_ts", qorlang::Format::Ts}};
+    for (const auto& form : forms) {
+        if (!qorlang::formatAvailable(form.format))
+            continue;
+        save(form.target, "catalogue", qorlang::writeCatalogue(catalogue, form.format));
+        qorlang::Catalogue bare;
+        bare.entries = {entry(u"key", u"text")};
+        save(form.target, "bare", qorlang::writeCatalogue(bare, form.format));
+    }
     return 0;
 }
