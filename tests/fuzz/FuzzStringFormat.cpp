@@ -68,9 +68,14 @@ void pushOne(kore::CStringFormat& format, CFuzzInput& input, bool hasStar)
         format.pushDouble(value);
         break;
     }
-    case kore::CStringFormat::kChar:
-        format.pushChar(choice & 1 ? input.u32() : input.u16());
+    case kore::CStringFormat::kChar: {
+        // A character may fill a "*" too, as its code point.
+        uint32_t codePoint = choice & 1 ? input.u32() : input.u16();
+        if (hasStar && codePoint > 0x10FFFF && codePoint <= INT32_MAX)
+            codePoint %= 0x110000;
+        format.pushChar(codePoint);
         break;
+    }
     default: {
         const std::u16string text = input.units(input.byte() % 24);
         format.pushString(kore::CStringArg(text.data(), static_cast<uint32_t>(text.size())));
