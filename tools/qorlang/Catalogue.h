@@ -20,7 +20,8 @@ struct Entry {
     int line = 0;        // 1-based line in the source, 0 when the format has none
     bool fuzzy = false;
     bool obsolete = false;
-    bool plural = false; // the text is the first of several plural forms
+    bool plural = false;  // the text is the first of several plural forms
+    bool cFormat = false; // marked as a C format string (PO flag "c-format")
 
     // Entries a compiled file keeps (an empty text would read as missing anyway).
     bool usable(bool useFuzzy) const { return !obsolete && !text.empty() && (useFuzzy || !fuzzy); }

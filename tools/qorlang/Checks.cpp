@@ -3,7 +3,6 @@
 #include "Unicode.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <map>
 #include <set>
 
@@ -30,29 +29,28 @@ bool looksLikePrintf(std::u16string_view word)
 // Reads a printf field starting at text[i] == '%'; returns its length (0: not a field) and the
 // field's identity: position, length modifier and conversion (flags, width and precision may
 // differ between languages).
-size_t readPrintf(std::u16string_view text, size_t i, std::string& identity, bool& positional)
+size_t readPrintf(std::u16string_view text, size_t i, std::string& conversion, int& position)
 {
     size_t j = i + 1;
-    identity = "%";
-    positional = false;
+    position = 0;
     size_t digits = j;
     while (digits < text.size() && isDigit(text[digits]))
         ++digits;
-    if (digits > j && digits < text.size() && text[digits] == u'$') {
-        identity += encodeUtf8(text.substr(j, digits + 1 - j));
-        positional = true;
+    if (digits > j && digits - j < 6 && digits < text.size() && text[digits] == u'$') {
+        position = std::stoi(encodeUtf8(text.substr(j, digits - j)));
         j = digits + 1;
     }
     while (j < text.size() && std::u16string_view(u"-+ #0'I").find(text[j]) != std::u16string_view::npos)
         ++j;
+    // A "*" width or precision takes an argument of its own; it is counted as an "int" field.
+    int stars = 0;
     auto skipCount = [&] {
         if (j < text.size() && text[j] == u'*') {
-            ++j;
+            ++j, ++stars;
             while (j < text.size() && isDigit(text[j]))
                 ++j;
             if (j < text.size() && text[j] == u'$')
                 ++j;
-            identity += "*";
         } else {
             while (j < text.size() && isDigit(text[j]))
                 ++j;
@@ -68,7 +66,7 @@ size_t readPrintf(std::u16string_view text, size_t i, std::string& identity, boo
         ++j;
     if (j >= text.size() || std::u16string_view(u"diouxXeEfFgGaAcspnCS").find(text[j]) == std::u16string_view::npos)
         return 0;
-    identity += encodeUtf8(text.substr(lengthStart, j + 1 - lengthStart));
+    conversion = std::string(stars, '*') + encodeUtf8(text.substr(lengthStart, j + 1 - lengthStart));
     return j + 1 - i;
 }
 
@@ -77,6 +75,7 @@ size_t readPrintf(std::u16string_view text, size_t i, std::string& identity, boo
 Placeholders placeholdersOf(std::u16string_view text)
 {
     Placeholders out;
+    int unnumbered = 0;
     for (size_t i = 0; i < text.size();) {
         if (text[i] == u'%') {
             if (i + 1 < text.size() && text[i + 1] == u'%') {
@@ -94,10 +93,10 @@ Placeholders placeholdersOf(std::u16string_view text)
                     continue;
                 }
             }
-            std::string identity;
-            bool positional = false;
-            if (const size_t length = readPrintf(text, i, identity, positional)) {
-                (positional ? out.named : out.ordered).push_back(identity);
+            std::string conversion;
+            int position = 0;
+            if (const size_t length = readPrintf(text, i, conversion, position)) {
+                out.printf.push_back("%" + std::to_string(position ? position : ++unnumbered) + "$" + conversion);
                 i += length;
                 continue;
             }
@@ -117,6 +116,7 @@ Placeholders placeholdersOf(std::u16string_view text)
         }
     }
     std::sort(out.named.begin(), out.named.end());
+    std::sort(out.printf.begin(), out.printf.end());
     return out;
 }
 
@@ -124,8 +124,8 @@ std::string describeDifference(const Placeholders& expected, const Placeholders&
 {
     std::multiset<std::string> want(expected.named.begin(), expected.named.end());
     std::multiset<std::string> have(actual.named.begin(), actual.named.end());
-    want.insert(expected.ordered.begin(), expected.ordered.end());
-    have.insert(actual.ordered.begin(), actual.ordered.end());
+    want.insert(expected.printf.begin(), expected.printf.end());
+    have.insert(actual.printf.begin(), actual.printf.end());
     std::vector<std::string> missing, extra;
     std::set_difference(want.begin(), want.end(), have.begin(), have.end(), std::back_inserter(missing));
     std::set_difference(have.begin(), have.end(), want.begin(), want.end(), std::back_inserter(extra));
@@ -140,9 +140,6 @@ std::string describeDifference(const Placeholders& expected, const Placeholders&
         out += "missing " + list(missing);
     if (!extra.empty())
         out += std::string(out.empty() ? "" : ", ") + "extra " + list(extra);
-    if (out.empty())
-        out = "printf fields in another order (" + list(actual.ordered) + " instead of " + list(expected.ordered) +
-              "; number them, as in %1$s, to reorder)";
     return out;
 }
 
@@ -237,8 +234,9 @@ std::vector<Finding> checkCatalogue(const Catalogue& c, const Catalogue* referen
                        std::to_string(untranslated) + " untranslated and " + std::to_string(fuzzy) +
                            " fuzzy entries; compile leaves them out (fuzzy ones stay with --use-fuzzy)"});
 
-    // Placeholders against the reference's text of the same key, or against the entry's own
-    // source text where the key is one (PO and TS; plural forms follow their own rules).
+    // Placeholders against the reference's text of the same key, or, as msgfmt --check-format
+    // does, a c-format entry's against its own source text (PO and TS; plural forms follow their
+    // own rules).
     std::map<std::u16string_view, const Entry*> referenceTexts;
     if (reference) {
         for (const Entry& e : reference->entries)
@@ -257,7 +255,7 @@ std::vector<Finding> checkCatalogue(const Catalogue& c, const Catalogue* referen
                 continue;
             expectedText = it->second->text;
             against = "the reference's text" + (it->second->line ? " (line " + std::to_string(it->second->line) + ")" : std::string());
-        } else if (sourceKeyed && !e.plural) {
+        } else if (sourceKeyed && e.cFormat && !e.plural) {
             expectedText = splitKey(e.key).second;
             against = "the source text";
         } else {

@@ -10,10 +10,10 @@
 namespace qorlang {
 
 // The placeholders a text holds: printf fields ("%s", "%-5ld", "%1$s"; "%%" is none), "%NAME%"
-// names and "{name}" / "{{name}}" fields. Non-positional printf fields are kept in order (their
-// order is their meaning); the others are sorted.
+// names and "{name}" / "{{name}}" fields. printf fields are numbered by their argument ("%s %d"
+// and "%2$d %1$s" both hold "%1$s" and "%2$d"): a translation may reorder them by number only.
 struct Placeholders {
-    std::vector<std::string> ordered;
+    std::vector<std::string> printf;
     std::vector<std::string> named;
     bool operator==(const Placeholders&) const = default;
 };

@@ -295,6 +295,7 @@ private:
         out.fuzzy = entry.fuzzy;
         out.obsolete = entry.obsolete;
         out.plural = entry.idPlural.has_value();
+        out.cFormat = entry.cFormat;
         std::optional<std::u16string> context;
         if (entry.context)
             context = decode(*entry.context);

@@ -9,6 +9,7 @@
 
 #include <tinyxml2.h>
 
+#include <cstdio>
 #include <cstring>
 #include <map>
 
@@ -198,6 +199,7 @@ void cFormatFlags(Entry& entry, const XMLElement* flags)
     const std::string_view list = text ? text : "";
     for (size_t at = list.find("c-format"); at != std::string_view::npos; at = list.find("c-format", at + 1)) {
         if (at == 0 || list[at - 1] == ',' || list[at - 1] == ' ') {
+            entry.cFormat = true;
             entry.key = expandSystemDependent(entry.key);
             entry.text = expandSystemDependent(entry.text);
             return;
@@ -358,13 +360,44 @@ void requireXmlText(const std::string& path, std::u16string_view text)
     }
 }
 
-void pushElement(XMLPrinter& p, const char* name, std::u16string_view text, bool preserve = false)
+// Text with the characters XML cannot carry (and CR, which XML would turn into LF) written as
+// their readers expect them: TS as <byte value="x7"/>, XLIFF as lconvert's
+// <ph ctype="x-ch-...">\x07</ph>.
+void pushText(XMLPrinter& p, std::u16string_view text, bool ts)
+{
+    static int placeholder = 0;
+    size_t start = 0;
+    for (size_t i = 0; i <= text.size(); ++i) {
+        const bool control = i < text.size() && (text[i] < 0x20 && text[i] != u'\t' && text[i] != u'\n');
+        if (i < text.size() && !control)
+            continue;
+        if (i > start)
+            p.PushText(encodeUtf8(text.substr(start, i - start)).c_str());
+        start = i + 1;
+        if (!control)
+            break;
+        char hex[8];
+        std::snprintf(hex, sizeof hex, "%x", unsigned(text[i]));
+        if (ts) {
+            p.OpenElement("byte", true); // compact: no line break inside the text
+            p.PushAttribute("value", (std::string("x") + hex).c_str());
+        } else {
+            p.OpenElement("ph", true);
+            p.PushAttribute("id", (std::string("ctl") + std::to_string(++placeholder)).c_str());
+            p.PushAttribute("ctype", (std::string("x-ch-0x") + hex).c_str());
+            p.PushText((std::string("\\x") + hex).c_str());
+        }
+        p.CloseElement(true);
+    }
+}
+
+void pushElement(XMLPrinter& p, const char* name, std::u16string_view text, bool ts, bool preserve = false)
 {
     p.OpenElement(name);
     if (preserve)
         p.PushAttribute("xml:space", "preserve");
-    p.PushText(encodeUtf8(text).c_str());
-    p.CloseElement();
+    pushText(p, text, ts);
+    p.CloseElement(true);
 }
 
 std::u16string tagWith(const std::optional<std::u16string>& language, char16_t separator)
@@ -428,17 +461,15 @@ std::string writeXliff(const Catalogue& c)
     int id = 0;
     for (const Entry& e : c.entries) {
         const auto [context, source] = splitKey(e.key);
-        requireXmlText(c.path, source);
-        requireXmlText(c.path, e.text);
         p.OpenElement("trans-unit");
         p.PushAttribute("id", ++id);
-        pushElement(p, "source", source, true);
+        pushElement(p, "source", source, false, true);
         p.OpenElement("target");
         p.PushAttribute("xml:space", "preserve");
         if (e.fuzzy)
             p.PushAttribute("state", "needs-review-translation");
-        p.PushText(encodeUtf8(e.text).c_str());
-        p.CloseElement();
+        pushText(p, e.text, false);
+        p.CloseElement(true);
         if (context) {
             requireXmlText(c.path, *context);
             p.OpenElement("context-group");
@@ -515,8 +546,7 @@ std::string writeTs(const Catalogue& c)
     p.PushAttribute("language", encodeUtf8(tagWith(c.language, u'_')).c_str());
     auto extra = [&](const char* name, const std::optional<std::u16string>& value) {
         if (value) {
-            requireXmlText(c.path, *value);
-            pushElement(p, (std::string("extra-qorlang-") + name).c_str(), *value);
+            pushElement(p, (std::string("extra-qorlang-") + name).c_str(), *value, true);
         }
     };
     extra("application", c.appId);
@@ -545,23 +575,20 @@ std::string writeTs(const Catalogue& c)
     }
     for (const std::u16string& name : names) {
         p.OpenElement("context");
-        pushElement(p, "name", name);
+        pushElement(p, "name", name, true);
         for (const Entry* e : byName[name]) {
             const auto [context, source] = splitKey(e->key);
-            requireXmlText(c.path, source);
-            requireXmlText(c.path, e->text);
             p.OpenElement("message");
-            pushElement(p, "source", source);
+            pushElement(p, "source", source, true);
             if (context) {
                 const std::u16string_view comment = name.empty() ? *context : context->substr(name.size() + 1);
-                requireXmlText(c.path, comment);
-                pushElement(p, "comment", comment);
+                pushElement(p, "comment", comment, true);
             }
             p.OpenElement("translation");
             if (e->fuzzy)
                 p.PushAttribute("type", "unfinished");
-            p.PushText(encodeUtf8(e->text).c_str());
-            p.CloseElement();
+            pushText(p, e->text, true);
+            p.CloseElement(true);
             p.CloseElement();
         }
         p.CloseElement();

@@ -10,6 +10,7 @@
 #include "chunk_file/CMemoryStream.h"
 #include "chunk_file/TChunkRef.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <exception>
 #include <map>
@@ -58,10 +59,10 @@ const std::map<std::string, const char*> kCommandHelp = {
      "usage: qorlang check FILE... [--reference FILE]\n"
      "\n"
      "Reports, per file and line, what a translator should fix: placeholders (%s, %1$s, %NAME%,\n"
-     "{name}) that differ from the reference's text of the same key (without a reference, from\n"
-     "a PO or TS source text), reference keys missing here, keys defined twice, empty texts, a\n"
-     "language tag the library rejects, a language file name the library never looks for.\n"
-     "Exits with 1 when there are errors, 0 when there are only warnings or nothing.\n"},
+     "{name}) that differ from the reference's text of the same key (without a reference, a\n"
+     "c-format entry's own PO or TS source text), reference keys missing here, keys defined\n"
+     "twice, empty texts, a language tag the library rejects, a language file name the library\n"
+     "never looks for. Exits with 1 when there are errors, 0 when there are only warnings.\n"},
     {"stats",
      "usage: qorlang stats FILE... [--reference FILE]\n"
      "\n"

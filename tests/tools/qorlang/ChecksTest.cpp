@@ -36,21 +36,22 @@ TEST(Checks, PlaceholdersOfAText)
 {
     const std::pair<std::u16string, Placeholders> cases[] = {
         {u"no fields, 100%% sure, a lone %", ph({}, {})},
-        {u"%s has %d of %-5.2f and %ld, %lld, %zu, %*d", ph({"%s", "%d", "%f", "%ld", "%lld", "%zu", "%*d"}, {})},
-        {u"%2$s before %1$d", ph({}, {"%1$d", "%2$s"})},
-        {u"%d%% and %s%", ph({"%d", "%s"}, {})},
-        {u"Hello %USER_NAME%, %d%", ph({"%d"}, {"%USER_NAME%"})},
+        {u"%s has %d of %-5.2f and %ld, %zu, %*d", ph({"%1$s", "%2$d", "%3$f", "%4$ld", "%5$zu", "%6$*d"}, {})},
+        {u"%2$s before %1$d", ph({"%1$d", "%2$s"}, {})},
+        {u"%d%% and %s%", ph({"%1$d", "%2$s"}, {})},
+        {u"Hello %USER_NAME%, %d%", ph({"%1$d"}, {"%USER_NAME%"})},
         {u"{name} has {{count}} and {0}, not { spaced } or {}", ph({}, {"{0}", "{count}", "{name}"})},
         {u"%<PRIu64> stays unread", ph({}, {})},
     };
     for (const auto& [text, expected] : cases) {
         SCOPED_TRACE(std::string(text.begin(), text.end()));
-        EXPECT_EQ(placeholdersOf(text).ordered, expected.ordered);
+        EXPECT_EQ(placeholdersOf(text).printf, expected.printf);
         EXPECT_EQ(placeholdersOf(text).named, expected.named);
     }
-    EXPECT_EQ(describeDifference(placeholdersOf(u"%s %d {a}"), placeholdersOf(u"%s {b}")), "missing %d {a}, extra {b}");
-    EXPECT_EQ(describeDifference(placeholdersOf(u"%s %d"), placeholdersOf(u"%d %s")),
-              "printf fields in another order (%d %s instead of %s %d; number them, as in %1$s, to reorder)");
+    // Reordering by number is a translator's right; reordering without numbers is not.
+    EXPECT_EQ(placeholdersOf(u"%s of %d"), placeholdersOf(u"%2$d von %1$s"));
+    EXPECT_EQ(describeDifference(placeholdersOf(u"%s %d"), placeholdersOf(u"%d %s")), "missing %1$s %2$d, extra %1$d %2$s");
+    EXPECT_EQ(describeDifference(placeholdersOf(u"%s %d {a}"), placeholdersOf(u"%s {b}")), "missing %2$d {a}, extra {b}");
 }
 
 TEST(Checks, AgainstAReference)
@@ -67,7 +68,7 @@ TEST(Checks, AgainstAReference)
     EXPECT_EQ(messages(checkCatalogue(here, &reference, nullptr)),
               (std::vector<std::string>{
                   "0 W key \"only.ref\" of the reference (line 4) has no translation here",
-                  "1 E key \"greet\": placeholders differ from the reference's text (line 1): missing %s, extra %d",
+                  "1 E key \"greet\": placeholders differ from the reference's text (line 1): missing %1$s, extra %1$d",
                   "3 W key \"title\" has an empty text; the library treats it as missing",
                   "5 E key \"title\" is defined 2 times (lines 3, 5); the library will answer \"Titel\"",
               }));
@@ -81,8 +82,9 @@ TEST(Checks, AgainstAReference)
 
 TEST(Checks, SourceFormatsWithoutReference)
 {
-    Catalogue po = catalogue("de.po", {{u"%s of %d", u"%d von %s", 4},
-                                       {u"one file", u"%d Datei", 7, false, false, true}, // plural: own rules
+    Catalogue po = catalogue("de.po", {{u"%s of %d", u"%d von %s", 4, false, false, false, true},
+                                       {u"%s", u"%d", 5}, // not c-format: not compared
+                                       {u"one file", u"%d Datei", 7, false, false, true, true}, // plural: own rules
                                        {u"fuzzy", u"unscharf", 9, true},
                                        {u"untranslated", u"", 11}},
                              u"de");
@@ -90,13 +92,13 @@ TEST(Checks, SourceFormatsWithoutReference)
               (std::vector<std::string>{
                   "0 W 1 untranslated and 1 fuzzy entries; compile leaves them out (fuzzy ones stay with --use-fuzzy)",
                   "1 W the language \"de\" is not a tag QOR_LANG2_setCurrentLanguage accepts (it needs language-COUNTRY, such as de-DE); compile needs --language",
-                  "4 E key \"%s of %d\": placeholders differ from the source text: printf fields in another order (%d %s instead of %s %d; number them, as in %1$s, to reorder)",
+                  "4 E key \"%s of %d\": placeholders differ from the source text: missing %1$s %2$d, extra %1$d %2$s",
               }));
     const Stats s = statsOf(po, nullptr);
-    EXPECT_EQ(s.entries, 4u);
-    EXPECT_EQ(s.translated, 2u);
+    EXPECT_EQ(s.entries, 5u);
+    EXPECT_EQ(s.translated, 3u);
     EXPECT_EQ(s.fuzzy, 1u);
-    EXPECT_DOUBLE_EQ(s.percent, 50.0);
+    EXPECT_DOUBLE_EQ(s.percent, 60.0);
 }
 
 TEST(Checks, LanguageFileNameTagAndDuplicates)

@@ -108,7 +108,7 @@ TEST_F(QorlangTool, CheckExitsNonZeroOnErrorsOnly)
     const Result fr = run("check fr-FR.txt --reference en-US.txt");
     EXPECT_EQ(fr.status, 1);
     EXPECT_EQ(fr.output, "fr-FR.txt:2: error: key \"greet\": placeholders differ from the reference's text (line 2): "
-                         "missing %s, extra %d\n1 error, 0 warnings\n");
+                         "missing %1$s, extra %1$d\n1 error, 0 warnings\n");
     const Result stats = run("stats de-DE.txt fr-FR.txt --reference en-US.txt");
     EXPECT_EQ(stats.output, "file       entries translated  fuzzy  missing  percent\n"
                             "de-DE.txt        1          1      0        1    50.0%\n"
