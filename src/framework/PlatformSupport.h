@@ -4,6 +4,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
+#include <vector>
 
 namespace kore::platform {
 
@@ -15,5 +17,12 @@ void debugBreak();
 // come and go with every language switch must not stay behind in the heap. Null on failure.
 void* allocatePages(std::size_t bytes) noexcept;
 void freePages(void* pages, std::size_t bytes) noexcept;
+
+// For command-line tools. Standard input, output and error then carry bytes unchanged (Windows'
+// C runtime would otherwise write every line feed as CR LF).
+void setBinaryStandardStreams();
+// The program's arguments after its name, in UTF-8. On Windows they come from the wide command
+// line, so that file names outside the ANSI code page survive; elsewhere `argv` is used as it is.
+std::vector<std::string> getArgumentsUTF8(int argc, char** argv);
 
 } // namespace kore::platform

@@ -39,4 +39,14 @@ void freePages(void* pages, std::size_t bytes) noexcept
         munmap(pages, bytes);
 }
 
+void setBinaryStandardStreams()
+{
+    // POSIX streams never translate line ends.
+}
+
+std::vector<std::string> getArgumentsUTF8(int argc, char** argv)
+{
+    return std::vector<std::string>(argv + (argc > 0 ? 1 : 0), argv + argc);
+}
+
 } // namespace kore::platform

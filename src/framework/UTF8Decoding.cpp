@@ -1,0 +1,49 @@
+#include "framework/UTF8Decoding.h"
+
+#include <cstdint>
+
+namespace kore {
+
+bool decodeUTF8(std::string_view in, std::u16string& out, size_t* errorOffset)
+{
+    out.reserve(out.size() + in.size());
+    for (size_t i = 0; i < in.size();) {
+        const auto lead = static_cast<unsigned char>(in[i]);
+        if (lead < 0x80) {
+            out.push_back(lead);
+            ++i;
+            continue;
+        }
+        uint32_t cp = 0;
+        size_t n = 0;
+        uint32_t min = 0;
+        if ((lead & 0xE0) == 0xC0) {
+            cp = lead & 0x1F, n = 2, min = 0x80;
+        } else if ((lead & 0xF0) == 0xE0) {
+            cp = lead & 0x0F, n = 3, min = 0x800;
+        } else if ((lead & 0xF8) == 0xF0) {
+            cp = lead & 0x07, n = 4, min = 0x10000;
+        }
+        bool ok = n != 0 && in.size() - i >= n;
+        for (size_t k = 1; ok && k < n; ++k) {
+            const auto b = static_cast<unsigned char>(in[i + k]);
+            ok = (b & 0xC0) == 0x80;
+            cp = (cp << 6) | (b & 0x3F);
+        }
+        if (!ok || cp < min || cp > 0x10FFFF || (cp >= 0xD800 && cp <= 0xDFFF)) {
+            if (errorOffset)
+                *errorOffset = i;
+            return false;
+        }
+        if (cp >= 0x10000) {
+            out.push_back(static_cast<char16_t>(0xD800 | ((cp - 0x10000) >> 10)));
+            out.push_back(static_cast<char16_t>(0xDC00 | ((cp - 0x10000) & 0x3FF)));
+        } else {
+            out.push_back(static_cast<char16_t>(cp));
+        }
+        i += n;
+    }
+    return true;
+}
+
+} // namespace kore

@@ -1,0 +1,103 @@
+// The scalar variants, CVariantMap and CVariantArray.
+#include "framework/CBool.h"
+#include "framework/CDouble.h"
+#include "framework/CInt.h"
+#include "framework/CInt64.h"
+#include "framework/CInvalidArgError.h"
+#include "framework/CNull.h"
+#include "framework/CString.h"
+#include "framework/CStringFormat.h"
+#include "framework/CValueList.h"
+#include "framework/CVariantArray.h"
+#include "framework/CVariantMap.h"
+
+namespace kore {
+
+namespace {
+P<IBase> orNull(P<IBase> value)
+{
+    return value ? std::move(value) : P<IBase>(make<CNull>());
+}
+} // namespace
+
+P<IString> CInt::toString() const
+{
+    return formatString("%d", getValue());
+}
+
+P<IString> CInt64::toString() const
+{
+    return formatString("%d", getValue());
+}
+
+P<IString> CDouble::toString() const
+{
+    return formatString("%g", getValue());
+}
+
+P<IString> CBool::toString() const
+{
+    return CString::fromUTF8(getValue() ? "true" : "false");
+}
+
+P<IString> CNull::toString() const
+{
+    return CString::fromUTF8("null");
+}
+
+void CVariantMap::set(const CStringArg& key, P<IBase> value)
+{
+    value = orNull(std::move(value));
+    const auto found = m_members.find(key.get());
+    if (found != m_members.end())
+        found->second = std::move(value);
+    else
+        m_members.emplace(CValueList::copyText(key.get()), std::move(value));
+}
+
+P<IBase> CVariantMap::get(const CStringArg& key) const
+{
+    const auto found = m_members.find(key.get());
+    return found != m_members.end() ? found->second : nullptr;
+}
+
+bool CVariantMap::contains(const CStringArg& key) const
+{
+    return m_members.find(key.get()) != m_members.end();
+}
+
+bool CVariantMap::remove(const CStringArg& key)
+{
+    const auto found = m_members.find(key.get());
+    if (found == m_members.end())
+        return false;
+    m_members.erase(found);
+    return true;
+}
+
+void CVariantArray::add(P<IBase> value)
+{
+    m_values.push_back(orNull(std::move(value)));
+}
+
+void CVariantArray::set(uint32_t index, P<IBase> value)
+{
+    if (index >= m_values.size())
+        throw CInvalidArgError(this, "CVariantArray::set", "index (outside the array)");
+    m_values[index] = orNull(std::move(value));
+}
+
+P<IBase> CVariantArray::get(uint32_t index) const
+{
+    return index < m_values.size() ? m_values[index] : nullptr;
+}
+
+bool CVariantArray::remove(uint32_t index)
+{
+    if (index >= m_values.size())
+        return false;
+    m_values.erase(m_values.begin() + index);
+    return true;
+}
+
+} // namespace kore
