@@ -18,6 +18,8 @@ void fuzzEncodings(const uint8_t* data, size_t size);
 void fuzzStringFormat(const uint8_t* data, size_t size);
 // URI texts and local paths parsed, printed and resolved.
 void fuzzURI(const uint8_t* data, size_t size);
+// JSON text parsed, printed and parsed again.
+void fuzzJson(const uint8_t* data, size_t size);
 // Translators' files read by the qorlang tool (XLIFF and TS only where it is built with XML).
 void fuzzPo(const uint8_t* data, size_t size);
 void fuzzXliff(const uint8_t* data, size_t size);
@@ -34,6 +36,7 @@ inline constexpr FuzzTarget kFuzzTargets[] = {
     {"encodings", fuzzEncodings},
     {"string_format", fuzzStringFormat},
     {"uri", fuzzURI},
+    {"json", fuzzJson},
     {"qorlang_po", fuzzPo},
     {"qorlang_xliff", fuzzXliff},
     {"qorlang_ts", fuzzTs},

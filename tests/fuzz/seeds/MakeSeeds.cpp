@@ -5,6 +5,8 @@
 #include "chunk_file/CMemoryStream.h"
 #include "chunk_file/ChunkId.h"
 #include "chunk_file/TChunkRef.h"
+#include "framework/CJsonParser.h"
+#include "framework/CJsonPrinter.h"
 #include "framework/CLatin1CharEncoding.h"
 #include "framework/CString.h"
 #include "framework/CUTF16CharEncoding.h"
@@ -153,6 +155,16 @@ int main(int argc, char** argv)
     };
     for (const auto& [name, mode, text] : uris)
         save("uri", name, Bytes(1, mode[0]) + piece("de-DE.qorlang") + text);
+    // JSON from the framework's printer, compact and pretty: every kind of value, nesting,
+    // escapes, a surrogate pair, numbers of each width.
+    const char* json =
+        R"({"app": "fz", "count": 3, "big": 12345678901, "huge": 1e300, "ratio": -0.25, "ok": true,)"
+        R"( "no": false, "none": null, "list": [1, [2, [3, {}]], []], "text": "tab\t\"quote\" \u00e4 \ud83d\ude00",)"
+        R"( "nested": {"a": {"b": {"c": "deep"}}}})";
+    const kore::P<kore::IBase> tree = kore::CJsonParser().parseUTF8(json);
+    save("json", "compact", kore::CJsonPrinter(false).print(tree.get())->toUTF8());
+    save("json", "pretty", kore::CJsonPrinter(true).print(tree.get())->toUTF8());
+
     // Translators' files from the qorlang tool's own writers: context, plural, fuzzy and obsolete
     // entries, descriptive data, texts with placeholders, markup characters and non-ASCII.
     qorlang::Catalogue catalogue;
