@@ -13,6 +13,7 @@ packages=(
   g++                           # native compiler
   libgtest-dev libgmock-dev     # unit tests natively; its sources (/usr/src/googletest) for the cross build
   libbenchmark-dev              # benchmarks under bench/
+  libtinyxml2-dev               # XML value store: TinyXML-2 reads and writes its files (native builds only)
   g++-mingw-w64-x86-64-posix    # Windows x64 cross compiler (posix threads)
   wine wine64                   # runs the Windows tests and example
   python3 iso-codes             # table generators' up-to-date checks (optional tests)

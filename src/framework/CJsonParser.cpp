@@ -69,6 +69,12 @@ bool underflows(std::string_view text)
 
 P<IBase> CJsonParser::parseUTF8(std::string_view bytes)
 {
+    // A framework string holds at most 0xFFFFFFFE bytes: 0x7FFFFFFF UTF-16 units.
+    if (bytes.size() > 0x7FFFFFFF) {
+        m_position = 0;
+        throw CJsonParserError(
+            formatString("the text is too large (%u bytes)", static_cast<uint64_t>(bytes.size())));
+    }
     std::u16string text;
     size_t bad = 0;
     if (!decodeUTF8(bytes, text, &bad)) {
@@ -76,8 +82,8 @@ P<IBase> CJsonParser::parseUTF8(std::string_view bytes)
         throw CJsonParserError(
             formatString("invalid UTF-8 at byte %u", static_cast<uint64_t>(bad)));
     }
-    return parse(CUTF16String(text.data(), CString::unitsToBytes(static_cast<uint32_t>(text.size()), 2),
-                              IString::kUnknown, CString::kBorrow));
+    const uint32_t byteLength = CString::unitsToBytes(static_cast<uint32_t>(text.size()), 2);
+    return parse(CUTF16String(text.data(), byteLength, IString::kUnknown, CString::kBorrow));
 }
 
 P<IBase> CJsonParser::parse(const CStringArg& text)
@@ -346,7 +352,9 @@ P<IBase> CJsonParser::parseNumber()
     if (integral) {
         int64_t value = 0;
         const auto result = std::from_chars(first, last, value);
-        if (result.ec == std::errc() && result.ptr == last) {
+        // "-0" stays a double: an integer would lose the sign, and the printer writes -0.0 as
+        // "-0", which must read back as what it was printed from.
+        if (result.ec == std::errc() && result.ptr == last && !(value == 0 && text[0] == '-')) {
             if (value >= std::numeric_limits<int32_t>::min() && value <= std::numeric_limits<int32_t>::max())
                 return make<CInt>(static_cast<int32_t>(value));
             return make<CInt64>(value);

@@ -2,8 +2,8 @@
 // Reads JSON text (RFC 8259) into a tree of variants: objects become CVariantMap (a repeated key
 // keeps its last value), arrays CVariantArray, strings CString (UTF-16), true and false CBool,
 // null CNull. A number without fraction or exponent becomes CInt when it fits 32 bits, CInt64
-// when it fits 64 bits; any other number becomes CDouble (one that underflows reads as zero, one
-// too large for a double is an error).
+// when it fits 64 bits; any other number, and "-0", becomes CDouble (one that underflows reads
+// as zero, one too large for a double is an error).
 //
 // Whitespace between tokens is space, tab, line feed and carriage return. Strings take every
 // escape of RFC 8259; "\u" escapes of a surrogate pair make one character, and a surrogate

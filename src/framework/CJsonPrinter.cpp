@@ -12,6 +12,8 @@
 #include "framework/CVariantMap.h"
 #include "framework/Cast.h"
 
+#include <cmath>
+
 namespace kore {
 
 namespace {
@@ -52,8 +54,9 @@ void CJsonPrinter::print(const IBase* value, std::u16string& out)
     }
 }
 
-void CJsonPrinter::appendEscaped(const IString& text, std::u16string& out)
+void CJsonPrinter::appendEscaped(const IString& text, std::u16string& out, bool allControls)
 {
+    static const char16_t hexDigits[] = u"0123456789abcdef";
     CCharCursor cursor(text);
     for (uint32_t cp = 0; cursor.next(cp);) {
         switch (cp) {
@@ -64,7 +67,15 @@ void CJsonPrinter::appendEscaped(const IString& text, std::u16string& out)
         case '\n': out += u"\\n"; break;
         case '\r': out += u"\\r"; break;
         case '\t': out += u"\\t"; break;
-        default: appendCodePoint(cp, out); break;
+        default:
+            if (allControls && cp < 0x20) {
+                out += u"\\u00";
+                out.push_back(hexDigits[cp >> 4]);
+                out.push_back(hexDigits[cp & 15]);
+            } else {
+                appendCodePoint(cp, out);
+            }
+            break;
         }
     }
 }
@@ -108,7 +119,7 @@ void CJsonPrinter::printValue(const IBase* value, std::u16string& out)
                 beginItem(first, out);
                 first = false;
                 out.push_back(u'"');
-                appendEscaped(key, out);
+                appendEscaped(key, out, m_lossless);
                 out += m_pretty ? u"\": " : u"\":";
                 printValue(&member, out);
             });
@@ -120,9 +131,17 @@ void CJsonPrinter::printValue(const IBase* value, std::u16string& out)
                 printValue(a.get(i).get(), out);
             }
         }, out);
-    } else if (const auto* text = tryCast<IString>(value)) {
+    } else {
+        printScalar(*value, out);
+    }
+}
+
+void CJsonPrinter::printScalar(const IBase& scalar, std::u16string& out)
+{
+    const IBase* value = &scalar;
+    if (const auto* text = tryCast<IString>(value)) {
         out.push_back(u'"');
-        appendEscaped(*text, out);
+        appendEscaped(*text, out, m_lossless);
         out.push_back(u'"');
     } else if (const auto* i32 = tryCast<CInt>(value)) {
         appendText(i32->toString(), out);
@@ -131,7 +150,13 @@ void CJsonPrinter::printValue(const IBase* value, std::u16string& out)
     } else if (const auto* flag = tryCast<CBool>(value)) {
         out += flag->getValue() ? u"true" : u"false";
     } else if (const auto* real = tryCast<CDouble>(value)) {
-        appendText(real->toString(), out);
+        if (!m_lossless) {
+            appendText(real->toString(), out);
+        } else {
+            if (!std::isfinite(real->getValue()))
+                throw CInvalidArgError(value, "CJsonPrinter::print", "value (not a finite number)");
+            appendText(real->toExactString(), out);
+        }
     } else if (tryCast<CNull>(value)) {
         out += u"null";
     } else {

@@ -22,7 +22,14 @@ namespace kore {
 
 class CJsonPrinter : public CObject {
 public:
-    explicit CJsonPrinter(bool pretty = false) : m_pretty(pretty) {}
+    // A `lossless` printer writes text that always reads back as the same tree, for files: control
+    // characters as "\u" escapes, floating-point numbers as CDouble::toExactString gives them
+    // instead of with "%g", and it refuses infinities and NaN, which JSON cannot hold
+    // (CInvalidArgError).
+    explicit CJsonPrinter(bool pretty = false, bool lossless = false)
+        : m_pretty(pretty), m_lossless(lossless)
+    {
+    }
 
     bool isPretty() const noexcept { return m_pretty; }
 
@@ -32,11 +39,15 @@ public:
     // The same, appended to `out`.
     void print(const IBase* value, std::u16string& out);
 
-    // `text` with the JSON escapes applied, appended to `out` (no quotes).
-    static void appendEscaped(const IString& text, std::u16string& out);
+    // `text` with the JSON escapes applied, appended to `out` (no quotes); with `allControls`
+    // the other control characters too, as "\u" escapes.
+    static void appendEscaped(const IString& text, std::u16string& out, bool allControls = false);
 
 private:
     void printValue(const IBase* value, std::u16string& out);
+    // Everything but maps and arrays. Kept out of printValue so that the frame of the recursion
+    // stays small: deep trees must not exhaust a thread's stack.
+    [[gnu::noinline]] void printScalar(const IBase& scalar, std::u16string& out);
     template <class Container, class PrintItems>
     void printContainer(char16_t open, char16_t close, const Container& container,
                         const PrintItems& printItems, std::u16string& out);
@@ -44,6 +55,7 @@ private:
     void beginItem(bool first, std::u16string& out) const;
 
     const bool m_pretty;
+    const bool m_lossless;
     // One tab per level of nesting.
     std::u16string m_indent;
 };

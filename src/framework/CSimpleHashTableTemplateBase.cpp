@@ -8,6 +8,7 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <utility>
 #include <new>
 #include <string>
 
@@ -147,6 +148,15 @@ bool TSimpleHashKeyTraits<P<IString>>::equals(const P<IString>& stored, const IS
         std::memcmp(s.getBuffer(), key.getBuffer(), s.getByteLength()) == 0)
         return true;
     return s.equals(key);
+}
+
+void CSimpleHashTableTemplateBase::swapWith(CSimpleHashTableTemplateBase& other) noexcept
+{
+    std::swap(m_loadFactor, other.m_loadFactor);
+    std::swap(m_growthFactor, other.m_growthFactor);
+    std::swap(m_buckets, other.m_buckets);
+    std::swap(m_bucketCount, other.m_bucketCount);
+    std::swap(m_count, other.m_count);
 }
 
 } // namespace kore

@@ -60,6 +60,8 @@ protected:
     void unlink(void** link) noexcept;
     // Deletes every node and the bucket array (the destructor's step).
     void releaseAll() noexcept;
+    // Exchanges entries, buckets and factors with `other`, a table of the same node type.
+    void swapWith(CSimpleHashTableTemplateBase& other) noexcept;
 
     void** bucketFor(uint32_t hash) const noexcept { return &m_buckets[hash % m_bucketCount]; }
 

@@ -1,8 +1,14 @@
 #include "framework/CValueList.h"
 
+#include "framework/CBool.h"
+#include "framework/CDouble.h"
+#include "framework/CInt.h"
+#include "framework/CInt64.h"
 #include "framework/CInvalidArgError.h"
 #include "framework/CString.h"
 #include "framework/Cast.h"
+
+#include <limits>
 
 namespace kore {
 
@@ -42,6 +48,67 @@ bool CValueList::contains(const CStringArg& key) const
 bool CValueList::remove(const CStringArg& key)
 {
     return m_table.remove(key.get());
+}
+
+void CValueList::setString(const CStringArg& key, const CStringArg& text)
+{
+    set(key, copyText(text.get()));
+}
+
+void CValueList::setInteger(const CStringArg& key, int64_t value)
+{
+    if (value >= std::numeric_limits<int32_t>::min() && value <= std::numeric_limits<int32_t>::max())
+        set(key, make<CInt>(static_cast<int32_t>(value)));
+    else
+        set(key, make<CInt64>(value));
+}
+
+void CValueList::setDouble(const CStringArg& key, double value)
+{
+    set(key, make<CDouble>(value));
+}
+
+void CValueList::setBool(const CStringArg& key, bool value)
+{
+    set(key, make<CBool>(value));
+}
+
+std::optional<int64_t> CValueList::getInteger(const CStringArg& key) const
+{
+    const Entry* entry = m_table.find(key.get());
+    if (!entry)
+        return std::nullopt;
+    if (const auto* i32 = tryCast<CInt>(entry->value))
+        return i32->getValue();
+    if (const auto* i64 = tryCast<CInt64>(entry->value))
+        return i64->getValue();
+    return std::nullopt;
+}
+
+std::optional<double> CValueList::getDouble(const CStringArg& key) const
+{
+    const Entry* entry = m_table.find(key.get());
+    if (entry)
+        if (const auto* real = tryCast<CDouble>(entry->value))
+            return real->getValue();
+    if (const std::optional<int64_t> integer = getInteger(key))
+        return static_cast<double>(*integer);
+    return std::nullopt;
+}
+
+std::optional<bool> CValueList::getBool(const CStringArg& key) const
+{
+    const Entry* entry = m_table.find(key.get());
+    if (entry)
+        if (const auto* flag = tryCast<CBool>(entry->value))
+            return flag->getValue();
+    return std::nullopt;
+}
+
+P<CValueList> CValueList::getList(const CStringArg& key) const
+{
+    const Entry* entry = m_table.find(key.get());
+    return entry ? P<CValueList>(tryCast<CValueList>(entry->value)) : nullptr;
 }
 
 } // namespace kore

@@ -1,7 +1,9 @@
 #pragma once
-// A table of framework objects by string key: what the string localizer keeps its texts in.
-// Keys compare exactly (case and every character count), by code point, whatever their
-// encodings; the list keeps its own copy of each key, so keys may borrow caller memory.
+// A table of framework objects by string key. Keys compare exactly (case and every character
+// count), by code point, whatever their encodings; the list keeps its own copy of each key, so
+// keys may borrow caller memory. Values are usually variants (strings, CInt, CInt64, CDouble,
+// CBool, CNull, CVariantMap, CVariantArray) or nested value lists: what value stores keep in
+// their files.
 //
 // Not locked: the owner serialises access.
 
@@ -12,6 +14,7 @@
 #include "framework/TSimpleHashTable.h"
 
 #include <cstdint>
+#include <optional>
 #include <utility>
 
 namespace kore {
@@ -46,6 +49,31 @@ public:
     // Removes every entry.
     void clear() noexcept { m_table.clear(); }
     uint32_t getCount() const noexcept { return m_table.getCount(); }
+    // Exchanges every entry with `other` in constant time (a store loads into a fresh list and
+    // swaps, so that a failed load changes nothing).
+    void swap(CValueList& other) noexcept { m_table.swap(other.m_table); }
+
+    // Typed values. A copy of the text; CInt when the value fits 32 bits, else CInt64.
+    void setString(const CStringArg& key, const CStringArg& text);
+    void setInteger(const CStringArg& key, int64_t value);
+    void setDouble(const CStringArg& key, double value);
+    void setBool(const CStringArg& key, bool value);
+    // Empty when the key is absent or its value is of another kind; an integer reads as a
+    // double too.
+    std::optional<int64_t> getInteger(const CStringArg& key) const;
+    std::optional<double> getDouble(const CStringArg& key) const;
+    std::optional<bool> getBool(const CStringArg& key) const;
+    // The nested list under `key`, or null.
+    P<CValueList> getList(const CStringArg& key) const;
+
+    // Calls visit(const IString& key, IBase& value) for every entry, in no particular order.
+    // The visit must not add or remove entries.
+    template <class Visit>
+    void forEach(Visit&& visit) const
+    {
+        const_cast<Table&>(m_table).forEach(
+            [&visit](const P<IString>& key, const Entry& entry) { visit(*key, *entry.value); });
+    }
 
     // The hash under which a key is stored.
     static uint32_t hashKey(const IString& key) { return key.hash(); }
@@ -53,7 +81,8 @@ public:
     static P<IString> copyText(const IString& text);
 
 private:
-    TSimpleHashTable<P<IString>, Entry> m_table;
+    using Table = TSimpleHashTable<P<IString>, Entry>;
+    Table m_table;
 };
 
 } // namespace kore

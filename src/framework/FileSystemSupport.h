@@ -62,6 +62,13 @@ struct NativeFolderEntry {
 bool listNativeFolder(const IString& path, std::vector<NativeFolderEntry>& entries,
                       NativeError& error);
 
+// Puts the file `from` in the place of `to` in one step, replacing `to` if it exists: readers
+// see the old or the new file, never a part of one. `from`'s content is on the disk before.
+// Both paths lie in one folder.
+bool replaceNativeFile(const IString& from, const IString& to, NativeError& error);
+// Deletes a file; a missing file is kNotFound.
+bool removeNativeFile(const IString& path, NativeError& error);
+
 // Platform-neutral (FileSystemSupport.cpp): throws CFileNotFoundError or CFileAccessDeniedError
 // by the error's kind, any other failure as CFileError with the localised text of `key`
 // (English `englishDefault`), "%FILE%" replaced by the URI and "%DESC%" by the system's message.

@@ -138,6 +138,9 @@ public:
         return false;
     }
 
+    // Exchanges every entry with `other` in constant time.
+    void swap(TSimpleHashTable& other) noexcept { swapWith(other); }
+
     // Calls visit(const K&, V&) for every entry, bucket by bucket, each chain from its head.
     // The visit must not add or remove entries.
     template <class Visit>

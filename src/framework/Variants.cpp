@@ -11,6 +11,10 @@
 #include "framework/CVariantArray.h"
 #include "framework/CVariantMap.h"
 
+#include <charconv>
+#include <string>
+#include <system_error>
+
 namespace kore {
 
 namespace {
@@ -33,6 +37,22 @@ P<IString> CInt64::toString() const
 P<IString> CDouble::toString() const
 {
     return formatString("%g", getValue());
+}
+
+P<IString> CDouble::toExactString() const
+{
+    const double value = getValue();
+    std::string text;
+    for (int precision = 15; precision <= 17; ++precision) {
+        text = formatString("%.*g", precision, value)->toUTF8();
+        double back = 0;
+        const auto result = std::from_chars(text.data(), text.data() + text.size(), back);
+        if (result.ec == std::errc() && back == value)
+            break;
+    }
+    if (text.find_first_not_of("-0123456789") == std::string::npos)
+        text += ".0";
+    return CString::fromUTF8(text);
 }
 
 P<IString> CBool::toString() const

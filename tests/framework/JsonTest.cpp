@@ -150,7 +150,8 @@ TEST(JsonParser, NumberKinds)
 {
     const std::pair<const char*, const char*> rows[] = {
         {"0", "int 0"},
-        {"-0", "int 0"},
+        {"-0", "double -0"},
+        {"-0.0", "double -0"},
         {"2147483647", "int 2147483647"},
         {"-2147483648", "int -2147483648"},
         {"2147483648", "int64 2147483648"},
@@ -243,7 +244,7 @@ TEST(JsonParser, HostileInputEndsInAParserError)
 
 TEST(JsonParser, PrintedTextReadsBackTheSame)
 {
-    const char* document = R"({"list":[1,-2147483649,0.5,-1e-07,true,false,null,"",[],{}],)"
+    const char* document = R"({"list":[1,-2147483649,0.5,-1e-07,-0.0,100000.0,1e300,true,false,null,"",[],{}],)"
                            R"("text":"\\ \"q\" \n\t/ \u00e9\u0928\ud83d\ude00","nested":{"k":{"k":[[[]]]}}})";
     for (bool pretty : {false, true}) {
         const std::string once = printed(parsed(document), pretty);

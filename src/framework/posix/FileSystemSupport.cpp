@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <system_error>
 
 namespace kore::platform {
@@ -176,6 +177,34 @@ bool listNativeFolder(const IString& path, std::vector<NativeFolderEntry>& entri
     ::closedir(dir);
     if (code != 0) {
         error = errorFrom(code);
+        return false;
+    }
+    return true;
+}
+
+bool replaceNativeFile(const IString& from, const IString& to, NativeError& error)
+{
+    const std::string source = from.toUTF8();
+    // The data first, so that a crash after the rename cannot leave an empty file behind.
+    const int fd = ::open(source.c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0 || ::fsync(fd) != 0) {
+        error = errorFrom(errno);
+        if (fd >= 0)
+            ::close(fd);
+        return false;
+    }
+    ::close(fd);
+    if (::rename(source.c_str(), to.toUTF8().c_str()) != 0) {
+        error = errorFrom(errno);
+        return false;
+    }
+    return true;
+}
+
+bool removeNativeFile(const IString& path, NativeError& error)
+{
+    if (::unlink(path.toUTF8().c_str()) != 0) {
+        error = errorFrom(errno);
         return false;
     }
     return true;

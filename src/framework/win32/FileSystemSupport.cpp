@@ -255,4 +255,23 @@ bool listNativeFolder(const IString& path, std::vector<NativeFolderEntry>& entri
     return true;
 }
 
+bool replaceNativeFile(const IString& from, const IString& to, NativeError& error)
+{
+    if (!MoveFileExW(win32::toWin32Path(from).c_str(), win32::toWin32Path(to).c_str(),
+                     MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) {
+        error = errorFrom(GetLastError());
+        return false;
+    }
+    return true;
+}
+
+bool removeNativeFile(const IString& path, NativeError& error)
+{
+    if (!DeleteFileW(win32::toWin32Path(path).c_str())) {
+        error = errorFrom(GetLastError());
+        return false;
+    }
+    return true;
+}
+
 } // namespace kore::platform

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "framework/CObject.h"
+#include "framework/IMutex.h"
+#include "framework/IValueStoreFactory.h"
+#include "framework/IValueStoreManager.h"
+
+#include <vector>
+
+namespace kore {
+
+class CValueStoreManager : public CObject, public IValueStoreManager {
+public:
+    // With the built-in factories.
+    CValueStoreManager();
+
+    void addFactory(IValueStoreFactory& factory) override;
+    P<IValueStoreFactory> getFactory(const CStringArg& extension) const override;
+    P<IValueStore> createStore(const IURI& uri) override;
+
+private:
+    P<IMutex> m_mutex;
+    // Guarded by m_mutex.
+    std::vector<P<IValueStoreFactory>> m_factories;
+};
+
+// Adds the XML store's factory where the build has TinyXML-2 (xml/CXmlValueStore.cpp) and
+// nothing elsewhere (xml/NoXmlValueStore.cpp).
+void addXmlValueStoreFactory(IValueStoreManager& manager);
+
+} // namespace kore

@@ -1,0 +1,8 @@
+// Builds without TinyXML-2 (the Windows cross build) have no XML value store.
+#include "framework/CValueStoreManager.h"
+
+namespace kore {
+
+void addXmlValueStoreFactory(IValueStoreManager&) {}
+
+} // namespace kore
