@@ -73,8 +73,6 @@ bool formatAvailable(Format format)
 #else
         return false;
 #endif
-    case Format::Json:
-        return false;
     default:
         return true;
     }
@@ -86,8 +84,6 @@ void requireAvailable(const std::string& path, Format format)
 {
     if (formatAvailable(format))
         return;
-    if (format == Format::Json)
-        fail(path, 0, "i18next JSON is not supported yet by this qorlang");
     fail(path, 0, "this qorlang was built without XML support (TinyXML-2), so it cannot handle XLIFF or TS");
 }
 
@@ -152,6 +148,8 @@ Catalogue readCatalogue(const std::string& path)
     case Format::Ts:
         return readTs(path, bytes);
 #endif
+    case Format::Json:
+        return readJson(path, bytes);
     case Format::Text:
         return readText(path, bytes);
     case Format::Qorlang:
@@ -166,6 +164,8 @@ std::string writeCatalogue(const Catalogue& catalogue, Format format)
     switch (format) {
     case Format::Po:
         return writePo(catalogue);
+    case Format::Json:
+        return writeJson(catalogue);
 #ifdef QORLANG_WITH_XML
     case Format::Xliff:
         return writeXliff(catalogue);

@@ -29,6 +29,8 @@ Catalogue readXliff(const std::string& path, const std::string& bytes);
 std::string writeXliff(const Catalogue& catalogue);
 Catalogue readTs(const std::string& path, const std::string& bytes);
 std::string writeTs(const Catalogue& catalogue);
+Catalogue readJson(const std::string& path, const std::string& bytes);
+std::string writeJson(const Catalogue& catalogue);
 Catalogue readText(const std::string& path, const std::string& bytes);
 // A language file: every string entry in file order, the descriptive data.
 Catalogue readQorlang(const std::string& path, const std::vector<uint8_t>& bytes);

@@ -1,5 +1,7 @@
 #include "Unicode.h"
 
+#include "framework/UTF8Decoding.h"
+
 #include <cstdint>
 
 namespace qorlang {
@@ -7,41 +9,8 @@ namespace qorlang {
 std::optional<std::u16string> decodeUtf8(std::string_view in)
 {
     std::u16string out;
-    out.reserve(in.size());
-    for (size_t i = 0; i < in.size();) {
-        const auto lead = static_cast<unsigned char>(in[i]);
-        uint32_t cp = 0;
-        size_t n = 0;
-        uint32_t min = 0;
-        if (lead < 0x80) {
-            cp = lead, n = 1;
-        } else if ((lead & 0xE0) == 0xC0) {
-            cp = lead & 0x1F, n = 2, min = 0x80;
-        } else if ((lead & 0xF0) == 0xE0) {
-            cp = lead & 0x0F, n = 3, min = 0x800;
-        } else if ((lead & 0xF8) == 0xF0) {
-            cp = lead & 0x07, n = 4, min = 0x10000;
-        } else {
-            return std::nullopt;
-        }
-        if (i + n > in.size())
-            return std::nullopt;
-        for (size_t k = 1; k < n; ++k) {
-            const auto b = static_cast<unsigned char>(in[i + k]);
-            if ((b & 0xC0) != 0x80)
-                return std::nullopt;
-            cp = (cp << 6) | (b & 0x3F);
-        }
-        if (cp < min || cp > 0x10FFFF || (cp >= 0xD800 && cp <= 0xDFFF))
-            return std::nullopt;
-        if (cp >= 0x10000) {
-            out.push_back(static_cast<char16_t>(0xD800 | ((cp - 0x10000) >> 10)));
-            out.push_back(static_cast<char16_t>(0xDC00 | ((cp - 0x10000) & 0x3FF)));
-        } else {
-            out.push_back(static_cast<char16_t>(cp));
-        }
-        i += n;
-    }
+    if (!kore::decodeUTF8(in, out))
+        return std::nullopt;
     return out;
 }
 

@@ -1,7 +1,7 @@
 #pragma once
-// UTF-8 <-> UTF-16 for the translation tool. The framework's own UTF-8 decoder refuses a few
-// well-formed lead bytes on purpose (a compatibility rule of its strings); translations must keep
-// every character, so the tool converts with these complete functions instead.
+// UTF-8 <-> UTF-16 for the translation tool. The framework's UTF-8 strings refuse a few
+// well-formed lead bytes on purpose (a compatibility rule of theirs); translations must keep
+// every character, so the tool converts with the complete decoder and this encoder instead.
 
 #include <optional>
 #include <string>

@@ -26,20 +26,20 @@ const char* const kUsage =
     "\n"
     "commands:\n"
     "  compile INPUT -o OUTPUT.qorlang   make a language file from a translation\n"
-    "  decompile INPUT.qorlang -o OUTPUT  write a language file as .po, .xlf or .ts\n"
+    "  decompile INPUT.qorlang -o OUTPUT  write a language file as .po, .xlf, .ts or .json\n"
     "  check FILE... [--reference FILE]   find mistakes a translator can fix\n"
     "  stats FILE... [--reference FILE]   count entries and translations\n"
     "  info FILE.qorlang                  show what the library reads from a language file\n"
     "\n"
     "Input formats by extension: .po (gettext), .xlf/.xliff (XLIFF 1.2, 2.0), .ts (Qt),\n"
-    ".txt (key=text lines), .qorlang. 'qorlang <command> --help' tells more.\n";
+    ".json (i18next), .txt (key=text lines), .qorlang. 'qorlang <command> --help' tells more.\n";
 
 const std::map<std::string, const char*> kCommandHelp = {
     {"compile",
      "usage: qorlang compile INPUT -o OUTPUT [--app-id ID] [--language TAG] [--author NAME]\n"
      "                       [--comment TEXT] [--use-fuzzy]\n"
      "\n"
-     "Makes the language file OUTPUT (.qorlang) from INPUT (.po, .xlf, .xliff, .ts, .txt).\n"
+     "Makes the language file OUTPUT (.qorlang) from INPUT (.po, .xlf, .xliff, .ts, .json, .txt).\n"
      "  --language TAG  the language, language-COUNTRY such as de-DE; by default the input's own\n"
      "                  (PO \"Language\", XLIFF target language, TS language), which must then name\n"
      "                  a country too\n"
@@ -48,13 +48,14 @@ const std::map<std::string, const char*> kCommandHelp = {
      "  --comment TEXT  by default the comment lines above a PO header\n"
      "  --use-fuzzy     keep fuzzy (unreviewed) translations, which are left out otherwise\n"
      "Untranslated entries are left out; a key given twice keeps its last text. A gettext\n"
-     "context becomes part of the key: context, U+0004, source text.\n"},
+     "context becomes part of the key: context, U+0004, source text. In i18next JSON nested\n"
+     "objects give dotted keys (\"menu\": {\"open\": ...} is menu.open).\n"},
     {"decompile",
      "usage: qorlang decompile INPUT.qorlang -o OUTPUT\n"
      "\n"
      "Writes every entry and the descriptive data of a language file as OUTPUT, whose extension\n"
-     "chooses the format: .po, .xlf/.xliff (XLIFF 1.2) or .ts. Compiling OUTPUT again gives the\n"
-     "same entries.\n"},
+     "chooses the format: .po, .xlf/.xliff (XLIFF 1.2), .ts or .json (i18next, flat dotted keys).\n"
+     "Compiling OUTPUT again gives the same entries.\n"},
     {"check",
      "usage: qorlang check FILE... [--reference FILE]\n"
      "\n"
@@ -207,8 +208,8 @@ int decompile(const std::vector<std::string>& args)
     if (formatOf(input) != Format::Qorlang)
         fail(input, 0, "decompile reads a language file (.qorlang)");
     const Format format = formatOf(output);
-    if (format == Format::Qorlang || format == Format::Text || format == Format::Json || !formatAvailable(format))
-        fail(output, 0, std::string("decompile writes .po") + (formatAvailable(Format::Ts) ? ", .xlf, .xliff or .ts" : " (this build has no XML formats)"));
+    if (format == Format::Qorlang || format == Format::Text || !formatAvailable(format))
+        fail(output, 0, std::string("decompile writes .po, .json") + (formatAvailable(Format::Ts) ? ", .xlf, .xliff or .ts" : " (this build has no XML formats)"));
     Catalogue c = readCatalogue(input);
     for (const Entry& e : c.entries) {
         if (e.key.empty())

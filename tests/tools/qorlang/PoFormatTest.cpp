@@ -1,4 +1,5 @@
 // The PO reader against what msgfmt does with the same text, and the writer against msgfmt --check.
+#include "CatalogueTestSupport.h"
 #include "Formats.h"
 
 #include "framework/CException.h"
@@ -128,14 +129,7 @@ TEST(PoFormat, Latin1CatalogueIsRead)
 // What decompile writes must read back unchanged, and msgfmt --check must accept it.
 TEST(PoFormat, WrittenFileReadsBackAndPassesMsgfmtCheck)
 {
-    Catalogue c;
-    c.path = "w.po";
-    c.language = u"de-DE";
-    c.author = u"Änne";
-    c.comment = u"two\nlines";
-    c.appId = u"demo";
-    c.nativeName = u"Deutsch";
-    c.version = 3;
+    Catalogue c = qorlang_test::describedCatalogue("w.po");
     c.entries = {
         {u"plain", u"einfach"},
         {u"menu\x04Open", u"Öffnen"},
@@ -147,11 +141,7 @@ TEST(PoFormat, WrittenFileReadsBackAndPassesMsgfmtCheck)
     const std::string po = writePo(c);
     const Catalogue back = readPo("w.po", po);
     EXPECT_EQ(back.language, u"de_DE");
-    EXPECT_EQ(back.author, c.author);
-    EXPECT_EQ(back.comment, c.comment);
-    EXPECT_EQ(back.appId, c.appId);
-    EXPECT_EQ(back.nativeName, c.nativeName);
-    EXPECT_EQ(back.version, c.version);
+    qorlang_test::expectSameDescription(back, c);
     ASSERT_EQ(back.entries.size(), c.entries.size());
     for (size_t i = 0; i < c.entries.size(); ++i) {
         EXPECT_EQ(back.entries[i].key, c.entries[i].key);

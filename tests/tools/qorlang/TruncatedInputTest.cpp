@@ -29,6 +29,8 @@ TEST(TruncatedInput, SourceReadersFailCleanly)
                 "msgid_plural \"b\"\nmsgstr[0] \"\\x41\\101\"\nmsgstr[1] \"\"\n\n#~ msgid \"o\"\n#~ msgstr \"p\"\n",
                 [](const std::string& s) { readPo("t.po", s); });
     everyPrefix("@tag=de-DE\n@version=12\nkey=text\\n\n", [](const std::string& s) { readText("t.txt", s); });
+    everyPrefix("{\"@qorlang\": {\"version\": \"3\"}, \"a\": {\"b\": [\"\\u0041\\n\", null, 5]}, \"c\": \"ü\"}",
+                [](const std::string& s) { readJson("t.json", s); });
 #ifdef QORLANG_WITH_XML
     everyPrefix("<?xml version=\"1.0\"?>\n<TS language=\"de_DE\"><context><name>N</name><message numerus=\"yes\">"
                 "<source>a<byte value=\"x7\"/> </source><comment>c</comment><translation type=\"unfinished\">"

@@ -1,5 +1,6 @@
 // XLIFF and TS as Qt's lconvert writes them (the forms a PO catalogue takes on its way through
 // translation platforms), XLIFF 2.0, and the writers read back.
+#include "CatalogueTestSupport.h"
 #include "Formats.h"
 
 #include "framework/CException.h"
@@ -126,15 +127,7 @@ TEST(XmlFormats, Xliff2UnitsAndCrLfFiles)
 
 TEST(XmlFormats, WrittenFilesReadBack)
 {
-    Catalogue c;
-    c.path = "w";
-    c.language = u"de-DE";
-    c.author = u"Änne & Co <a@b>";
-    c.comment = u"line one\nline two";
-    c.appId = u"demo";
-    c.nativeName = u"Deutsch";
-    c.nativeSubName = u"Deutschland";
-    c.version = 9;
+    Catalogue c = qorlang_test::describedCatalogue("w");
     c.entries = {
         {u"plain", u"einfach"},
         {u"Qt|verb\x04Open", u"Öffnen"},
@@ -154,13 +147,7 @@ TEST(XmlFormats, WrittenFilesReadBack)
         std::sort(want.begin(), want.end());
         std::sort(got.begin(), got.end());
         EXPECT_EQ(got, want) << text;
-        EXPECT_EQ(back.author, c.author);
-        EXPECT_EQ(back.comment, c.comment);
-        EXPECT_EQ(back.appId, c.appId);
-        EXPECT_EQ(back.nativeName, c.nativeName);
-        EXPECT_EQ(back.nativeSubName, c.nativeSubName);
-        EXPECT_EQ(back.version, c.version);
-        EXPECT_EQ(normalisedTag(*back.language), u"de-DE");
+        qorlang_test::expectSameDescription(back, c);
     }
 }
 

@@ -5,7 +5,7 @@
 // with system-dependent segments such as "%<PRIu64>" stand apart in a .mo; they are checked in the
 // other direction, from the language file's entries).
 //
-//   qorlang_gettext_round_trip <qorlang> po|ts|xlf|decompiled.po|decompiled.ts|decompiled.xlf
+//   qorlang_gettext_round_trip <qorlang> po|ts|xlf|decompiled.po|decompiled.ts|decompiled.xlf|decompiled.json
 //
 // Exit 77 (skipped) when msgunfmt, msgfmt, lconvert (for ts/xlf) or a catalogue is missing.
 // QOR_TEST_MO names the catalogue; else the largest under /usr/share/locale/ru.
@@ -107,7 +107,7 @@ std::u16string lookUp(const std::u16string& key)
 int main(int argc, char** argv)
 {
     if (argc != 3) {
-        std::fprintf(stderr, "usage: %s <qorlang> po|ts|xlf|decompiled.(po|ts|xlf)\n", argv[0]);
+        std::fprintf(stderr, "usage: %s <qorlang> po|ts|xlf|decompiled.(po|ts|xlf|json)\n", argv[0]);
         return 2;
     }
     const std::string qorlang = argv[1], form = argv[2];
