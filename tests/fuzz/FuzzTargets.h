@@ -21,6 +21,7 @@ void fuzzURI(const uint8_t* data, size_t size);
 // JSON text parsed, printed and parsed again.
 void fuzzJson(const uint8_t* data, size_t size);
 // Translators' files read by the qorlang tool (XLIFF and TS only where it is built with XML).
+void fuzzI18next(const uint8_t* data, size_t size);
 void fuzzPo(const uint8_t* data, size_t size);
 void fuzzXliff(const uint8_t* data, size_t size);
 void fuzzTs(const uint8_t* data, size_t size);
@@ -40,6 +41,7 @@ inline constexpr FuzzTarget kFuzzTargets[] = {
     {"qorlang_po", fuzzPo},
     {"qorlang_xliff", fuzzXliff},
     {"qorlang_ts", fuzzTs},
+    {"qorlang_json", fuzzI18next},
 };
 
 } // namespace qor_fuzz

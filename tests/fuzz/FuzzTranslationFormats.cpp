@@ -1,4 +1,4 @@
-// Translators' files as the qorlang tool reads them (PO, XLIFF, Qt TS): parsed, written back in
+// Translators' files as the qorlang tool reads them (PO, XLIFF, Qt TS, i18next JSON): parsed, written back in
 // the same format and read again, and compiled into a language file whose answers are asked for.
 // What the writer produced must read back; refusing a file with the tool's error is an answer.
 #include "FuzzTargets.h"
@@ -19,6 +19,8 @@ Catalogue read(Format format, const std::string& bytes)
     switch (format) {
     case Format::Po:
         return qorlang::readPo("fuzz.po", bytes);
+    case Format::Json:
+        return qorlang::readJson("fuzz.json", bytes);
 #ifdef QORLANG_WITH_XML
     case Format::Xliff:
         return qorlang::readXliff("fuzz.xlf", bytes);
@@ -72,5 +74,6 @@ void fuzzFormat(Format format, const uint8_t* data, size_t size)
 void fuzzPo(const uint8_t* data, size_t size) { fuzzFormat(Format::Po, data, size); }
 void fuzzXliff(const uint8_t* data, size_t size) { fuzzFormat(Format::Xliff, data, size); }
 void fuzzTs(const uint8_t* data, size_t size) { fuzzFormat(Format::Ts, data, size); }
+void fuzzI18next(const uint8_t* data, size_t size) { fuzzFormat(Format::Json, data, size); }
 
 } // namespace qor_fuzz

@@ -197,7 +197,8 @@ int main(int argc, char** argv)
         const char* target;
         qorlang::Format format;
     } forms[] = {{"qorlang_po", qorlang::Format::Po}, {"qorlang_xliff", qorlang::Format::Xliff},
-                 {"qorlang_ts", qorlang::Format::Ts}};
+                 {"qorlang_ts", qorlang::Format::Ts},
+                 {"qorlang_json", qorlang::Format::Json}};
     for (const auto& form : forms) {
         if (!qorlang::formatAvailable(form.format))
             continue;
