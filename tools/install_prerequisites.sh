@@ -17,6 +17,8 @@ packages=(
   g++-mingw-w64-x86-64-posix    # Windows x64 cross compiler (posix threads)
   wine wine64                   # runs the Windows tests and example
   python3 iso-codes             # table generators' up-to-date checks (optional tests)
+  clang libfuzzer-14-dev        # fuzz targets (linux-fuzz preset): clang 14 with libFuzzer
+  libclang-rt-14-dev            # clang's sanitizer and libFuzzer runtimes
   libtinyxml2-dev               # qorlang's XLIFF and Qt TS formats
   gettext                       # msgfmt/msgunfmt: qorlang's comparison with gettext (optional tests)
   qttools5-dev-tools            # lconvert: the same catalogue as TS and XLIFF (optional tests)

@@ -1,20 +1,30 @@
 #!/usr/bin/env bash
 # Installs what is missing, then builds and runs every test: Linux release (assertions on),
 # Linux debug under AddressSanitizer + UndefinedBehaviorSanitizer, the tests that start threads
-# under ThreadSanitizer, and the Windows x64 cross build under Wine; after the Linux release and
-# the Windows builds, the installed package with two applications built against it. Prints
-# CTest's summary per build; fails when any test fails.
+# under ThreadSanitizer, the Windows x64 cross build under Wine (after the Linux release and the
+# Windows builds, the installed package with two applications built against it), then the fuzz
+# targets for a bounded time each (tools/run_fuzz.sh). Prints CTest's summary per build and one
+# line per fuzz target; fails when any test or target fails.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 tools/install_prerequisites.sh
 
 presets=("$@")
-[ ${#presets[@]} -gt 0 ] || presets=(linux-release linux-asan linux-tsan mingw)
+[ ${#presets[@]} -gt 0 ] || presets=(linux-release linux-asan linux-tsan mingw linux-fuzz)
 
 status=0
 summary=()
 for preset in "${presets[@]}"; do
+  if [ "$preset" = linux-fuzz ]; then
+    echo "=== $preset: build and fuzz each target"
+    log=$(mktemp)
+    if ! tools/run_fuzz.sh "${QOR_FUZZ_SECONDS:-30}" | tee "$log"; then status=1; fi
+    mapfile -t lines < <(grep '^fuzz ' "$log")
+    summary+=("${lines[@]}")
+    rm -f "$log"
+    continue
+  fi
   echo "=== $preset: configure and build"
   cmake --preset "$preset" >/dev/null
   cmake --build --preset "$preset"

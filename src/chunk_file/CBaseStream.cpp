@@ -1,5 +1,7 @@
 #include "chunk_file/CBaseStream.h"
 
+#include "chunk_file/Offsets.h"
+
 #include <algorithm>
 
 namespace chf {
@@ -34,7 +36,7 @@ void CBaseStream::insertSpace(int64_t count)
     const int64_t blockSize = m_shiftBufferSize;
     const int64_t length = getLength();
     int64_t source = std::max(length - blockSize, getPosition());
-    int64_t destination = source + count;
+    int64_t destination = saturatingAdd(source, count);
     if (destination > length)
         extend(destination);
     while (source < length) {
@@ -56,7 +58,7 @@ void CBaseStream::removeSpace(int64_t count)
     const int64_t blockSize = m_shiftBufferSize;
     const int64_t length = getLength();
     int64_t destination = getPosition();
-    int64_t source = destination + count;
+    int64_t source = saturatingAdd(destination, count);
     while (source < length) {
         const auto piece = static_cast<int32_t>(std::min(blockSize, length - source));
         setPosition(source);

@@ -1,6 +1,7 @@
 #include "chunk_file/CChunkIterator.h"
 
 #include "chunk_file/LittleEndian.h"
+#include "chunk_file/Offsets.h"
 
 #include <exception>
 #include <limits>
@@ -8,11 +9,6 @@
 namespace chf {
 
 namespace {
-
-bool addWithoutOverflow(int64_t a, int64_t b, int64_t& sum)
-{
-    return !__builtin_add_overflow(a, b, &sum);
-}
 
 // A chunk must end this far below the 64-bit limit, so that the header offsets of the chunk
 // after it can always be computed.
@@ -147,11 +143,11 @@ CChunkIterator* CChunkIterator::openChunkIterator()
 void CChunkIterator::onSpaceInserted(CChunkStream* origin, int64_t at, int64_t count)
 {
     CChunkStream::onSpaceInserted(origin, at, count);
-    const int64_t header = m_base + m_currentOffset;
+    const int64_t header = saturatingAdd(m_base, m_currentOffset);
     if (at <= header)
-        m_currentOffset += count;   // the chunk moved back
+        m_currentOffset = saturatingAdd(m_currentOffset, count);   // the chunk moved back
     else if (m_onChunk && at - header >= kChunkHeaderSize && at - header - kChunkHeaderSize <= m_currentSize)
-        m_currentSize += count;     // inside the chunk's data or at its end
+        m_currentSize = saturatingAdd(m_currentSize, count);   // inside the chunk's data or at its end
     notifyChildren(origin, at, count, true);
 }
 
@@ -159,7 +155,7 @@ void CChunkIterator::onSpaceInserted(CChunkStream* origin, int64_t at, int64_t c
 void CChunkIterator::onSpaceRemoved(CChunkStream* origin, int64_t at, int64_t count)
 {
     CChunkStream::onSpaceRemoved(origin, at, count);
-    const int64_t header = m_base + m_currentOffset;
+    const int64_t header = saturatingAdd(m_base, m_currentOffset);
     if (!m_onChunk) {
         if (at <= header)
             m_currentOffset -= count;

@@ -2,6 +2,7 @@
 
 #include "chunk_file/IChunkHolder.h"
 #include "chunk_file/LittleEndian.h"
+#include "chunk_file/Offsets.h"
 
 #include <exception>
 
@@ -79,25 +80,26 @@ void CChunkStream::setPosition(int64_t position)
 
 int64_t CChunkStream::write(const void* buffer, int32_t count)
 {
-    if (m_position + count > m_length) {
-        const int64_t grow = m_position + count - m_length;
-        const int64_t at = m_base + m_length;
+    const int64_t end = saturatingAdd(m_position, count);
+    if (end > m_length) {
+        const int64_t grow = end - m_length;
+        const int64_t at = saturatingAdd(m_base, m_length);
         m_parent->setPosition(at);
         m_parent->insertSpace(grow);
         if (m_holder)
             m_holder->onSpaceInserted(this, at, grow);
         m_length += grow;
     }
-    m_parent->setPosition(m_base + m_position);
+    m_parent->setPosition(saturatingAdd(m_base, m_position));
     const int64_t result = m_parent->write(buffer, count);
-    m_position += count;
+    m_position = end;
     return result;
 }
 
 int64_t CChunkStream::read(void* buffer, int32_t count)
 {
     // Not limited to the chunk: readers know their sizes, only the position is kept inside.
-    m_parent->setPosition(m_base + m_position);
+    m_parent->setPosition(saturatingAdd(m_base, m_position));
     m_parent->read(buffer, count);
     m_position += count;
     if (m_position > m_length)
@@ -107,7 +109,7 @@ int64_t CChunkStream::read(void* buffer, int32_t count)
 
 void CChunkStream::insertSpace(int64_t count)
 {
-    const int64_t at = m_base + m_position;
+    const int64_t at = saturatingAdd(m_base, m_position);
     m_parent->setPosition(at);
     m_parent->insertSpace(count);
     onSpaceInserted(this, at, count);
@@ -115,7 +117,7 @@ void CChunkStream::insertSpace(int64_t count)
 
 void CChunkStream::removeSpace(int64_t count)
 {
-    const int64_t at = m_base + m_position;
+    const int64_t at = saturatingAdd(m_base, m_position);
     m_parent->setPosition(at);
     m_parent->removeSpace(count);
     onSpaceRemoved(this, at, count);
@@ -126,9 +128,9 @@ void CChunkStream::removeSpace(int64_t count)
 void CChunkStream::onSpaceInserted(CChunkStream*, int64_t at, int64_t count)
 {
     if (at < m_base)
-        m_base += count;
+        m_base = saturatingAdd(m_base, count);
     else if (at - m_base <= m_length)
-        m_length += count;
+        m_length = saturatingAdd(m_length, count);
 }
 
 void CChunkStream::onSpaceRemoved(CChunkStream*, int64_t at, int64_t count)

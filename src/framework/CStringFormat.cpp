@@ -366,6 +366,9 @@ void CStringFormat::scanField(size_t& pos)
     if (tooManyFlags || overflow || m_kind == kNone) {
         m_kind = kString;
         m_letter = u's';
+        // A count out of range is refused, not kept: clamped, it would pad the string to 2^31.
+        if (overflow)
+            m_width = m_precision = kNotGiven;
         fail("CStringFormat::goToNextFormatField", tooManyFlags ? kTooManyFlags : kInvalidFormat);
     }
 }

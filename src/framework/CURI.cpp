@@ -85,6 +85,14 @@ std::string escapeSegment(std::string_view raw)
     return out;
 }
 
+bool isLocalhost(std::string_view host)
+{
+    std::string lower;
+    for (char c : host)
+        lower += toLower(c);
+    return lower == "localhost";
+}
+
 std::string escapeHost(std::string_view raw)
 {
     std::string out;
@@ -93,6 +101,13 @@ std::string escapeHost(std::string_view raw)
             out += c;
         else
             appendEscaped(out, static_cast<unsigned char>(c));
+    }
+    // "file://localhost/x" is read as the local file "/x", but the UNC path "\\localhost\x"
+    // names a share: its last letter stays escaped so that the text reads back as the same place.
+    if (isLocalhost(out)) {
+        const unsigned char last = static_cast<unsigned char>(out.back());
+        out.pop_back();
+        appendEscaped(out, last);
     }
     return out;
 }
@@ -296,10 +311,7 @@ P<CURI> CURI::fromURIText(const CStringArg& text)
 
     if (parts.scheme == "file") {
         if (parts.hasAuthority) {
-            std::string lower;
-            for (char c : parts.authority)
-                lower += toLower(c);
-            if (lower == "localhost") {
+            if (isLocalhost(parts.authority)) {
                 parts.authority.clear();
             } else if (startsWithDrive(parts.authority) && parts.authority.size() == 2) {
                 // "file://C:/x": a drive written where the host belongs.

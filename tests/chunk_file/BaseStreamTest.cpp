@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <limits>
 #include <utility>
 
 using namespace chf_test;
@@ -35,6 +36,11 @@ TEST(BaseStream, RemoveSpaceMovesTheWholeTailThenCutsTheFullCountOffTheEnd)
     stream->setPosition(stream->getLength() - 2);
     stream->removeSpace(5);
     EXPECT_EQ(stream->getBytes(), slice(expected, 0, expected.size() - 5));
+
+    // Nor does anything follow a position at the 64-bit limit (a chunk claimed a size up there).
+    stream->setPosition(std::numeric_limits<int64_t>::max() - 1);
+    stream->removeSpace(5);
+    EXPECT_EQ(stream->getBytes(), slice(expected, 0, expected.size() - 10));
 }
 
 TEST(BaseStream, RemoveSpaceOnAStreamThatCannotBeShortenedMovesTheDataThenRaises)

@@ -1,6 +1,7 @@
 #include "ChunkTestSupport.h"
 
 #include <gtest/gtest.h>
+#include <limits>
 
 using namespace chf_test;
 using chf::CChunkFile;
@@ -212,3 +213,30 @@ TEST(SpacePropagation, RemovalInANestedChunkShrinksItAndEveryEnclosingSize)
 }
 
 } // namespace
+
+// A chunk may claim a size up to 12 bytes short of 2^63; streams behind it or inside it are moved
+// and grown without wrapping into negative offsets.
+TEST(SpacePropagation, OffsetsNearTheLimitStopThereInsteadOfWrapping)
+{
+    constexpr int64_t kMax = std::numeric_limits<int64_t>::max();
+    const Bytes original = container(chunk("A___", text("aaaa")) + chunk("B___", uint64_t(kMax - 56), text("bb")));
+    Ref<CTestStream> stream(new CTestStream(original));
+    Ref<CChunkFile> file(CChunkFile::open(stream.get()));
+    ASSERT_TRUE(file->nextChunk());
+    Ref<CChunkIterator> first(file->openChunkIterator());
+    ASSERT_TRUE(file->nextChunk());
+    Ref<CChunkStream> huge(file->openChunkStream());
+    ASSERT_EQ(huge->getLength(), kMax - 56);
+    ASSERT_FALSE(file->nextChunk());
+    Ref<CChunkStream> behind(file->openChunkStream());
+    ASSERT_EQ(behind->getBase(), kMax);
+
+    first->setPosition(0);
+    first->insertSpace(5);
+    EXPECT_EQ(huge->getBase(), 49);
+    EXPECT_EQ(behind->getBase(), kMax);
+
+    huge->setPosition(0);
+    huge->insertSpace(60);
+    EXPECT_EQ(huge->getLength(), kMax);
+}

@@ -174,6 +174,11 @@ TEST(StringFormat, ResultOnlyWhenCompleteAndConsistentAfterAnError)
     g.pushString("?");
     g.pushInt(2);
     EXPECT_EQ(utf8(g.getResult()), "1 ?!2");
+    // A width out of range goes with its field's error instead of padding to 2^31.
+    CStringFormat h("%d%99999999999s|");
+    EXPECT_THROW(h.pushInt(1), CInvalidArgError);
+    h.pushString("x");
+    EXPECT_EQ(utf8(h.getResult()), "1x|");
     CStringFormat done("end");
     EXPECT_THROW(done.pushInt(1), CInvalidArgError);
     EXPECT_EQ(utf8(done.getResult()), "end");

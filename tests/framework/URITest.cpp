@@ -52,6 +52,8 @@ TEST(URI, LocalPathsOfEveryPlatformBecomeFileURIsAndBack)
         {"//server/share/x/", "file://server/share/x/", "\\\\server\\share\\x\\", W},
         {"\\\\?\\C:\\Long\\x", "file:///C:/Long/x", "C:\\Long\\x", W},
         {"\\\\?\\UNC\\server\\share\\x", "file://server/share/x", "\\\\server\\share\\x", W},
+        // A share on "localhost" is no local file, which is what "file://localhost/" means.
+        {"\\\\LocalHost\\c$\\x", "file://LocalHos%74/c$/x", "\\\\LocalHost\\c$\\x", W},
         {"C:\\Sprachdateien äöü\\日本\\", "file:///C:/Sprachdateien%20%C3%A4%C3%B6%C3%BC/%E6%97%A5%E6%9C%AC/",
          "C:\\Sprachdateien äöü\\日本\\", W},
         {"C:\\100% #1?.txt", "file:///C:/100%25%20%231%3F.txt", "C:\\100% #1?.txt", W},

@@ -1,0 +1,196 @@
+// A container held in memory, driven by a small program at the front of the input: walk, open
+// nested iterators and chunk streams (several at once, so that changes reach open siblings and
+// holders), read, write, insert and remove space, append chunks. Whatever the program did, the
+// result is walked again from the start. Operation failures are exceptions and end nothing.
+#include "FuzzInput.h"
+#include "FuzzTargets.h"
+
+#include "chunk_file/CChunkFile.h"
+#include "chunk_file/CChunkFileWriter.h"
+#include "chunk_file/CMemoryStream.h"
+#include "chunk_file/ChunkId.h"
+#include "chunk_file/TChunkRef.h"
+
+#include <algorithm>
+#include <exception>
+#include <stdexcept>
+#include <vector>
+
+namespace qor_fuzz {
+
+namespace {
+
+constexpr size_t kMaxDepth = 6;
+constexpr size_t kMaxStreams = 4;
+constexpr uint32_t kIds[] = {chf::makeChunkId("STMP"), chf::makeChunkId("data"),
+                             chf::makeChunkId("lang"), chf::makeChunkId("sub_")};
+
+// A memory stream that refuses to grow beyond a few megabytes, like a full disk. A walk that ended on
+// a chunk claiming terabytes leaves its sequence far behind the end of the stream, and a write there
+// would otherwise ask for terabytes of memory; refusing it also exercises the failure paths.
+class CBoundedMemoryStream : public chf::CMemoryStream {
+public:
+    static constexpr int64_t kLimit = 8 << 20;
+    using CMemoryStream::CMemoryStream;
+
+    int64_t write(const void* buffer, int32_t count) override
+    {
+        if (getPosition() > kLimit - count)
+            throw std::length_error("stream full");
+        return CMemoryStream::write(buffer, count);
+    }
+    void extend(int64_t newLength) override
+    {
+        refuseBeyond(newLength);
+        CMemoryStream::extend(newLength);
+    }
+
+private:
+    static void refuseBeyond(int64_t length)
+    {
+        if (length > kLimit)
+            throw std::length_error("stream full");
+    }
+};
+
+// Walks every chunk as a nested sequence too, as a reader that trusts nothing would.
+void walk(chf::CChunkIterator* sequence, int depth, uint32_t& budget)
+{
+    sequence->rewind();
+    while (budget > 0 && sequence->nextChunk()) {
+        --budget;
+        uint8_t head[16];
+        chf::TChunkRef<chf::CChunkStream> data(sequence->openChunkStream());
+        data->read(head, static_cast<int32_t>(std::min<int64_t>(data->getLength(), sizeof head)));
+        data.reset();
+        if (depth < 4) {
+            chf::TChunkRef<chf::CChunkIterator> nested(sequence->openChunkIterator());
+            walk(nested.get(), depth + 1, budget);
+        }
+    }
+}
+
+void walkAll(std::vector<uint8_t> bytes)
+{
+    try {
+        chf::TChunkRef<chf::CMemoryStream> stream(new chf::CMemoryStream(std::move(bytes)));
+        chf::TChunkRef<chf::CChunkFile> file(chf::CChunkFile::open(stream.get()));
+        uint32_t budget = 4096;
+        walk(file.get(), 0, budget);
+    } catch (const std::exception&) {
+    }
+}
+
+// A position for an operation: anywhere in the stream or a little behind it, or just before it.
+int64_t positionIn(chf::IStream* stream, uint16_t arg)
+{
+    if (arg == 0xFFFF)
+        return -1;
+    const int64_t length = std::clamp<int64_t>(stream->getLength(), 0, 1 << 20);
+    return static_cast<int64_t>(arg) % (length + 9);
+}
+
+} // namespace
+
+void fuzzChunkFile(const uint8_t* data, size_t size)
+{
+    CFuzzInput input(data, size);
+    const std::string program = input.bytes(static_cast<size_t>(input.byte()) * 3);
+    const std::string fileText = input.rest();
+    std::vector<uint8_t> fileBytes(fileText.begin(), fileText.end());
+
+    chf::TChunkRef<chf::CMemoryStream> stream(new CBoundedMemoryStream(fileBytes));
+    std::vector<chf::TChunkRef<chf::CChunkIterator>> sequences;
+    try {
+        sequences.emplace_back(chf::CChunkFile::open(stream.get()));
+    } catch (const std::exception&) {
+        return;
+    }
+    std::vector<chf::TChunkRef<chf::CChunkStream>> streams;
+
+    CFuzzInput ops(reinterpret_cast<const uint8_t*>(program.data()), program.size());
+    while (!ops.empty()) {
+        const uint8_t op = ops.byte();
+        const uint16_t arg = ops.u16();
+        chf::CChunkIterator* top = sequences.back().get();
+        // Reads, writes and space changes go to any open stream or sequence.
+        const size_t targets = sequences.size() + streams.size();
+        chf::IStream* target = arg % targets < sequences.size()
+            ? static_cast<chf::IStream*>(sequences[arg % targets].get())
+            : streams[arg % targets - sequences.size()].get();
+        try {
+            switch (op % 12) {
+            case 0: top->nextChunk(); break;
+            case 1: top->rewind(); break;
+            case 2:
+                if (sequences.size() < kMaxDepth)
+                    sequences.emplace_back(top->openChunkIterator());
+                break;
+            case 3:
+                if (sequences.size() > 1) {
+                    chf::TChunkRef<chf::CChunkIterator> last(std::move(sequences.back()));
+                    sequences.pop_back();
+                    last.reset();
+                }
+                break;
+            case 4:
+                if (streams.size() < kMaxStreams)
+                    streams.emplace_back(top->openChunkStream());
+                break;
+            case 5:
+                if (!streams.empty()) {
+                    chf::TChunkRef<chf::CChunkStream> closing(std::move(streams[arg % streams.size()]));
+                    streams.erase(streams.begin() + static_cast<long>(arg % streams.size()));
+                    closing.reset();
+                }
+                break;
+            case 6: {
+                uint8_t buffer[256];
+                target->setPosition(positionIn(target, arg));
+                target->read(buffer, (arg >> 8) % sizeof buffer);
+                break;
+            }
+            case 7: {
+                const uint8_t bytes[16] = {'d', 'a', 't', 'a', 1, 0, 0, 0, 0, 0, 0, 0, 'x', 'y', 'z', 0};
+                target->setPosition(positionIn(target, arg));
+                target->write(bytes, 1 + (arg >> 8) % 16);
+                break;
+            }
+            case 8:
+                target->setPosition(positionIn(target, arg));
+                target->insertSpace((arg >> 8) % 64);
+                break;
+            case 9:
+                target->setPosition(positionIn(target, arg));
+                target->removeSpace((arg >> 8) % 64);
+                break;
+            case 10: top->findChunk(kIds[arg % 4]); break;
+            case 11: {
+                const uint8_t bytes[12] = {'h', 'e', 'l', 'l', 'o', ' ', 'c', 'h', 'u', 'n', 'k', 's'};
+                chf::CChunkFileWriter::appendChunk(top, kIds[arg % 4], bytes, (arg >> 8) % 13);
+                break;
+            }
+            }
+        } catch (const std::exception&) {
+        }
+    }
+
+    // Children before their holders, the way a careful owner lets go.
+    while (!streams.empty()) {
+        try {
+            streams.back().reset();
+        } catch (const std::exception&) {
+        }
+        streams.pop_back();
+    }
+    while (!sequences.empty()) {
+        try {
+            sequences.back().reset();
+        } catch (const std::exception&) {
+        }
+        sequences.pop_back();
+    }
+    walkAll(stream->getBytes());
+}
+
+} // namespace qor_fuzz

@@ -1,0 +1,47 @@
+#pragma once
+// The bodies of the fuzz targets. Each takes any bytes and must end without a crash, a sanitizer
+// report or a leak; failures the code reports as exceptions are answers, not findings. The
+// libFuzzer programs (FuzzMain.cpp) and the replay test call the same functions.
+
+#include <cstddef>
+#include <cstdint>
+
+namespace qor_fuzz {
+
+// A language file written into a folder and read through the exported functions.
+void fuzzLanguageFile(const uint8_t* data, size_t size);
+// A container in memory: walked, nested, and changed by inserting and removing space.
+void fuzzChunkFile(const uint8_t* data, size_t size);
+// Bytes decoded, converted, compared and searched in the five encodings.
+void fuzzEncodings(const uint8_t* data, size_t size);
+// A format text filled with typed arguments.
+void fuzzStringFormat(const uint8_t* data, size_t size);
+// URI texts and local paths parsed, printed and resolved.
+void fuzzURI(const uint8_t* data, size_t size);
+// JSON text parsed, printed and parsed again.
+void fuzzJson(const uint8_t* data, size_t size);
+// Translators' files read by the qorlang tool (XLIFF and TS only where it is built with XML).
+void fuzzI18next(const uint8_t* data, size_t size);
+void fuzzPo(const uint8_t* data, size_t size);
+void fuzzXliff(const uint8_t* data, size_t size);
+void fuzzTs(const uint8_t* data, size_t size);
+
+struct FuzzTarget {
+    const char* name;
+    void (*run)(const uint8_t* data, size_t size);
+};
+
+inline constexpr FuzzTarget kFuzzTargets[] = {
+    {"language_file", fuzzLanguageFile},
+    {"chunk_file", fuzzChunkFile},
+    {"encodings", fuzzEncodings},
+    {"string_format", fuzzStringFormat},
+    {"uri", fuzzURI},
+    {"json", fuzzJson},
+    {"qorlang_po", fuzzPo},
+    {"qorlang_xliff", fuzzXliff},
+    {"qorlang_ts", fuzzTs},
+    {"qorlang_json", fuzzI18next},
+};
+
+} // namespace qor_fuzz
