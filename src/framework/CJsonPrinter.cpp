@@ -6,6 +6,7 @@
 #include "framework/CInt.h"
 #include "framework/CInt64.h"
 #include "framework/CInvalidArgError.h"
+#include "framework/CJsonParser.h"
 #include "framework/CNull.h"
 #include "framework/CString.h"
 #include "framework/CVariantArray.h"
@@ -95,6 +96,11 @@ template <class Container, class PrintItems>
 void CJsonPrinter::printContainer(char16_t open, char16_t close, const Container& container,
                                   const PrintItems& printItems, std::u16string& out)
 {
+    // Trees are built in code too, and a deeper one (or one that holds itself) would recurse
+    // until the stack ends: print no deeper than the parser reads.
+    if (m_indent.size() >= CJsonParser::kMaxDepth)
+        throw CInvalidArgError(&container, "CJsonPrinter::print",
+                               "value (nested deeper than the JSON depth limit)");
     out.push_back(open);
     if (m_pretty)
         out.push_back(u'\n');

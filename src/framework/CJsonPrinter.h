@@ -34,7 +34,8 @@ public:
     bool isPretty() const noexcept { return m_pretty; }
 
     // The text of `value` as a new UTF-16 string. Throws CInvalidArgError for an object that is
-    // no variant (the tree is then not printed at all).
+    // no variant and for maps and arrays nested deeper than CJsonParser::kMaxDepth (the tree is
+    // then not printed at all).
     P<IString> print(const IBase* value);
     // The same, appended to `out`.
     void print(const IBase* value, std::u16string& out);

@@ -242,6 +242,31 @@ TEST(JsonParser, HostileInputEndsInAParserError)
     EXPECT_EQ(kindOf(parsed("0." + std::string(10000, '0') + "1")), "double 0");
 }
 
+TEST(JsonPrinter, NestingBeyondWhatTheParserReadsIsRefused)
+{
+    // Built in code, so no parser limited it; a map that holds itself would never end.
+    const auto nestedArrays = [](uint32_t depth) {
+        P<CVariantArray> outer = make<CVariantArray>();
+        for (uint32_t i = 1; i < depth; ++i) {
+            P<CVariantArray> next = make<CVariantArray>();
+            next->add(outer);
+            outer = next;
+        }
+        return P<IBase>(outer);
+    };
+    EXPECT_EQ(printed(parsed(printed(nestedArrays(CJsonParser::kMaxDepth)))),
+              std::string(CJsonParser::kMaxDepth, '[') + std::string(CJsonParser::kMaxDepth, ']'));
+    std::u16string out = u"kept";
+    EXPECT_THROW(make<CJsonPrinter>(true)->print(nestedArrays(CJsonParser::kMaxDepth + 1).get(), out),
+                 CInvalidArgError);
+    EXPECT_EQ(out, u"kept");
+
+    P<CVariantMap> self = make<CVariantMap>();
+    self->set(u"me", self);
+    EXPECT_THROW(printed(self), CInvalidArgError);
+    self->clear(); // breaks the cycle, so the map can be freed
+}
+
 TEST(JsonParser, PrintedTextReadsBackTheSame)
 {
     const char* document = R"({"list":[1,-2147483649,0.5,-1e-07,-0.0,100000.0,1e300,true,false,null,"",[],{}],)"
