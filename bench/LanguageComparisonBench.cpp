@@ -17,6 +17,7 @@
 #include "chunk_file/TChunkRef.h"
 #include "framework/CURI.h"
 #include "framework/IStreamManager.h"
+#include "framework/UTF8Decoding.h"
 #include "qor_lang_manager/CLanguageFile.h"
 #include "qor_lang_manager/CLanguageFileWriter.h"
 
@@ -79,31 +80,7 @@ namespace {
 
 const QOR_LANG2_CHAR* w(const std::u16string& text) { return reinterpret_cast<const QOR_LANG2_CHAR*>(text.c_str()); }
 
-std::string utf8(const std::u16string& text)
-{
-    std::string out;
-    for (size_t i = 0; i < text.size(); ++i) {
-        uint32_t c = text[i];
-        if (c >= 0xD800 && c < 0xDC00 && i + 1 < text.size() && text[i + 1] >= 0xDC00 && text[i + 1] < 0xE000)
-            c = 0x10000 + ((c - 0xD800) << 10) + (text[++i] - 0xDC00);
-        if (c < 0x80) {
-            out += char(c);
-        } else if (c < 0x800) {
-            out += char(0xC0 | c >> 6);
-            out += char(0x80 | (c & 0x3F));
-        } else if (c < 0x10000) {
-            out += char(0xE0 | c >> 12);
-            out += char(0x80 | (c >> 6 & 0x3F));
-            out += char(0x80 | (c & 0x3F));
-        } else {
-            out += char(0xF0 | c >> 18);
-            out += char(0x80 | (c >> 12 & 0x3F));
-            out += char(0x80 | (c >> 6 & 0x3F));
-            out += char(0x80 | (c & 0x3F));
-        }
-    }
-    return out;
-}
+std::string utf8(const std::u16string& text) { return kore::encodeUTF8(text); }
 
 bool run(const std::string& command) { return std::system((command + " >/dev/null 2>&1").c_str()) == 0; }
 
