@@ -13,13 +13,12 @@ packages=(
   g++                           # native compiler
   libgtest-dev libgmock-dev     # unit tests natively; its sources (/usr/src/googletest) for the cross build
   libbenchmark-dev              # benchmarks under bench/
-  libtinyxml2-dev               # XML value store: TinyXML-2 reads and writes its files (native builds only)
+  libtinyxml2-dev               # TinyXML-2: the XML value store and qorlang's XLIFF and Qt TS formats (native builds only)
   g++-mingw-w64-x86-64-posix    # Windows x64 cross compiler (posix threads)
   wine wine64                   # runs the Windows tests and example
   python3 iso-codes             # table generators' up-to-date checks (optional tests)
   clang libfuzzer-14-dev        # fuzz targets (linux-fuzz preset): clang 14 with libFuzzer
   libclang-rt-14-dev            # clang's sanitizer and libFuzzer runtimes
-  libtinyxml2-dev               # qorlang's XLIFF and Qt TS formats
   gettext                       # msgfmt/msgunfmt: qorlang's comparison with gettext (optional tests)
   qttools5-dev-tools            # lconvert: the same catalogue as TS and XLIFF (optional tests)
   pkg-config                    # the install check builds a C application through pkg-config
