@@ -16,7 +16,7 @@ inline bool addWithoutOverflow(int64_t a, int64_t b, int64_t& sum)
 inline int64_t saturatingAdd(int64_t a, int64_t b)
 {
     int64_t sum = 0;
-    if (!__builtin_add_overflow(a, b, &sum))
+    if (addWithoutOverflow(a, b, sum))
         return sum;
     return b > 0 ? std::numeric_limits<int64_t>::max() : std::numeric_limits<int64_t>::min();
 }
