@@ -188,6 +188,14 @@ std::string writeCatalogue(const Catalogue& catalogue, Format format)
     }
 }
 
+std::optional<std::u16string> versionText(std::optional<uint32_t> version)
+{
+    if (!version)
+        return std::nullopt;
+    const std::string digits = std::to_string(*version);
+    return std::u16string(digits.begin(), digits.end());
+}
+
 std::optional<std::u16string> normalisedTag(std::u16string_view written)
 {
     std::u16string tag(written.substr(0, written.find_first_of(u".@")));

@@ -63,6 +63,8 @@ std::string fileNameOf(const std::string& path);
 // number of a version field (decimal digits only, at most nine), nullopt for anything else.
 std::u16string decodedOrFail(std::string_view path, int line, std::string_view utf8);
 std::optional<uint32_t> versionOf(std::string_view digits);
+// The other way, for the writers: the decimal digits of a version, absent when it is.
+std::optional<std::u16string> versionText(std::optional<uint32_t> version);
 
 // "ru_RU", "ru-RU.UTF-8", "sr_RS@latin" -> the two-part tag the library accepts ("ru-RU"), or
 // nullopt when the library would reject it.

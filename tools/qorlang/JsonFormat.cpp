@@ -191,10 +191,7 @@ std::string writeJson(const Catalogue& c)
     meta(u"comment", c.comment);
     meta(u"native-name", c.nativeName);
     meta(u"native-sub-name", c.nativeSubName);
-    if (c.version) {
-        const std::string digits = std::to_string(*c.version);
-        meta(u"version", std::u16string(digits.begin(), digits.end()));
-    }
+    meta(u"version", versionText(c.version));
     out += "\n\t}";
     // Flat dotted keys: they read back as the same keys (as i18next finds them too), where
     // nesting would clash for "a" next to "a.b".

@@ -420,10 +420,8 @@ std::string writePo(const Catalogue& c)
         field(u"X-Qorlang-Native-Name", *c.nativeName);
     if (c.nativeSubName)
         field(u"X-Qorlang-Native-Sub-Name", *c.nativeSubName);
-    if (c.version) {
-        const std::string digits = std::to_string(*c.version);
-        field(u"X-Qorlang-Version", std::u16string(digits.begin(), digits.end()));
-    }
+    if (c.version)
+        field(u"X-Qorlang-Version", *versionText(c.version));
     appendString(out, "msgid", u"");
     appendString(out, "msgstr", header);
     for (const Entry& e : c.entries) {

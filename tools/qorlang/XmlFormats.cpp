@@ -444,8 +444,7 @@ std::string writeXliff(const Catalogue& c)
     prop("comment", c.comment);
     prop("native-name", c.nativeName);
     prop("native-sub-name", c.nativeSubName);
-    if (c.version)
-        prop("version", std::u16string(u"") + [&] { std::string d = std::to_string(*c.version); return std::u16string(d.begin(), d.end()); }());
+    prop("version", versionText(c.version));
     p.CloseElement();
     p.CloseElement();
     p.OpenElement("body");
@@ -545,10 +544,7 @@ std::string writeTs(const Catalogue& c)
     extra("comment", c.comment);
     extra("native-name", c.nativeName);
     extra("native-sub-name", c.nativeSubName);
-    if (c.version) {
-        const std::string digits = std::to_string(*c.version);
-        extra("version", std::u16string(digits.begin(), digits.end()));
-    }
+    extra("version", versionText(c.version));
     // Messages grouped by Qt context name, names in order of first appearance.
     std::vector<std::u16string> names;
     std::map<std::u16string, std::vector<const Entry*>> byName;
