@@ -167,7 +167,7 @@ std::vector<Finding> checkCatalogue(const Catalogue& c, const Catalogue* referen
 {
     std::vector<Finding> out;
     const bool compiled = languageFile != nullptr;
-    const std::string name = c.path.substr(c.path.find_last_of("/\\") == std::string::npos ? 0 : c.path.find_last_of("/\\") + 1);
+    const std::string name = fileNameOf(c.path);
 
     // The language tag, and for a language file the name the library looks for.
     std::optional<std::u16string> tag;
@@ -193,13 +193,15 @@ std::vector<Finding> checkCatalogue(const Catalogue& c, const Catalogue* referen
         if (!e.obsolete)
             byKey[e.key].push_back(&e);
     }
-    std::vector<uint8_t> compiledForAnswers;
+    std::function<std::u16string(std::u16string_view)> libraryAnswer; // read when first needed
     for (const auto& [key, defs] : byKey) {
         if (defs.size() < 2)
             continue;
         std::u16string answer;
         if (compiled) {
-            answer = answerOf(*languageFile, std::u16string(key));
+            if (!libraryAnswer)
+                libraryAnswer = answersOf(*languageFile);
+            answer = libraryAnswer(key);
         } else {
             for (const Entry* e : defs)
                 if (e->usable(false))

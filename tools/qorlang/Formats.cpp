@@ -2,6 +2,8 @@
 #include "Unicode.h"
 
 #include "framework/CParseError.h"
+#include "framework/CString.h"
+#include "framework/FileSystemSupport.h"
 #include "qor_lang_manager/LanguageId.h"
 
 #include <filesystem>
@@ -33,11 +35,11 @@ fs::path pathOf(const std::string& utf8)
 
 std::string lowerExtension(const std::string& path)
 {
-    const size_t slash = path.find_last_of("/\\");
-    const size_t dot = path.rfind('.');
-    if (dot == std::string::npos || (slash != std::string::npos && dot < slash))
+    const std::string name = fileNameOf(path);
+    const size_t dot = name.rfind('.');
+    if (dot == std::string::npos)
         return {};
-    std::string ext = path.substr(dot);
+    std::string ext = name.substr(dot);
     for (char& c : ext)
         c = static_cast<char>(c >= 'A' && c <= 'Z' ? c + 32 : c);
     return ext;
@@ -103,35 +105,44 @@ std::string readFileBytes(const std::string& path)
 
 void writeFileAtomically(const std::string& path, std::string_view bytes)
 {
-    const fs::path target = pathOf(path);
-    fs::path temporary = target;
-    temporary += ".tmp" + std::to_string(std::random_device()() % 1000000);
-    {
-        std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
-        if (!out)
-            fail(path, 0, "cannot create the file");
-        out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-        out.close();
-        if (!out) {
-            std::error_code ignored;
-            fs::remove(temporary, ignored);
-            fail(path, 0, "cannot write the file");
-        }
+    const std::string temporary = path + ".tmp" + std::to_string(std::random_device()() % 1000000);
+    const kore::P<kore::IString> temporaryName = kore::CString::fromUTF16(decodedOrFail(path, 0, temporary));
+    kore::platform::NativeError error;
+    std::ofstream out(pathOf(temporary), std::ios::binary | std::ios::trunc);
+    if (!out)
+        fail(path, 0, "cannot create the file");
+    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    out.close();
+    if (!out) {
+        kore::platform::removeNativeFile(*temporaryName, error);
+        fail(path, 0, "cannot write the file");
     }
-    std::error_code error;
-    fs::rename(temporary, target, error);
-    if (error && fs::exists(target)) {
-        // Where renaming onto an existing file is refused, make room first.
-        std::error_code ignored;
-        fs::remove(target, ignored);
-        error.clear();
-        fs::rename(temporary, target, error);
+    if (!kore::platform::replaceNativeFile(*temporaryName, *kore::CString::fromUTF16(decodedOrFail(path, 0, path)), error)) {
+        const std::string reason = error.message;
+        kore::platform::removeNativeFile(*temporaryName, error);
+        fail(path, 0, "cannot write the file: " + reason);
     }
-    if (error) {
-        std::error_code ignored;
-        fs::remove(temporary, ignored);
-        fail(path, 0, "cannot write the file: " + error.message());
-    }
+}
+
+std::string fileNameOf(const std::string& path)
+{
+    const size_t slash = path.find_last_of("/\\");
+    return slash == std::string::npos ? path : path.substr(slash + 1);
+}
+
+std::u16string decodedOrFail(std::string_view path, int line, std::string_view utf8)
+{
+    auto text = decodeUtf8(utf8);
+    if (!text)
+        fail(path, line, "not valid UTF-8");
+    return std::move(*text);
+}
+
+std::optional<uint32_t> versionOf(std::string_view digits)
+{
+    if (digits.empty() || digits.size() > 9 || digits.find_first_not_of("0123456789") != std::string_view::npos)
+        return std::nullopt;
+    return static_cast<uint32_t>(std::stoul(std::string(digits)));
 }
 
 Catalogue readCatalogue(const std::string& path)
@@ -175,6 +186,14 @@ std::string writeCatalogue(const Catalogue& catalogue, Format format)
     default:
         fail(catalogue.path, 0, "cannot write this format");
     }
+}
+
+std::optional<std::u16string> versionText(std::optional<uint32_t> version)
+{
+    if (!version)
+        return std::nullopt;
+    const std::string digits = std::to_string(*version);
+    return std::u16string(digits.begin(), digits.end());
 }
 
 std::optional<std::u16string> normalisedTag(std::u16string_view written)

@@ -6,6 +6,7 @@
 #include "Catalogue.h"
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -44,13 +45,26 @@ std::vector<const Entry*> compiledEntries(const Catalogue& catalogue, const Comp
 std::vector<uint8_t> compileLanguageFile(const Catalogue& catalogue, const CompileOptions& options);
 
 // The library's answers for the keys of a language file given as bytes: which of a key's
-// entries answers is decided by its string table, so ask it.
-std::u16string answerOf(const std::vector<uint8_t>& languageFile, const std::u16string& key);
+// entries answers is decided by its string table, so ask it. The table is read once, here.
+std::function<std::u16string(std::u16string_view key)> answersOf(const std::vector<uint8_t>& languageFile);
+inline std::u16string answerOf(const std::vector<uint8_t>& languageFile, std::u16string_view key)
+{
+    return answersOf(languageFile)(key);
+}
 
 // Whole-file access. writeFileAtomically writes a temporary file beside `path` and renames it
 // into place, so that a failure never leaves a partial output behind.
 std::string readFileBytes(const std::string& path);
 void writeFileAtomically(const std::string& path, std::string_view bytes);
+// The last part of a path ("dir/de.po" -> "de.po").
+std::string fileNameOf(const std::string& path);
+
+// Helpers of the readers: the text of `utf8`, or the error "path:line: not valid UTF-8"; the
+// number of a version field (decimal digits only, at most nine), nullopt for anything else.
+std::u16string decodedOrFail(std::string_view path, int line, std::string_view utf8);
+std::optional<uint32_t> versionOf(std::string_view digits);
+// The other way, for the writers: the decimal digits of a version, absent when it is.
+std::optional<std::u16string> versionText(std::optional<uint32_t> version);
 
 // "ru_RU", "ru-RU.UTF-8", "sr_RS@latin" -> the two-part tag the library accepts ("ru-RU"), or
 // nullopt when the library would reject it.

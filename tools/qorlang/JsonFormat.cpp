@@ -107,10 +107,9 @@ private:
             else if (name == u"native-sub-name")
                 m_c.nativeSubName = text;
             else if (name == u"version") {
-                const std::string digits = encodeUtf8(text);
-                if (digits.empty() || digits.size() > 9 || digits.find_first_not_of("0123456789") != std::string::npos)
+                m_c.version = versionOf(encodeUtf8(text));
+                if (!m_c.version)
                     fail(m_c.path, 0, "the version takes a decimal number");
-                m_c.version = static_cast<uint32_t>(std::stoul(digits));
             }
         });
     }
@@ -155,15 +154,13 @@ Catalogue readJson(const std::string& path, const std::string& bytes)
 {
     Catalogue c;
     c.path = path;
-    const auto text = decodeUtf8(bytes.rfind("\xEF\xBB\xBF", 0) == 0 ? bytes.substr(3) : bytes);
-    if (!text)
-        fail(path, 0, "not valid UTF-8");
+    const std::u16string text = decodedOrFail(path, 0, bytes.rfind("\xEF\xBB\xBF", 0) == 0 ? bytes.substr(3) : bytes);
     kore::P<kore::CJsonParser> parser = kore::make<kore::CJsonParser>();
     kore::P<kore::IBase> tree;
     try {
-        tree = parser->parse(kore::CStringArg(text->c_str(), static_cast<uint32_t>(text->size())));
+        tree = parser->parse(kore::CStringArg(text.c_str(), static_cast<uint32_t>(text.size())));
     } catch (const kore::CJsonParserError& e) {
-        fail(path, lineAt(*text, parser->getPosition()), "not valid JSON: " + e.getDescription()->toUTF8());
+        fail(path, lineAt(text, parser->getPosition()), "not valid JSON: " + e.getDescription()->toUTF8());
     }
     if (!kore::tryCast<kore::CVariantMap>(tree))
         fail(path, 0, "an i18next file is one JSON object of texts");
@@ -194,10 +191,7 @@ std::string writeJson(const Catalogue& c)
     meta(u"comment", c.comment);
     meta(u"native-name", c.nativeName);
     meta(u"native-sub-name", c.nativeSubName);
-    if (c.version) {
-        const std::string digits = std::to_string(*c.version);
-        meta(u"version", std::u16string(digits.begin(), digits.end()));
-    }
+    meta(u"version", versionText(c.version));
     out += "\n\t}";
     // Flat dotted keys: they read back as the same keys (as i18next finds them too), where
     // nesting would clash for "a" next to "a.b".

@@ -103,17 +103,19 @@ std::vector<uint8_t> compileLanguageFile(const Catalogue& c, const CompileOption
     return stream->getBytes();
 }
 
-std::u16string answerOf(const std::vector<uint8_t>& languageFile, const std::u16string& key)
+std::function<std::u16string(std::u16string_view key)> answersOf(const std::vector<uint8_t>& languageFile)
 {
     auto stream = streamOver(languageFile);
     kore::P<kore::CTextTable> table = qor_lang::CLanguageFile::readTexts(*stream, nullptr);
-    kore::CTextTable::Text text;
-    const auto units = static_cast<uint32_t>(key.size());
-    if (!table->find(key.data(), units, kore::CTextTable::hash(key.data(), units), text))
-        return {};
-    std::u16string out(text.units, u'\0');
-    std::memcpy(out.data(), text.bytes, 2 * size_t(text.units));
-    return out;
+    return [table](std::u16string_view key) {
+        kore::CTextTable::Text text;
+        const auto units = static_cast<uint32_t>(key.size());
+        if (!table->find(key.data(), units, kore::CTextTable::hash(key.data(), units), text))
+            return std::u16string();
+        std::u16string out(text.units, u'\0');
+        std::memcpy(out.data(), text.bytes, 2 * size_t(text.units));
+        return out;
+    };
 }
 
 } // namespace qorlang

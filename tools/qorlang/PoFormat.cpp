@@ -76,10 +76,11 @@ private:
                 if (line.find_first_not_of(" \t") == std::string_view::npos)
                     return;
                 // Keyword lines of an obsolete entry: read, and marked so that nothing uses them.
-                if (!trimLeft(line).empty() && trimLeft(line)[0] != '"' && complete())
+                line = trimLeft(line);
+                if (line[0] != '"' && complete())
                     finishEntry();
                 m_entry.obsolete = true;
-                parseKeywordLine(trimLeft(line));
+                parseKeywordLine(line);
                 return;
             }
             if (complete())
@@ -147,7 +148,6 @@ private:
             if (keyword.size() > 6) {
                 if (keyword[6] != '[' || keyword.back() != ']' || keyword.size() < 9)
                     error("unknown keyword " + std::string(keyword));
-                index = 0;
                 for (char c : keyword.substr(7, keyword.size() - 8)) {
                     if (!std::isdigit(static_cast<unsigned char>(c)) || index > 9999)
                         error("bad plural form index in " + std::string(keyword));
@@ -232,10 +232,7 @@ private:
                 out.push_back(static_cast<unsigned char>(c));
             return out;
         }
-        auto decoded = decodeUtf8(text);
-        if (!decoded)
-            fail(m_path, m_entryLine, "not valid UTF-8");
-        return *decoded;
+        return decodedOrFail(m_path, m_entryLine, text);
     }
 
     void readHeader(const std::string& header)
@@ -324,9 +321,9 @@ private:
             } else if (name == "X-Qorlang-Native-Sub-Name") {
                 m_catalogue.nativeSubName = text;
             } else if (name == "X-Qorlang-Version") {
-                if (value.empty() || value.size() > 9 || value.find_first_not_of("0123456789") != std::string::npos)
+                m_catalogue.version = versionOf(value);
+                if (!m_catalogue.version)
                     fail(m_path, header.line, "X-Qorlang-Version takes a decimal number");
-                m_catalogue.version = static_cast<uint32_t>(std::stoul(value));
             }
         }
         if (!header.translatorComment.empty())
@@ -423,10 +420,8 @@ std::string writePo(const Catalogue& c)
         field(u"X-Qorlang-Native-Name", *c.nativeName);
     if (c.nativeSubName)
         field(u"X-Qorlang-Native-Sub-Name", *c.nativeSubName);
-    if (c.version) {
-        const std::string digits = std::to_string(*c.version);
-        field(u"X-Qorlang-Version", std::u16string(digits.begin(), digits.end()));
-    }
+    if (c.version)
+        field(u"X-Qorlang-Version", *versionText(c.version));
     appendString(out, "msgid", u"");
     appendString(out, "msgstr", header);
     for (const Entry& e : c.entries) {

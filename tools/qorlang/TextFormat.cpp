@@ -8,7 +8,6 @@
 //   @version=3
 //   key=text                one string entry; "\n" in the text stands for a line break
 #include "Formats.h"
-#include "Unicode.h"
 
 namespace qorlang {
 
@@ -48,28 +47,25 @@ Catalogue readText(const std::string& path, const std::string& bytes)
         const size_t equals = line.find('=');
         if (equals == std::string::npos || equals == 0)
             fail(path, number, "expected key=text");
-        const auto key = decodeUtf8(line.substr(0, equals));
-        const auto value = decodeUtf8(line.substr(equals + 1));
-        if (!key || !value)
-            fail(path, number, "not valid UTF-8");
-        if ((*key)[0] != u'@') {
-            c.entries.push_back(Entry{*key, unescape(*value), number});
-        } else if (*key == u"@tag") {
-            c.language = *value;
+        const std::u16string key = decodedOrFail(path, number, line.substr(0, equals));
+        const std::u16string value = decodedOrFail(path, number, line.substr(equals + 1));
+        if (key[0] != u'@') {
+            c.entries.push_back(Entry{key, unescape(value), number});
+        } else if (key == u"@tag") {
+            c.language = value;
             c.languageLine = number;
-        } else if (*key == u"@native") {
-            c.nativeName = *value;
-        } else if (*key == u"@nativeSub") {
-            c.nativeSubName = *value;
-        } else if (*key == u"@author") {
-            c.author = *value;
-        } else if (*key == u"@comment") {
-            c.comment = unescape(*value);
-        } else if (*key == u"@version") {
-            const std::string digits = line.substr(equals + 1);
-            if (digits.empty() || digits.size() > 9 || digits.find_first_not_of("0123456789") != std::string::npos)
+        } else if (key == u"@native") {
+            c.nativeName = value;
+        } else if (key == u"@nativeSub") {
+            c.nativeSubName = value;
+        } else if (key == u"@author") {
+            c.author = value;
+        } else if (key == u"@comment") {
+            c.comment = unescape(value);
+        } else if (key == u"@version") {
+            c.version = versionOf(line.substr(equals + 1));
+            if (!c.version)
                 fail(path, number, "@version takes a decimal number");
-            c.version = static_cast<uint32_t>(std::stoul(digits));
         } else {
             fail(path, number, "unknown field " + line.substr(0, equals));
         }

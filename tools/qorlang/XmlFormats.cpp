@@ -99,14 +99,6 @@ const char* localName(const XMLElement* e)
     return colon ? colon + 1 : e->Name();
 }
 
-std::u16string decoded(const std::string& path, int line, std::string_view utf8)
-{
-    auto text = decodeUtf8(utf8);
-    if (!text)
-        fail(path, line, "not valid UTF-8");
-    return *text;
-}
-
 // lconvert writes characters XML cannot hold as <ph ctype="x-ch-bel">\a</ph>: a C escape.
 std::string controlCharacter(const char* escape)
 {
@@ -154,7 +146,7 @@ std::u16string textOf(const std::string& path, const XMLElement* e)
         return {};
     std::string out;
     collectText(e, out);
-    return decoded(path, e->GetLineNum(), out);
+    return decodedOrFail(path, e->GetLineNum(), out);
 }
 
 std::optional<std::u16string> attribute(const std::string& path, const XMLElement* e, const char* name)
@@ -162,7 +154,7 @@ std::optional<std::u16string> attribute(const std::string& path, const XMLElemen
     const char* value = e->Attribute(name);
     if (!value)
         return std::nullopt;
-    return decoded(path, e->GetLineNum(), value);
+    return decodedOrFail(path, e->GetLineNum(), value);
 }
 
 // The tool's own descriptive data, and the PO header fields lconvert carries along.
@@ -185,10 +177,9 @@ void readProperty(Catalogue& c, std::string_view name, std::u16string value, int
     } else if (name == "native-sub-name") {
         c.nativeSubName = std::move(value);
     } else if (name == "version") {
-        const std::string digits = encodeUtf8(value);
-        if (digits.empty() || digits.size() > 9 || digits.find_first_not_of("0123456789") != std::string::npos)
+        c.version = versionOf(encodeUtf8(value));
+        if (!c.version)
             fail(c.path, line, "the version takes a decimal number");
-        c.version = static_cast<uint32_t>(std::stoul(digits));
     }
 }
 
@@ -453,8 +444,7 @@ std::string writeXliff(const Catalogue& c)
     prop("comment", c.comment);
     prop("native-name", c.nativeName);
     prop("native-sub-name", c.nativeSubName);
-    if (c.version)
-        prop("version", std::u16string(u"") + [&] { std::string d = std::to_string(*c.version); return std::u16string(d.begin(), d.end()); }());
+    prop("version", versionText(c.version));
     p.CloseElement();
     p.CloseElement();
     p.OpenElement("body");
@@ -554,10 +544,7 @@ std::string writeTs(const Catalogue& c)
     extra("comment", c.comment);
     extra("native-name", c.nativeName);
     extra("native-sub-name", c.nativeSubName);
-    if (c.version) {
-        const std::string digits = std::to_string(*c.version);
-        extra("version", std::u16string(digits.begin(), digits.end()));
-    }
+    extra("version", versionText(c.version));
     // Messages grouped by Qt context name, names in order of first appearance.
     std::vector<std::u16string> names;
     std::map<std::u16string, std::vector<const Entry*>> byName;

@@ -121,12 +121,6 @@ std::optional<std::u16string> optionText(const Arguments& a, const std::string& 
     return text;
 }
 
-std::string fileNameOf(const std::string& path)
-{
-    const size_t slash = path.find_last_of("/\\");
-    return slash == std::string::npos ? path : path.substr(slash + 1);
-}
-
 void warn(const std::string& where, int line, const std::string& message)
 {
     std::fprintf(stderr, "%s%s: warning: %s\n", where.c_str(), line ? (":" + std::to_string(line)).c_str() : "", message.c_str());
@@ -220,8 +214,13 @@ int decompile(const std::vector<std::string>& args)
 }
 
 // Reads every FILE and the reference; a file that cannot be read is an error of its own.
+struct Input {
+    std::string path;
+    std::optional<Catalogue> catalogue;
+    std::vector<uint8_t> languageFile; // the bytes of a .qorlang FILE, for check
+};
 struct Inputs {
-    std::vector<std::pair<std::string, std::optional<Catalogue>>> files;
+    std::vector<Input> files;
     std::optional<Catalogue> reference;
     bool failed = false;
 };
@@ -246,11 +245,18 @@ Inputs readInputs(const std::string& command, const std::vector<std::string>& ar
     if (a.options.count("--reference"))
         in.reference = readCatalogue(a.options.at("--reference"));
     for (const std::string& path : a.files) {
+        Input& file = in.files.emplace_back();
+        file.path = path;
         try {
-            in.files.emplace_back(path, readCatalogue(path));
+            if (formatOf(path) == Format::Qorlang) {
+                const std::string raw = readFileBytes(path);
+                file.languageFile.assign(raw.begin(), raw.end());
+                file.catalogue = readQorlang(path, file.languageFile);
+            } else {
+                file.catalogue = readCatalogue(path);
+            }
         } catch (const kore::CException& e) {
             printError(describe(e) + " [error]");
-            in.files.emplace_back(path, std::nullopt);
             in.failed = true;
         }
     }
@@ -261,16 +267,11 @@ int check(const std::vector<std::string>& args)
 {
     Inputs in = readInputs("check", args);
     size_t errors = in.failed ? 1 : 0, warnings = 0;
-    for (const auto& [path, catalogue] : in.files) {
+    for (const auto& [path, catalogue, languageFile] : in.files) {
         if (!catalogue)
             continue;
-        std::vector<uint8_t> bytes;
-        if (formatOf(path) == Format::Qorlang) {
-            const std::string raw = readFileBytes(path);
-            bytes.assign(raw.begin(), raw.end());
-        }
         for (const Finding& f : checkCatalogue(*catalogue, in.reference ? &*in.reference : nullptr,
-                                               formatOf(path) == Format::Qorlang ? &bytes : nullptr)) {
+                                               formatOf(path) == Format::Qorlang ? &languageFile : nullptr)) {
             std::printf("%s%s: %s: %s\n", path.c_str(), f.line ? (":" + std::to_string(f.line)).c_str() : "",
                         f.error ? "error" : "warning", f.message.c_str());
             ++(f.error ? errors : warnings);
@@ -285,9 +286,9 @@ int stats(const std::vector<std::string>& args)
     Inputs in = readInputs("stats", args);
     size_t width = 4;
     for (const auto& file : in.files)
-        width = std::max(width, file.first.size());
+        width = std::max(width, file.path.size());
     std::printf("%-*s %8s %10s %6s %8s %8s\n", int(width), "file", "entries", "translated", "fuzzy", "missing", "percent");
-    for (const auto& [path, catalogue] : in.files) {
+    for (const auto& [path, catalogue, languageFile] : in.files) {
         if (!catalogue)
             continue;
         const Stats s = statsOf(*catalogue, in.reference ? &*in.reference : nullptr);
@@ -305,8 +306,9 @@ int info(const std::vector<std::string>& args)
         fail("qorlang info", 0, "needs one FILE.qorlang (see qorlang info --help)");
     const std::string& path = a.files[0];
     const std::string raw = readFileBytes(path);
-    const Catalogue c = readQorlang(path, std::vector<uint8_t>(raw.begin(), raw.end()));
-    chf::TChunkRef<chf::CMemoryStream> stream(new chf::CMemoryStream(std::vector<uint8_t>(raw.begin(), raw.end())));
+    const std::vector<uint8_t> bytes(raw.begin(), raw.end());
+    const Catalogue c = readQorlang(path, bytes);
+    chf::TChunkRef<chf::CMemoryStream> stream(new chf::CMemoryStream(bytes));
     const kore::P<qor_lang::CLanguageFile> file = kore::make<qor_lang::CLanguageFile>(nullptr, *stream);
     auto row = [](const char* accessor, const std::string& value) { std::printf("%-33s %s\n", accessor, value.c_str()); };
     auto text = [](const kore::P<kore::IString>& s) { return "\"" + s->toUTF8() + "\""; };

@@ -1,12 +1,48 @@
 #pragma once
-// The descriptive data every writer must carry, set once and compared once.
+// What the format tests share: the descriptive data every writer must carry, set once and
+// compared once; entries as comparable pairs; the message of a refused input.
 
 #include "Catalogue.h"
 #include "Formats.h"
 
+#include "framework/CException.h"
+#include "framework/IString.h"
+
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 namespace qorlang_test {
+
+using Pairs = std::vector<std::pair<std::u16string, std::u16string>>;
+
+// Key and text of every entry in file order, the text marked "(fuzzy) " or replaced by
+// "(obsolete)" where the entry is one.
+inline Pairs pairsOf(const qorlang::Catalogue& c)
+{
+    Pairs out;
+    for (const qorlang::Entry& e : c.entries)
+        out.emplace_back(e.key, e.obsolete ? u"(obsolete)" : e.fuzzy ? u"(fuzzy) " + e.text : e.text);
+    return out;
+}
+
+inline Pairs sorted(Pairs pairs)
+{
+    std::sort(pairs.begin(), pairs.end());
+    return pairs;
+}
+
+// The description of the framework exception `read` throws, "(no error)" when it throws none.
+template <class Read>
+std::string errorOf(const Read& read)
+{
+    try {
+        read();
+    } catch (const kore::CException& e) {
+        return e.getDescription()->toUTF8();
+    }
+    return "(no error)";
+}
 
 // A catalogue at `path` with every descriptive field set, quotes, markup and line breaks included.
 inline qorlang::Catalogue describedCatalogue(const std::string& path)

@@ -107,7 +107,7 @@ TEST(Checks, LanguageFileNameTagAndDuplicates)
     Catalogue c = catalogue("dir/demo-de-DE.qorlang", {{u"k", u"first"}, {u"k", u"second"}});
     c.appId = u"demo";
     std::vector<uint8_t> bytes = compileLanguageFile(c, {});
-    EXPECT_EQ(answerOf(bytes, u"k"), u"second"); // compile keeps one, the later
+    EXPECT_EQ(answersOf(bytes)(u"k"), u"second"); // compile keeps one, the later
     c.entries = readQorlang("dir/demo-de-DE.qorlang", bytes).entries;
     ASSERT_EQ(c.entries.size(), 1u);
 

@@ -1,33 +1,16 @@
 // The PO reader against what msgfmt does with the same text, and the writer against msgfmt --check.
 #include "CatalogueTestSupport.h"
-#include "Formats.h"
-
-#include "framework/CException.h"
-#include "framework/IString.h"
-
-#include <gtest/gtest.h>
+#include "../../framework/TempFolder.h"
 
 #include <cinttypes>
-#include <cstdio>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
 
 using namespace qorlang;
+using namespace qorlang_test;
 
 namespace {
 
 const char* const kHeader = "msgid \"\"\nmsgstr \"Content-Type: text/plain; charset=UTF-8\\n\"\n\n";
-
-std::string errorOf(const std::string& path, const std::string& text)
-{
-    try {
-        readPo(path, text);
-    } catch (const kore::CException& e) {
-        return e.getDescription()->toUTF8();
-    }
-    return "(no error)";
-}
 
 struct ReadCase {
     const char* name;
@@ -114,7 +97,8 @@ TEST(PoFormat, ErrorsNameFileAndLine)
     };
     for (const auto& [po, expected] : cases) {
         SCOPED_TRACE(po);
-        EXPECT_EQ(errorOf("t.po", po).rfind(expected, 0), 0u) << errorOf("t.po", po);
+        const std::string error = errorOf([&] { readPo("t.po", po); });
+        EXPECT_EQ(error.rfind(expected, 0), 0u) << error;
     }
 }
 
@@ -129,7 +113,7 @@ TEST(PoFormat, Latin1CatalogueIsRead)
 // What decompile writes must read back unchanged, and msgfmt --check must accept it.
 TEST(PoFormat, WrittenFileReadsBackAndPassesMsgfmtCheck)
 {
-    Catalogue c = qorlang_test::describedCatalogue("w.po");
+    Catalogue c = describedCatalogue("w.po");
     c.entries = {
         {u"plain", u"einfach"},
         {u"menu\x04Open", u"Öffnen"},
@@ -141,19 +125,14 @@ TEST(PoFormat, WrittenFileReadsBackAndPassesMsgfmtCheck)
     const std::string po = writePo(c);
     const Catalogue back = readPo("w.po", po);
     EXPECT_EQ(back.language, u"de_DE");
-    qorlang_test::expectSameDescription(back, c);
-    ASSERT_EQ(back.entries.size(), c.entries.size());
-    for (size_t i = 0; i < c.entries.size(); ++i) {
-        EXPECT_EQ(back.entries[i].key, c.entries[i].key);
-        EXPECT_EQ(back.entries[i].text, c.entries[i].text);
-    }
+    expectSameDescription(back, c);
+    EXPECT_EQ(pairsOf(back), pairsOf(c));
 
 #ifndef _WIN32
     if (std::system("command -v msgfmt >/dev/null 2>&1") != 0)
         GTEST_SKIP() << "msgfmt not installed";
-    const auto file = std::filesystem::temp_directory_path() / "qorlang_po_writer_test.po";
-    std::ofstream(file, std::ios::binary) << po;
-    EXPECT_EQ(std::system(("msgfmt --check -o /dev/null '" + file.string() + "'").c_str()), 0) << po;
-    std::filesystem::remove(file);
+    const kore_test::CTempFolder folder;
+    folder.writeFile("w.po", po);
+    EXPECT_EQ(std::system(("msgfmt --check -o /dev/null '" + folder.utf8("w.po") + "'").c_str()), 0) << po;
 #endif
 }

@@ -1,11 +1,10 @@
 // The qorlang program as translators run it: exit status, one-line messages, no partial output.
+#include "../../framework/TempFolder.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
-#include <random>
-#include <sstream>
 #include <string>
 
 #ifndef _WIN32
@@ -21,22 +20,11 @@ struct Result {
 
 class QorlangTool : public testing::Test {
 protected:
-    void SetUp() override
-    {
-        m_dir = fs::temp_directory_path() / ("qorlang_tool_test_" + std::to_string(std::random_device()()));
-        fs::create_directories(m_dir);
-    }
-    void TearDown() override { fs::remove_all(m_dir); }
-
-    fs::path write(const std::string& name, const std::string& text)
-    {
-        std::ofstream(m_dir / name, std::ios::binary) << text;
-        return m_dir / name;
-    }
+    void write(const std::string& name, const std::string& text) { m_folder.writeFile(name, text); }
 
     Result run(const std::string& arguments)
     {
-        const std::string command = "cd '" + m_dir.string() + "' && '" QORLANG_EXE "' " + arguments + " 2>&1";
+        const std::string command = "cd '" + m_folder.utf8() + "' && '" QORLANG_EXE "' " + arguments + " 2>&1";
         FILE* pipe = popen(command.c_str(), "r");
         std::string output;
         char buffer[4096];
@@ -46,7 +34,7 @@ protected:
         return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, output};
     }
 
-    fs::path m_dir;
+    kore_test::CTempFolder m_folder;
 };
 
 const char* const kPo = "msgid \"\"\nmsgstr \"\"\n\"Language: de\\n\"\n\"Last-Translator: Änne\\n\"\n\n"
@@ -72,7 +60,7 @@ TEST_F(QorlangTool, CompileTakesTheApplicationIdFromTheOutputName)
 TEST_F(QorlangTool, FailuresLeaveNoOutputAndSayWhy)
 {
     write("de.po", kPo);
-    const fs::path existing = write("demo-de-DE.qorlang", "previous");
+    write("demo-de-DE.qorlang", "previous");
     const std::pair<std::string, std::string> cases[] = {
         {"compile de.po -o demo-de-DE.qorlang",
          "de.po:1: the language \"de\" is not a tag the library accepts (it needs language-COUNTRY, such as de-DE); give one with --language\n"},
@@ -92,9 +80,8 @@ TEST_F(QorlangTool, FailuresLeaveNoOutputAndSayWhy)
         EXPECT_EQ(r.status, 1);
         EXPECT_EQ(r.output, message);
     }
-    std::ifstream in(existing);
-    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(in), {}), "previous");
-    EXPECT_EQ(std::distance(fs::directory_iterator(m_dir), fs::directory_iterator()), 2); // no temporary left
+    EXPECT_EQ(m_folder.readFile("demo-de-DE.qorlang"), "previous");
+    EXPECT_EQ(std::distance(fs::directory_iterator(m_folder.path()), fs::directory_iterator()), 2); // no temporary left
 }
 
 TEST_F(QorlangTool, CheckExitsNonZeroOnErrorsOnly)

@@ -1,33 +1,11 @@
 // XLIFF and TS as Qt's lconvert writes them (the forms a PO catalogue takes on its way through
 // translation platforms), XLIFF 2.0, and the writers read back.
 #include "CatalogueTestSupport.h"
-#include "Formats.h"
-
-#include "framework/CException.h"
-#include "framework/IString.h"
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
 
 using namespace qorlang;
+using namespace qorlang_test;
 
 #ifdef QORLANG_WITH_XML
-
-namespace {
-
-using Pairs = std::vector<std::pair<std::u16string, std::u16string>>;
-
-// key, text and (as a third marker) the entry's state: "" usable, "fuzzy", "obsolete".
-Pairs usable(const Catalogue& c)
-{
-    Pairs out;
-    for (const Entry& e : c.entries)
-        out.emplace_back(e.key, e.obsolete ? u"(obsolete)" : e.fuzzy ? u"(fuzzy) " + e.text : e.text);
-    return out;
-}
-
-} // namespace
 
 TEST(XmlFormats, TsFollowsLconvertConventions)
 {
@@ -58,7 +36,7 @@ line<byte value="x7"/>
 )");
     EXPECT_EQ(c.language, u"ru_RU");
     EXPECT_EQ(c.author, u"Ivan");
-    EXPECT_EQ(usable(c), (Pairs{
+    EXPECT_EQ(pairsOf(c), (Pairs{
                              {u"menu\x04Open", u"Открыть"},
                              {u"Plain", u"Просто"},
                              {u"a file", u"%d файл"},
@@ -97,7 +75,7 @@ TEST(XmlFormats, XliffFollowsLconvertConventions)
         "    <trans-unit id=\"k\" resname=\"app.title\"><source>Title</source><target>Заголовок</target></trans-unit>\n"
         "  </body></file>\n</xliff>\n");
     EXPECT_EQ(c.language, u"ru-RU"); // the file's target language before lconvert's copy of the PO header
-    EXPECT_EQ(usable(c), (Pairs{
+    EXPECT_EQ(pairsOf(c), (Pairs{
                              {u"\r\nbotched\r\n", u"\aсбой a b"},
                              {u"menu\x04Open", u"Открыть"},
                              {u"files\x04%u file", u"%u файл"},
@@ -122,12 +100,12 @@ TEST(XmlFormats, Xliff2UnitsAndCrLfFiles)
         "<segment state=\"initial\"><source>parts</source><target>Teile</target></segment></unit>\r\n"
         " </group></file>\r\n</xliff>\r\n");
     EXPECT_EQ(c.language, u"de-DE");
-    EXPECT_EQ(usable(c), (Pairs{{u"menu.open", u"Öffnen\nnow"}, {u"Two  parts", u"(fuzzy) Zwei  Teile"}}));
+    EXPECT_EQ(pairsOf(c), (Pairs{{u"menu.open", u"Öffnen\nnow"}, {u"Two  parts", u"(fuzzy) Zwei  Teile"}}));
 }
 
 TEST(XmlFormats, WrittenFilesReadBack)
 {
-    Catalogue c = qorlang_test::describedCatalogue("w");
+    Catalogue c = describedCatalogue("w");
     c.entries = {
         {u"plain", u"einfach"},
         {u"Qt|verb\x04Open", u"Öffnen"},
@@ -143,41 +121,25 @@ TEST(XmlFormats, WrittenFilesReadBack)
         const std::string text = writeCatalogue(c, format);
         const Catalogue back = format == Format::Ts ? readTs("w.ts", text) : readXliff("w.xlf", text);
         // TS groups messages by Qt context name, so compare without the order.
-        Pairs want = usable(c), got = usable(back);
-        std::sort(want.begin(), want.end());
-        std::sort(got.begin(), got.end());
-        EXPECT_EQ(got, want) << text;
-        qorlang_test::expectSameDescription(back, c);
+        EXPECT_EQ(sorted(pairsOf(back)), sorted(pairsOf(c))) << text;
+        expectSameDescription(back, c);
     }
 }
 
 TEST(XmlFormats, ErrorsNameFileAndLine)
 {
-    auto error = [](auto read, const char* text) {
-        try {
-            read(text);
-        } catch (const kore::CException& e) {
-            return e.getDescription()->toUTF8();
-        }
-        return std::string("(no error)");
-    };
-    const std::string broken = error([](const char* t) { return readTs("a.ts", t); }, "<TS>\n<context>\n</TS>");
+    const std::string broken = errorOf([] { readTs("a.ts", "<TS>\n<context>\n</TS>"); });
     EXPECT_EQ(broken.rfind("a.ts:2: not well-formed XML", 0), 0u) << broken;
-    EXPECT_EQ(error([](const char* t) { return readTs("a.ts", t); }, "<xliff/>"), "a.ts:1: not a Qt TS document (no <TS> root)");
-    EXPECT_EQ(error([](const char* t) { return readXliff("a.xlf", t); }, "<TS/>"), "a.xlf:1: not an XLIFF document (no <xliff> root)");
+    EXPECT_EQ(errorOf([] { readTs("a.ts", "<xliff/>"); }), "a.ts:1: not a Qt TS document (no <TS> root)");
+    EXPECT_EQ(errorOf([] { readXliff("a.xlf", "<TS/>"); }), "a.xlf:1: not an XLIFF document (no <xliff> root)");
 }
 
 #else
 
 TEST(XmlFormats, UnavailableFormatsSaySo)
 {
-    try {
-        readCatalogue("x.ts");
-        FAIL();
-    } catch (const kore::CException& e) {
-        EXPECT_EQ(e.getDescription()->toUTF8(),
-                  "x.ts: this qorlang was built without XML support (TinyXML-2), so it cannot handle XLIFF or TS");
-    }
+    EXPECT_EQ(errorOf([] { readCatalogue("x.ts"); }),
+              "x.ts: this qorlang was built without XML support (TinyXML-2), so it cannot handle XLIFF or TS");
 }
 
 #endif
