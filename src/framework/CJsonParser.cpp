@@ -243,12 +243,7 @@ P<IString> CJsonParser::parseString()
             break;
         if (c != '\\') {
             flushHigh();
-            if (c >= 0x10000) {
-                m_text.push_back(static_cast<char16_t>(0xD800 | ((c - 0x10000) >> 10)));
-                m_text.push_back(static_cast<char16_t>(0xDC00 | ((c - 0x10000) & 0x3FF)));
-            } else {
-                m_text.push_back(static_cast<char16_t>(c));
-            }
+            appendUTF16(c, m_text);
             continue;
         }
         const uint32_t escaped = peek();
