@@ -8,8 +8,6 @@
 #include "framework/CString.h"
 #include "framework/Cast.h"
 
-#include <limits>
-
 namespace kore {
 
 P<IString> CValueList::copyText(const IString& text)
@@ -57,10 +55,7 @@ void CValueList::setString(const CStringArg& key, const CStringArg& text)
 
 void CValueList::setInteger(const CStringArg& key, int64_t value)
 {
-    if (value >= std::numeric_limits<int32_t>::min() && value <= std::numeric_limits<int32_t>::max())
-        set(key, make<CInt>(static_cast<int32_t>(value)));
-    else
-        set(key, make<CInt64>(value));
+    set(key, makeInteger(value));
 }
 
 void CValueList::setDouble(const CStringArg& key, double value)
