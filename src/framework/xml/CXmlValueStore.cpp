@@ -121,16 +121,18 @@ void writeValue(XMLElement& element, IBase& value)
 
 P<IBase> readValue(const XMLElement& element);
 
+// The named "value" children of `parent` into `container`, which it returns.
 template <class Container>
-void readMembers(const XMLElement& parent, Container& container)
+P<Container> readMembers(const XMLElement& parent, P<Container> container)
 {
     for (const XMLElement* child = parent.FirstChildElement(kValue); child;
          child = child->NextSiblingElement(kValue)) {
         const char* name = child->Attribute("name");
         if (!name)
             throw CParseError(formatString("a value without a name (line %d)", child->GetLineNum()));
-        container.set(textFromUTF8(name), readValue(*child));
+        container->set(textFromUTF8(name), readValue(*child));
     }
+    return container;
 }
 
 P<IBase> readValue(const XMLElement& element)
@@ -166,16 +168,10 @@ P<IBase> readValue(const XMLElement& element)
     }
     if (is("null"))
         return make<CNull>();
-    if (is("list")) {
-        auto list = make<CValueList>();
-        readMembers(element, *list);
-        return list;
-    }
-    if (is("map")) {
-        auto map = make<CVariantMap>();
-        readMembers(element, *map);
-        return map;
-    }
+    if (is("list"))
+        return readMembers(element, make<CValueList>());
+    if (is("map"))
+        return readMembers(element, make<CVariantMap>());
     if (is("array")) {
         auto array = make<CVariantArray>();
         for (const XMLElement* child = element.FirstChildElement(kValue); child;
@@ -197,7 +193,7 @@ void CXmlValueStore::decode(std::string_view bytes, CValueList& values) const
     const XMLElement* root = document.RootElement();
     if (!root || std::strcmp(root->Name(), kRoot) != 0)
         throw CParseError("the document element is not \"values\"");
-    readMembers(*root, values);
+    readMembers(*root, P<CValueList>(&values));
 }
 
 std::string CXmlValueStore::encode(const CValueList& values) const
