@@ -13,4 +13,7 @@ public:
     P<IString> toString() const override;
 };
 
+// A CInt when `value` fits 32 bits, else a CInt64: the variant an integer is kept as.
+P<IBase> makeInteger(int64_t value);
+
 } // namespace kore

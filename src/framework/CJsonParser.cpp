@@ -2,7 +2,6 @@
 
 #include "framework/CBool.h"
 #include "framework/CDouble.h"
-#include "framework/CInt.h"
 #include "framework/CInt64.h"
 #include "framework/CJsonParserError.h"
 #include "framework/CNull.h"
@@ -13,7 +12,6 @@
 #include "framework/UTF8Decoding.h"
 
 #include <charconv>
-#include <limits>
 #include <system_error>
 
 namespace kore {
@@ -243,12 +241,7 @@ P<IString> CJsonParser::parseString()
             break;
         if (c != '\\') {
             flushHigh();
-            if (c >= 0x10000) {
-                m_text.push_back(static_cast<char16_t>(0xD800 | ((c - 0x10000) >> 10)));
-                m_text.push_back(static_cast<char16_t>(0xDC00 | ((c - 0x10000) & 0x3FF)));
-            } else {
-                m_text.push_back(static_cast<char16_t>(c));
-            }
+            appendUTF16(c, m_text);
             continue;
         }
         const uint32_t escaped = peek();
@@ -354,11 +347,8 @@ P<IBase> CJsonParser::parseNumber()
         const auto result = std::from_chars(first, last, value);
         // "-0" stays a double: an integer would lose the sign, and the printer writes -0.0 as
         // "-0", which must read back as what it was printed from.
-        if (result.ec == std::errc() && result.ptr == last && !(value == 0 && text[0] == '-')) {
-            if (value >= std::numeric_limits<int32_t>::min() && value <= std::numeric_limits<int32_t>::max())
-                return make<CInt>(static_cast<int32_t>(value));
-            return make<CInt64>(value);
-        }
+        if (result.ec == std::errc() && result.ptr == last && !(value == 0 && text[0] == '-'))
+            return makeInteger(value);
     }
     double value = 0;
     const auto result = std::from_chars(first, last, value);

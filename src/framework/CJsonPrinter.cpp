@@ -12,22 +12,13 @@
 #include "framework/CVariantArray.h"
 #include "framework/CVariantMap.h"
 #include "framework/Cast.h"
+#include "framework/UTF8Decoding.h"
 
 #include <cmath>
 
 namespace kore {
 
 namespace {
-
-void appendCodePoint(uint32_t cp, std::u16string& out)
-{
-    if (cp >= 0x10000) {
-        out.push_back(static_cast<char16_t>(0xD800 | ((cp - 0x10000) >> 10)));
-        out.push_back(static_cast<char16_t>(0xDC00 | ((cp - 0x10000) & 0x3FF)));
-    } else {
-        out.push_back(static_cast<char16_t>(cp));
-    }
-}
 
 void appendText(const P<IString>& text, std::u16string& out)
 {
@@ -74,7 +65,7 @@ void CJsonPrinter::appendEscaped(const IString& text, std::u16string& out, bool 
                 out.push_back(hexDigits[cp >> 4]);
                 out.push_back(hexDigits[cp & 15]);
             } else {
-                appendCodePoint(cp, out);
+                appendUTF16(cp, out);
             }
             break;
         }

@@ -15,16 +15,15 @@ namespace {
 // `value` with every value list in it turned into a CVariantMap, for the printer.
 P<IBase> toVariant(IBase& value)
 {
-    if (const auto* list = tryCast<CValueList>(&value)) {
+    const auto mapOf = [](const auto& members) {
         auto map = make<CVariantMap>();
-        list->forEach([&](const IString& key, IBase& member) { map->set(key, toVariant(member)); });
+        members.forEach([&](const IString& key, IBase& member) { map->set(key, toVariant(member)); });
         return map;
-    }
-    if (const auto* map = tryCast<CVariantMap>(&value)) {
-        auto copy = make<CVariantMap>();
-        map->forEach([&](const IString& key, IBase& member) { copy->set(key, toVariant(member)); });
-        return copy;
-    }
+    };
+    if (const auto* list = tryCast<CValueList>(&value))
+        return mapOf(*list);
+    if (const auto* map = tryCast<CVariantMap>(&value))
+        return mapOf(*map);
     if (const auto* array = tryCast<CVariantArray>(&value)) {
         auto copy = make<CVariantArray>();
         for (uint32_t i = 0; i < array->getCount(); ++i)

@@ -8,8 +8,6 @@
 #include "framework/CString.h"
 #include "framework/Cast.h"
 
-#include <limits>
-
 namespace kore {
 
 P<IString> CValueList::copyText(const IString& text)
@@ -57,10 +55,7 @@ void CValueList::setString(const CStringArg& key, const CStringArg& text)
 
 void CValueList::setInteger(const CStringArg& key, int64_t value)
 {
-    if (value >= std::numeric_limits<int32_t>::min() && value <= std::numeric_limits<int32_t>::max())
-        set(key, make<CInt>(static_cast<int32_t>(value)));
-    else
-        set(key, make<CInt64>(value));
+    set(key, makeInteger(value));
 }
 
 void CValueList::setDouble(const CStringArg& key, double value)
@@ -73,42 +68,44 @@ void CValueList::setBool(const CStringArg& key, bool value)
     set(key, make<CBool>(value));
 }
 
-std::optional<int64_t> CValueList::getInteger(const CStringArg& key) const
+namespace {
+
+std::optional<int64_t> integerOf(const IBase* value)
 {
-    const Entry* entry = m_table.find(key.get());
-    if (!entry)
-        return std::nullopt;
-    if (const auto* i32 = tryCast<CInt>(entry->value))
+    if (const auto* i32 = tryCast<CInt>(value))
         return i32->getValue();
-    if (const auto* i64 = tryCast<CInt64>(entry->value))
+    if (const auto* i64 = tryCast<CInt64>(value))
         return i64->getValue();
     return std::nullopt;
 }
 
+} // namespace
+
+std::optional<int64_t> CValueList::getInteger(const CStringArg& key) const
+{
+    return integerOf(get(key).get());
+}
+
 std::optional<double> CValueList::getDouble(const CStringArg& key) const
 {
-    const Entry* entry = m_table.find(key.get());
-    if (entry)
-        if (const auto* real = tryCast<CDouble>(entry->value))
-            return real->getValue();
-    if (const std::optional<int64_t> integer = getInteger(key))
+    const P<IBase> value = get(key);
+    if (const auto* real = tryCast<CDouble>(value))
+        return real->getValue();
+    if (const std::optional<int64_t> integer = integerOf(value.get()))
         return static_cast<double>(*integer);
     return std::nullopt;
 }
 
 std::optional<bool> CValueList::getBool(const CStringArg& key) const
 {
-    const Entry* entry = m_table.find(key.get());
-    if (entry)
-        if (const auto* flag = tryCast<CBool>(entry->value))
-            return flag->getValue();
+    if (const auto* flag = tryCast<CBool>(get(key)))
+        return flag->getValue();
     return std::nullopt;
 }
 
 P<CValueList> CValueList::getList(const CStringArg& key) const
 {
-    const Entry* entry = m_table.find(key.get());
-    return entry ? P<CValueList>(tryCast<CValueList>(entry->value)) : nullptr;
+    return P<CValueList>(tryCast<CValueList>(get(key)));
 }
 
 } // namespace kore

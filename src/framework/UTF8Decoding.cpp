@@ -35,12 +35,7 @@ bool decodeUTF8(std::string_view in, std::u16string& out, size_t* errorOffset)
                 *errorOffset = i;
             return false;
         }
-        if (cp >= 0x10000) {
-            out.push_back(static_cast<char16_t>(0xD800 | ((cp - 0x10000) >> 10)));
-            out.push_back(static_cast<char16_t>(0xDC00 | ((cp - 0x10000) & 0x3FF)));
-        } else {
-            out.push_back(static_cast<char16_t>(cp));
-        }
+        appendUTF16(cp, out);
         i += n;
     }
     return true;

@@ -18,4 +18,15 @@ bool decodeUTF8(std::string_view in, std::u16string& out, size_t* errorOffset = 
 // The UTF-8 bytes of `in`; unpaired surrogates are written as U+FFFD.
 std::string encodeUTF8(std::u16string_view in);
 
+// Appends code point `cp` (at most U+10FFFF) to `out`: one unit, or a surrogate pair above U+FFFF.
+inline void appendUTF16(char32_t cp, std::u16string& out)
+{
+    if (cp >= 0x10000) {
+        out.push_back(static_cast<char16_t>(0xD800 | ((cp - 0x10000) >> 10)));
+        out.push_back(static_cast<char16_t>(0xDC00 | ((cp - 0x10000) & 0x3FF)));
+    } else {
+        out.push_back(static_cast<char16_t>(cp));
+    }
+}
+
 } // namespace kore

@@ -12,6 +12,7 @@
 #include "framework/CVariantMap.h"
 
 #include <charconv>
+#include <limits>
 #include <string>
 #include <system_error>
 
@@ -32,6 +33,13 @@ P<IString> CInt::toString() const
 P<IString> CInt64::toString() const
 {
     return formatString("%d", getValue());
+}
+
+P<IBase> makeInteger(int64_t value)
+{
+    if (value >= std::numeric_limits<int32_t>::min() && value <= std::numeric_limits<int32_t>::max())
+        return make<CInt>(static_cast<int32_t>(value));
+    return make<CInt64>(value);
 }
 
 P<IString> CDouble::toString() const

@@ -2,67 +2,24 @@
 // stores, and the promise that a store never loses data.
 #include "FrameworkTest.h"
 #include "TempFolder.h"
+#include "VariantTestSupport.h"
 
-#include "framework/CBool.h"
-#include "framework/CDouble.h"
 #include "framework/CFileNotFoundError.h"
-#include "framework/CInt.h"
-#include "framework/CInt64.h"
 #include "framework/CNull.h"
 #include "framework/CURI.h"
 #include "framework/CURITypeNotSupportedError.h"
-#include "framework/CValueList.h"
-#include "framework/CVariantArray.h"
-#include "framework/CVariantMap.h"
 #include "framework/IValueStore.h"
 #include "framework/IValueStoreFactory.h"
 #include "framework/IValueStoreManager.h"
 
 #include <cmath>
 #include <limits>
-#include <map>
 
 namespace kore_test {
 
 namespace {
 
 constexpr bool kHaveXmlStore = QOR_HAVE_XML_STORE;
-
-// A value with its kind, nested values in key order: "{a=int 1,b=[double 0.5]}".
-std::string describe(IBase& value)
-{
-    std::map<std::string, std::string> members;
-    const auto collect = [&](const IString& key, IBase& member) { members[key.toUTF8()] = describe(member); };
-    std::string out;
-    if (auto* list = tryCast<CValueList>(&value)) {
-        list->forEach(collect);
-        out = "list";
-    } else if (auto* map = tryCast<CVariantMap>(&value)) {
-        map->forEach(collect);
-        out = "map";
-    } else if (auto* array = tryCast<CVariantArray>(&value)) {
-        out = "[";
-        for (uint32_t i = 0; i < array->getCount(); ++i)
-            out += (i ? "," : "") + describe(*array->get(i));
-        return out + "]";
-    } else if (auto* text = tryCast<IString>(&value)) {
-        return "string '" + text->toUTF8() + "'";
-    } else if (auto* i32 = tryCast<CInt>(&value)) {
-        return "int " + std::to_string(i32->getValue());
-    } else if (auto* i64 = tryCast<CInt64>(&value)) {
-        return "int64 " + std::to_string(i64->getValue());
-    } else if (auto* real = tryCast<CDouble>(&value)) {
-        return "double " + real->toExactString()->toUTF8();
-    } else if (auto* flag = tryCast<CBool>(&value)) {
-        return flag->getValue() ? "true" : "false";
-    } else {
-        return tryCast<CNull>(&value) ? "null" : "?";
-    }
-    out += "{";
-    for (const auto& [key, member] : members)
-        out += key + "=" + member + ";";
-    return out + "}";
-}
 
 P<IURI> fileURI(const CTempFolder& folder, const char* name)
 {

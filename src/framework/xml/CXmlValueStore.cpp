@@ -64,10 +64,12 @@ P<IString> textFromUTF8(const char* utf8)
 
 void writeValue(XMLElement& element, IBase& value);
 
-// Members of a list or map in key order, each a "value" element with a name.
-void writeMembers(XMLElement& parent,
-                  std::vector<std::pair<const IString*, IBase*>> members)
+// Members of a value list or map in key order, each a "value" element with a name.
+template <class Container>
+void writeMembers(XMLElement& parent, const Container& container)
 {
+    std::vector<std::pair<const IString*, IBase*>> members;
+    container.forEach([&members](const IString& key, IBase& member) { members.emplace_back(&key, &member); });
     std::sort(members.begin(), members.end(),
               [](const auto& a, const auto& b) { return a.first->compare(*b.first) < 0; });
     for (const auto& [key, member] : members) {
@@ -79,22 +81,16 @@ void writeMembers(XMLElement& parent,
 
 void writeValue(XMLElement& element, IBase& value)
 {
-    std::vector<std::pair<const IString*, IBase*>> members;
-    const auto collect = [&members](const IString& key, IBase& member) {
-        members.emplace_back(&key, &member);
-    };
     const auto setScalar = [&element](const char* type, const P<IString>& text) {
         element.SetAttribute("type", type);
         element.SetText(text->toUTF8().c_str());
     };
     if (const auto* list = tryCast<CValueList>(&value)) {
         element.SetAttribute("type", "list");
-        list->forEach(collect);
-        writeMembers(element, std::move(members));
+        writeMembers(element, *list);
     } else if (const auto* map = tryCast<CVariantMap>(&value)) {
         element.SetAttribute("type", "map");
-        map->forEach(collect);
-        writeMembers(element, std::move(members));
+        writeMembers(element, *map);
     } else if (const auto* array = tryCast<CVariantArray>(&value)) {
         element.SetAttribute("type", "array");
         for (uint32_t i = 0; i < array->getCount(); ++i)
@@ -125,16 +121,18 @@ void writeValue(XMLElement& element, IBase& value)
 
 P<IBase> readValue(const XMLElement& element);
 
+// The named "value" children of `parent` into `container`, which it returns.
 template <class Container>
-void readMembers(const XMLElement& parent, Container& container)
+P<Container> readMembers(const XMLElement& parent, P<Container> container)
 {
     for (const XMLElement* child = parent.FirstChildElement(kValue); child;
          child = child->NextSiblingElement(kValue)) {
         const char* name = child->Attribute("name");
         if (!name)
             throw CParseError(formatString("a value without a name (line %d)", child->GetLineNum()));
-        container.set(textFromUTF8(name), readValue(*child));
+        container->set(textFromUTF8(name), readValue(*child));
     }
+    return container;
 }
 
 P<IBase> readValue(const XMLElement& element)
@@ -170,16 +168,10 @@ P<IBase> readValue(const XMLElement& element)
     }
     if (is("null"))
         return make<CNull>();
-    if (is("list")) {
-        auto list = make<CValueList>();
-        readMembers(element, *list);
-        return list;
-    }
-    if (is("map")) {
-        auto map = make<CVariantMap>();
-        readMembers(element, *map);
-        return map;
-    }
+    if (is("list"))
+        return readMembers(element, make<CValueList>());
+    if (is("map"))
+        return readMembers(element, make<CVariantMap>());
     if (is("array")) {
         auto array = make<CVariantArray>();
         for (const XMLElement* child = element.FirstChildElement(kValue); child;
@@ -201,7 +193,7 @@ void CXmlValueStore::decode(std::string_view bytes, CValueList& values) const
     const XMLElement* root = document.RootElement();
     if (!root || std::strcmp(root->Name(), kRoot) != 0)
         throw CParseError("the document element is not \"values\"");
-    readMembers(*root, values);
+    readMembers(*root, P<CValueList>(&values));
 }
 
 std::string CXmlValueStore::encode(const CValueList& values) const
@@ -210,9 +202,7 @@ std::string CXmlValueStore::encode(const CValueList& values) const
     document.InsertEndChild(document.NewDeclaration());
     XMLElement* root = document.NewElement(kRoot);
     document.InsertEndChild(root);
-    std::vector<std::pair<const IString*, IBase*>> members;
-    values.forEach([&members](const IString& key, IBase& member) { members.emplace_back(&key, &member); });
-    writeMembers(*root, std::move(members));
+    writeMembers(*root, values);
     tinyxml2::XMLPrinter printer;
     document.Print(&printer);
     return std::string(printer.CStr(), static_cast<size_t>(printer.CStrSize() - 1));
