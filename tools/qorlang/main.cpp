@@ -5,6 +5,7 @@
 #include "Unicode.h"
 
 #include "framework/CException.h"
+#include "framework/PlatformSupport.h"
 #include "framework/IString.h"
 #include "qor_lang_manager/CLanguageFile.h"
 #include "chunk_file/CMemoryStream.h"
@@ -363,22 +364,9 @@ int run(const std::vector<std::string>& args)
 
 } // namespace
 
-#ifdef _WIN32
-// Arguments as UTF-16, so that paths outside the ANSI code page arrive intact.
-int wmain(int argc, wchar_t** argv)
-{
-    std::vector<std::string> args;
-    for (int i = 1; i < argc; ++i) {
-        std::u16string arg;
-        for (const wchar_t* p = argv[i]; *p; ++p)
-            arg.push_back(static_cast<char16_t>(*p));
-        args.push_back(encodeUtf8(arg));
-    }
-    return run(args);
-}
-#else
 int main(int argc, char** argv)
 {
-    return run(std::vector<std::string>(argv + 1, argv + argc));
+    // On Windows the arguments come from the wide command line, so that paths outside the ANSI
+    // code page arrive intact.
+    return run(kore::platform::getArgumentsUTF8(argc, argv));
 }
-#endif
