@@ -4,10 +4,6 @@
 #include <limits>
 
 using namespace chf_test;
-using chf::CChunkFile;
-using chf::CChunkIterator;
-using chf::CChunkStream;
-using chf::makeChunkId;
 
 namespace {
 
