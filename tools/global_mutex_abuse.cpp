@@ -99,9 +99,10 @@ int main(int argc, char** argv)
                 ++heldByOwner;
             else
                 mutex->unlock();
+            const bool waiterBlocked = round % 4 < 2;
             bool got = false;
             Clock::time_point killed;
-            if (round % 4 < 2) {
+            if (waiterBlocked) {
                 std::atomic<bool> waiting{false};
                 std::thread waiter([&] {
                     waiting = true;
@@ -124,7 +125,7 @@ int main(int argc, char** argv)
                 got = mutex->tryLock(5000);
             }
             waitMs.push_back(std::chrono::duration<double, std::milli>(Clock::now() - killed).count());
-            if (round % 4 < 2)
+            if (waiterBlocked)
                 waitpid(owner, nullptr, 0);
             if (got) {
                 ++acquired;

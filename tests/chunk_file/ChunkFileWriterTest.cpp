@@ -1,17 +1,10 @@
 #include "ChunkTestSupport.h"
 
-#include "chunk_file/CChunkFileWriter.h"
-
 #include <gtest/gtest.h>
 
 #include <string>
 
 using namespace chf_test;
-using chf::CChunkFile;
-using chf::CChunkFileWriter;
-using chf::CChunkIterator;
-using chf::CChunkStream;
-using chf::makeChunkId;
 
 namespace {
 

@@ -4,6 +4,7 @@
 
 #include "../framework/TempFolder.h"
 #include "chunk_file/CChunkFile.h"
+#include "chunk_file/CChunkFileWriter.h"
 #include "chunk_file/CKoreFileStream.h"
 #include "chunk_file/CMemoryStream.h"
 #include "chunk_file/ChunkId.h"
@@ -18,6 +19,13 @@
 #include <vector>
 
 namespace chf_test {
+
+// The container's classes by their short names in every test that uses this namespace.
+using chf::CChunkFile;
+using chf::CChunkFileWriter;
+using chf::CChunkIterator;
+using chf::CChunkStream;
+using chf::makeChunkId;
 
 using Bytes = std::vector<uint8_t>;
 template <class T> using Ref = chf::TChunkRef<T>;

@@ -4,7 +4,6 @@
 // change on an intact file afterwards succeeds.
 #include "../framework/FailingFiles.h"
 #include "ChunkTestSupport.h"
-#include "chunk_file/CChunkFileWriter.h"
 #include "framework/CException.h"
 
 #include <gtest/gtest.h>
@@ -12,11 +11,6 @@
 #include <cstdio>
 
 using namespace chf_test;
-using chf::CChunkFile;
-using chf::CChunkFileWriter;
-using chf::CChunkIterator;
-using chf::CChunkStream;
-using chf::makeChunkId;
 
 namespace {
 

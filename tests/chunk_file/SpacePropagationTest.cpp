@@ -4,10 +4,6 @@
 #include <limits>
 
 using namespace chf_test;
-using chf::CChunkFile;
-using chf::CChunkIterator;
-using chf::CChunkStream;
-using chf::makeChunkId;
 
 namespace {
 
@@ -212,8 +208,6 @@ TEST(SpacePropagation, RemovalInANestedChunkShrinksItAndEveryEnclosingSize)
     EXPECT_EQ(stream->getBytes(), container(area(text("126"))));
 }
 
-} // namespace
-
 // A chunk may claim a size up to 12 bytes short of 2^63; streams behind it or inside it are moved
 // and grown without wrapping into negative offsets.
 TEST(SpacePropagation, OffsetsNearTheLimitStopThereInsteadOfWrapping)
@@ -240,3 +234,5 @@ TEST(SpacePropagation, OffsetsNearTheLimitStopThereInsteadOfWrapping)
     huge->insertSpace(60);
     EXPECT_EQ(huge->getLength(), kMax);
 }
+
+} // namespace

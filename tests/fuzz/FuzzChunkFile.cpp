@@ -41,15 +41,9 @@ public:
     }
     void extend(int64_t newLength) override
     {
-        refuseBeyond(newLength);
-        CMemoryStream::extend(newLength);
-    }
-
-private:
-    static void refuseBeyond(int64_t length)
-    {
-        if (length > kLimit)
+        if (newLength > kLimit)
             throw std::length_error("stream full");
+        CMemoryStream::extend(newLength);
     }
 };
 
@@ -78,6 +72,18 @@ void walkAll(std::vector<uint8_t> bytes)
         uint32_t budget = 4096;
         walk(file.get(), 0, budget);
     } catch (const std::exception&) {
+    }
+}
+
+// Lets go of the newest first; a failure (a size written back) ends only that one.
+template <class T> void releaseAll(std::vector<chf::TChunkRef<T>>& refs)
+{
+    while (!refs.empty()) {
+        try {
+            refs.back().reset();
+        } catch (const std::exception&) {
+        }
+        refs.pop_back();
     }
 }
 
@@ -176,20 +182,8 @@ void fuzzChunkFile(const uint8_t* data, size_t size)
     }
 
     // Children before their holders, the way a careful owner lets go.
-    while (!streams.empty()) {
-        try {
-            streams.back().reset();
-        } catch (const std::exception&) {
-        }
-        streams.pop_back();
-    }
-    while (!sequences.empty()) {
-        try {
-            sequences.back().reset();
-        } catch (const std::exception&) {
-        }
-        sequences.pop_back();
-    }
+    releaseAll(streams);
+    releaseAll(sequences);
     walkAll(stream->getBytes());
 }
 

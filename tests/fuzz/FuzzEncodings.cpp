@@ -34,12 +34,6 @@ ICharEncoding& encoding(uint8_t selector)
     }
 }
 
-void check(bool condition)
-{
-    if (!condition)
-        __builtin_trap();
-}
-
 int sign(int32_t value) { return (value > 0) - (value < 0); }
 
 std::vector<uint32_t> decodeForwards(const ICharEncoding& enc, const uint8_t* buf, uint32_t len)

@@ -18,12 +18,6 @@ using kore::IBase;
 using kore::IString;
 using kore::P;
 
-void check(bool condition)
-{
-    if (!condition)
-        __builtin_trap();
-}
-
 P<IBase> reparse(const IString& printed)
 {
     try {

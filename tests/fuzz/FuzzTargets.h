@@ -26,6 +26,14 @@ void fuzzPo(const uint8_t* data, size_t size);
 void fuzzXliff(const uint8_t* data, size_t size);
 void fuzzTs(const uint8_t* data, size_t size);
 
+// A property the body checks: a violation stops the run the way a crash does, so that the fuzzer
+// keeps the input.
+inline void check(bool condition)
+{
+    if (!condition)
+        __builtin_trap();
+}
+
 struct FuzzTarget {
     const char* name;
     void (*run)(const uint8_t* data, size_t size);

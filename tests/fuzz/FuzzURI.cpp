@@ -17,12 +17,6 @@ using kore::CURI;
 using kore::IString;
 using kore::P;
 
-void check(bool condition)
-{
-    if (!condition)
-        __builtin_trap();
-}
-
 void explore(const P<CURI>& uri, const IString& name)
 {
     const P<IString> normal = uri->toString();

@@ -9,27 +9,20 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 
 namespace {
 
 using namespace export_test;
 using lang_test::CAllocationFailure;
 
-std::string contentOf(const std::filesystem::path& file)
-{
-    std::ifstream in(file, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), {});
-}
-
 // Two languages of one application in a folder of its own, the German one large.
 struct InjectedFaults : ::testing::Test {
     kore_test::CTempFolder folder;
     lang_test::CLocalizerGuard localizer;
     const std::u16string app = testName();
-    std::filesystem::path german, french;
+    // The files' names in the folder.
+    const std::string german = qor_lang::CLanguagePack::fileName(app.c_str(), u"de-DE")->toUTF8();
+    const std::string french = qor_lang::CLanguagePack::fileName(app.c_str(), u"fr-FR")->toUTF8();
 
     void SetUp() override
     {
@@ -40,8 +33,6 @@ struct InjectedFaults : ::testing::Test {
         many.emplace_back(u"k", u"Hallo");
         writeLanguageFile(folder.path(), app, u"de-DE", many);
         writeLanguageFile(folder.path(), app, u"fr-FR", {{u"k", u"Bonjour"}});
-        german = folder.path() / (app + u"-de-DE.qorlang");
-        french = folder.path() / (app + u"-fr-FR.qorlang");
         ASSERT_EQ(addFolder(folder.path(), app), 0);
     }
 
@@ -81,7 +72,7 @@ struct InjectedFaults : ::testing::Test {
 
 TEST_F(InjectedFaults, EveryFailingFileOperationOfALoadSkipsAFileOrKeepsTheOldTexts)
 {
-    const std::string germanBytes = contentOf(german), frenchBytes = contentOf(french);
+    const std::string germanBytes = folder.readFile(german), frenchBytes = folder.readFile(french);
     startFromFrench();
     int64_t operations = 0;
     {
@@ -115,8 +106,8 @@ TEST_F(InjectedFaults, EveryFailingFileOperationOfALoadSkipsAFileOrKeepsTheOldTe
         EXPECT_TRUE(std::any_of(records.begin(), records.end(), [](const std::string& r) {
             return r.find("error while loading") != std::string::npos;
         }));
-        EXPECT_EQ(contentOf(german), germanBytes);
-        EXPECT_EQ(contentOf(french), frenchBytes);
+        EXPECT_EQ(folder.readFile(german), germanBytes);
+        EXPECT_EQ(folder.readFile(french), frenchBytes);
         expectGermanWorks();
     }
 }

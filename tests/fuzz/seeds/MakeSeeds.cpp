@@ -174,24 +174,14 @@ int main(int argc, char** argv)
     catalogue.appId = u"fz";
     catalogue.nativeName = u"Deutsch";
     catalogue.version = 2;
-    const auto entry = [](std::u16string key, std::u16string text, bool fuzzy = false, bool obsolete = false,
-                          bool plural = false) {
-        qorlang::Entry e;
-        e.key = std::move(key);
-        e.text = std::move(text);
-        e.fuzzy = fuzzy;
-        e.obsolete = obsolete;
-        e.plural = plural;
-        return e;
-    };
     catalogue.entries = {
-        entry(u"greeting", u"Hallo, %s!"),
-        entry(u"menu\x04Open", u"Öffnen…"),
-        entry(u"%d file", u"%d Datei", false, false, true),
-        entry(u"<b>bold</b> & \"quoted\"", u"<b>fett</b> & „zitiert“"),
-        entry(u"fuzzy one", u"unsicher", true),
-        entry(u"gone", u"weg", false, true),
-        entry(u"multi\nline\ttab", u"mehr\nzeilig {name} %1$s"),
+        {.key = u"greeting", .text = u"Hallo, %s!"},
+        {.key = u"menu\x04Open", .text = u"Öffnen…"},
+        {.key = u"%d file", .text = u"%d Datei", .plural = true},
+        {.key = u"<b>bold</b> & \"quoted\"", .text = u"<b>fett</b> & „zitiert“"},
+        {.key = u"fuzzy one", .text = u"unsicher", .fuzzy = true},
+        {.key = u"gone", .text = u"weg", .obsolete = true},
+        {.key = u"multi\nline\ttab", .text = u"mehr\nzeilig {name} %1$s"},
     };
     const struct {
         const char* target;
@@ -204,7 +194,7 @@ int main(int argc, char** argv)
             continue;
         save(form.target, "catalogue", qorlang::writeCatalogue(catalogue, form.format));
         qorlang::Catalogue bare;
-        bare.entries = {entry(u"key", u"text")};
+        bare.entries = {{.key = u"key", .text = u"text"}};
         save(form.target, "bare", qorlang::writeCatalogue(bare, form.format));
     }
     return 0;
