@@ -15,7 +15,7 @@ cmake --build --preset linux-fuzz >/dev/null
 
 build=build/linux-fuzz
 if [ ${#targets[@]} -eq 0 ]; then
-  # Every target this build has (the XML formats' only where TinyXML-2 is installed).
+  # Every target this build has.
   for program in "$build"/tests/fuzz/fuzz_*; do
     name=${program##*/fuzz_}
     [ "$name" = make_seeds ] || targets+=("$name")

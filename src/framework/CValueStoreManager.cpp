@@ -7,6 +7,7 @@
 #include "framework/IMutexFactory.h"
 #include "framework/IURI.h"
 #include "framework/IValueStore.h"
+#include "framework/xml/CXmlValueStoreFactory.h"
 
 namespace kore {
 
@@ -25,7 +26,7 @@ P<IValueStoreManager>& IValueStoreManager::instance()
 CValueStoreManager::CValueStoreManager() : m_mutex(createMutexFactory()->createMutex())
 {
     addFactory(*make<CJsonValueStoreFactory>());
-    addXmlValueStoreFactory(*this);
+    addFactory(*make<CXmlValueStoreFactory>());
 }
 
 void CValueStoreManager::addFactory(IValueStoreFactory& factory)

@@ -24,8 +24,4 @@ private:
     std::vector<P<IValueStoreFactory>> m_factories;
 };
 
-// Adds the XML store's factory where the build has TinyXML-2 (xml/CXmlValueStore.cpp) and
-// nothing elsewhere (xml/NoXmlValueStore.cpp).
-void addXmlValueStoreFactory(IValueStoreManager& manager);
-
 } // namespace kore

@@ -20,7 +20,7 @@ void fuzzStringFormat(const uint8_t* data, size_t size);
 void fuzzURI(const uint8_t* data, size_t size);
 // JSON text parsed, printed and parsed again.
 void fuzzJson(const uint8_t* data, size_t size);
-// Translators' files read by the qorlang tool (XLIFF and TS only where it is built with XML).
+// Translators' files read by the qorlang tool.
 void fuzzI18next(const uint8_t* data, size_t size);
 void fuzzPo(const uint8_t* data, size_t size);
 void fuzzXliff(const uint8_t* data, size_t size);

@@ -65,32 +65,6 @@ Format formatOf(const std::string& path)
     fail(path, 0, "unknown format (the extension must be .po, .xlf, .xliff, .ts, .json, .txt or .qorlang)");
 }
 
-bool formatAvailable(Format format)
-{
-    switch (format) {
-    case Format::Xliff:
-    case Format::Ts:
-#ifdef QORLANG_WITH_XML
-        return true;
-#else
-        return false;
-#endif
-    default:
-        return true;
-    }
-}
-
-namespace {
-
-void requireAvailable(const std::string& path, Format format)
-{
-    if (formatAvailable(format))
-        return;
-    fail(path, 0, "this qorlang was built without XML support (TinyXML-2), so it cannot handle XLIFF or TS");
-}
-
-} // namespace
-
 std::string readFileBytes(const std::string& path)
 {
     std::ifstream in(pathOf(path), std::ios::binary);
@@ -148,17 +122,14 @@ std::optional<uint32_t> versionOf(std::string_view digits)
 Catalogue readCatalogue(const std::string& path)
 {
     const Format format = formatOf(path);
-    requireAvailable(path, format);
     const std::string bytes = readFileBytes(path);
     switch (format) {
     case Format::Po:
         return readPo(path, bytes);
-#ifdef QORLANG_WITH_XML
     case Format::Xliff:
         return readXliff(path, bytes);
     case Format::Ts:
         return readTs(path, bytes);
-#endif
     case Format::Json:
         return readJson(path, bytes);
     case Format::Text:
@@ -177,12 +148,10 @@ std::string writeCatalogue(const Catalogue& catalogue, Format format)
         return writePo(catalogue);
     case Format::Json:
         return writeJson(catalogue);
-#ifdef QORLANG_WITH_XML
     case Format::Xliff:
         return writeXliff(catalogue);
     case Format::Ts:
         return writeTs(catalogue);
-#endif
     default:
         fail(catalogue.path, 0, "cannot write this format");
     }

@@ -16,8 +16,6 @@ enum class Format { Po, Xliff, Ts, Json, Text, Qorlang };
 
 // By extension (".po", ".xlf"/".xliff", ".ts", ".json", ".txt", ".qorlang"); fails for others.
 Format formatOf(const std::string& path);
-// Whether this build reads and writes the format (the XML formats need TinyXML-2).
-bool formatAvailable(Format format);
 
 Catalogue readCatalogue(const std::string& path);
 // The text of `catalogue` in a source format (not Format::Qorlang, not Format::Text).

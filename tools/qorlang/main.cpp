@@ -203,8 +203,8 @@ int decompile(const std::vector<std::string>& args)
     if (formatOf(input) != Format::Qorlang)
         fail(input, 0, "decompile reads a language file (.qorlang)");
     const Format format = formatOf(output);
-    if (format == Format::Qorlang || format == Format::Text || !formatAvailable(format))
-        fail(output, 0, std::string("decompile writes .po, .json") + (formatAvailable(Format::Ts) ? ", .xlf, .xliff or .ts" : " (this build has no XML formats)"));
+    if (format == Format::Qorlang || format == Format::Text)
+        fail(output, 0, "decompile writes .po, .json, .xlf, .xliff or .ts");
     Catalogue c = readCatalogue(input);
     for (const Entry& e : c.entries) {
         if (e.key.empty())

@@ -13,12 +13,10 @@
 #include "framework/CParseError.h"
 #include "framework/CString.h"
 #include "framework/CStringFormat.h"
-#include "framework/CValueStoreManager.h"
 #include "framework/CVariantArray.h"
 #include "framework/CVariantMap.h"
 #include "framework/Cast.h"
 #include "framework/UTF8Decoding.h"
-#include "framework/xml/CXmlValueStoreFactory.h"
 
 #include <tinyxml2.h>
 
@@ -206,11 +204,6 @@ std::string CXmlValueStore::encode(const CValueList& values) const
     tinyxml2::XMLPrinter printer;
     document.Print(&printer);
     return std::string(printer.CStr(), static_cast<size_t>(printer.CStrSize() - 1));
-}
-
-void addXmlValueStoreFactory(IValueStoreManager& manager)
-{
-    manager.addFactory(*make<CXmlValueStoreFactory>());
 }
 
 } // namespace kore

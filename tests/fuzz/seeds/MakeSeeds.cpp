@@ -190,8 +190,6 @@ int main(int argc, char** argv)
                  {"qorlang_ts", qorlang::Format::Ts},
                  {"qorlang_json", qorlang::Format::Json}};
     for (const auto& form : forms) {
-        if (!qorlang::formatAvailable(form.format))
-            continue;
         save(form.target, "catalogue", qorlang::writeCatalogue(catalogue, form.format));
         qorlang::Catalogue bare;
         bare.entries = {{.key = u"key", .text = u"text"}};

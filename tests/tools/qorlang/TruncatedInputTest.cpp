@@ -31,7 +31,6 @@ TEST(TruncatedInput, SourceReadersFailCleanly)
     everyPrefix("@tag=de-DE\n@version=12\nkey=text\\n\n", [](const std::string& s) { readText("t.txt", s); });
     everyPrefix("{\"@qorlang\": {\"version\": \"3\"}, \"a\": {\"b\": [\"\\u0041\\n\", null, 5]}, \"c\": \"ü\"}",
                 [](const std::string& s) { readJson("t.json", s); });
-#ifdef QORLANG_WITH_XML
     everyPrefix("<?xml version=\"1.0\"?>\n<TS language=\"de_DE\"><context><name>N</name><message numerus=\"yes\">"
                 "<source>a<byte value=\"x7\"/> </source><comment>c</comment><translation type=\"unfinished\">"
                 "<numerusform>x</numerusform></translation></message></context></TS>\n",
@@ -40,7 +39,6 @@ TEST(TruncatedInput, SourceReadersFailCleanly)
                 "<trans-unit id=\"1\"><source>a\r\n</source><target state=\"new\"><ph ctype=\"x-ch-bel\">\\a</ph></target>"
                 "</trans-unit></group></body></file></xliff>",
                 [](const std::string& s) { readXliff("t.xlf", s); });
-#endif
 }
 
 TEST(TruncatedInput, LanguageFileCutAnywhereIsRefused)

@@ -5,8 +5,6 @@
 using namespace qorlang;
 using namespace qorlang_test;
 
-#ifdef QORLANG_WITH_XML
-
 TEST(XmlFormats, TsFollowsLconvertConventions)
 {
     const Catalogue c = readTs("t.ts", R"(<?xml version="1.0" encoding="utf-8"?>
@@ -133,13 +131,3 @@ TEST(XmlFormats, ErrorsNameFileAndLine)
     EXPECT_EQ(errorOf([] { readTs("a.ts", "<xliff/>"); }), "a.ts:1: not a Qt TS document (no <TS> root)");
     EXPECT_EQ(errorOf([] { readXliff("a.xlf", "<TS/>"); }), "a.xlf:1: not an XLIFF document (no <xliff> root)");
 }
-
-#else
-
-TEST(XmlFormats, UnavailableFormatsSaySo)
-{
-    EXPECT_EQ(errorOf([] { readCatalogue("x.ts"); }),
-              "x.ts: this qorlang was built without XML support (TinyXML-2), so it cannot handle XLIFF or TS");
-}
-
-#endif
