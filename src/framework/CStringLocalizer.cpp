@@ -7,6 +7,7 @@
 #include "framework/IMutexFactory.h"
 #include "framework/IString.h"
 
+#include <mutex>
 #include <string>
 #include <utility>
 
@@ -89,13 +90,25 @@ void CStringLocalizer::clear()
 
 void CStringLocalizer::setFallback(IStringLocalizer* fallback)
 {
-    if (fallback == this)
-        throw CInvalidArgError(nullptr, "CStringLocalizer::setFallback",
-                               "fallback (the localizer itself)", "CStringLocalizer");
+    // One chain is checked and changed at a time, so two calls cannot close a cycle between
+    // them (A -> B here while B -> A there).
+    static std::mutex chains;
+    const std::lock_guard<std::mutex> chain(chains);
+    for (P<IStringLocalizer> next(fallback); next; next = next->getFallback()) {
+        if (next.get() == this)
+            throw CInvalidArgError(nullptr, "CStringLocalizer::setFallback",
+                                   "fallback (leads back to the localizer itself)", "CStringLocalizer");
+    }
     CMutexLock lock(*m_writeLock);
     auto next = std::make_unique<CContent>(*m_content.load());
     next->fallback = fallback;
     publish(std::move(next));
+}
+
+P<IStringLocalizer> CStringLocalizer::getFallback() const
+{
+    CReaderSlots::CScope reading(m_readers);
+    return m_content.load(std::memory_order_seq_cst)->fallback;
 }
 
 void CStringLocalizer::setString(const CStringArg& key, const CStringArg& text)

@@ -31,8 +31,10 @@ public:
     CStringLocalizer& operator=(const CStringLocalizer&) = delete;
 
     void clear() override;
-    // Throws CInvalidArgError when `fallback` is this localizer (every miss would recurse).
+    // Throws CInvalidArgError when `fallback` is this localizer or its chain of fallbacks leads
+    // back here (every miss would recurse until the stack runs out).
     void setFallback(IStringLocalizer* fallback) override;
+    P<IStringLocalizer> getFallback() const override;
     // Meant for a few framework texts, not for loading languages (setTexts): the keys set this
     // way live in a few tables that are merged as they grow, so each key is copied a logarithmic
     // number of times. Dropped, like everything else, by setTexts and clear.

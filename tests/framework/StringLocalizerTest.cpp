@@ -71,6 +71,27 @@ TEST(StringLocalizer, FallbackAnswersOnlyWhatIsMissingHere)
     EXPECT_THROW(loc->setFallback(loc.get()), CInvalidArgError);
 }
 
+// A chain of fallbacks that leads back to where it starts would recurse on every miss until the
+// stack overflows (and keep every member alive): the link that closes it is refused, whatever
+// the length of the ring, and the chain stays as it was.
+TEST(StringLocalizer, FallbackCyclesAreRefused)
+{
+    for (size_t ring = 1; ring <= 4; ++ring) {
+        std::vector<P<CStringLocalizer>> chain;
+        for (size_t i = 0; i < ring; ++i)
+            chain.push_back(make<CStringLocalizer>());
+        for (size_t i = 0; i + 1 < ring; ++i)
+            chain[i]->setFallback(chain[i + 1].get());
+        chain.back()->setString("last", "from the end");
+        EXPECT_THROW(chain.back()->setFallback(chain.front().get()), CInvalidArgError) << ring;
+        EXPECT_EQ(chain.back()->getFallback(), nullptr) << ring;
+        EXPECT_EQ(text(chain.front()->getString("missing", "d")), "d") << ring;
+        EXPECT_EQ(text(chain.front()->getString("last", "d")), "from the end") << ring;
+        for (auto& loc : chain)
+            loc->setFallback(nullptr);
+    }
+}
+
 P<CTextTable> table(std::initializer_list<std::pair<std::u16string, std::u16string>> entries)
 {
     CTextTable::CBuilder builder;
