@@ -35,9 +35,10 @@ public:
     // back here (every miss would recurse until the stack runs out).
     void setFallback(IStringLocalizer* fallback) override;
     P<IStringLocalizer> getFallback() const override;
-    // Meant for a few framework texts, not for loading languages (setTexts): the keys set this
-    // way live in a few tables that are merged as they grow, so each key is copied a logarithmic
-    // number of times. Dropped, like everything else, by setTexts and clear.
+    // Constant amortised time, no system call: the texts set this way live in one hash table that
+    // grows by doubling and is changed in place under the write lock (readers stay lock-free).
+    // They answer before the language's texts and are dropped, like everything else, by
+    // setTexts and clear.
     void setString(const CStringArg& key, const CStringArg& text) override;
     // The answer is a new string (a copy of the text or of the default).
     P<IString> getString(const CStringArg& key, const CStringArg& defaultText) const override;
@@ -45,6 +46,7 @@ public:
     char16_t* copyString(const char16_t* key, const char16_t* defaultText, TextCopier copy) const override;
 
 private:
+    class CSetTexts;
     struct CContent;
 
     // Swaps `next` in and frees the old content once no reader holds it. Under m_writeLock.
