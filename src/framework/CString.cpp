@@ -508,6 +508,26 @@ uint32_t CString::getCharAt(uint32_t index) const
 {
     if (index >= m_charCount)
         return kNotFound;
+    // Where every unit is a character, the unit is the answer (a code page still decodes).
+    const uint32_t id = m_encoding->getId();
+    switch (fixedUnit(*m_encoding, m_byteLength, m_charCount)) {
+    case 2: {
+        char16_t unit;
+        std::memcpy(&unit, m_buffer + 2 * size_t(index), 2);
+        return unit;
+    }
+    case 4: {
+        uint32_t unit;
+        std::memcpy(&unit, m_buffer + 4 * size_t(index), 4);
+        return unit;
+    }
+    case 1:
+        if (id == CLatin1CharEncoding::kId || id == CUTF8CharEncoding::kId)
+            return m_buffer[index];
+        break;
+    default:
+        break;
+    }
     const uint32_t off = charOffset(index);
     if (off == ICharEncoding::kFail)
         return kNotFound;
