@@ -7,6 +7,8 @@
 #include <atomic>
 #include <chrono>
 #include <cstring>
+#include <map>
+#include <random>
 #include <thread>
 
 namespace {
@@ -150,14 +152,30 @@ TEST(StringLocalizer, TablesReplaceEverythingAndTheLaterOfTwoAnswers)
     EXPECT_EQ(copied(*loc, u"both", u"d"), u"d");
 }
 
-TEST(StringLocalizer, ManyKeysSetOneByOneAllAnswer)
+// setString against a map: new keys (the table grows), the same few keys again and again (the
+// replaced texts are reclaimed), empty texts, and clear now and then.
+TEST(StringLocalizer, SetStringAgreesWithAMap)
 {
     auto loc = make<CStringLocalizer>();
-    for (int k = 0; k < 3000; ++k)
-        loc->setString(("key." + std::to_string(k % 2000)).c_str(), ("text " + std::to_string(k)).c_str());
-    for (int k = 0; k < 2000; ++k) {
-        const int last = k < 1000 ? k + 2000 : k;
-        EXPECT_EQ(text(loc->getString(("key." + std::to_string(k)).c_str(), "d")), "text " + std::to_string(last));
+    std::map<std::string, std::string> model;
+    std::mt19937 random(7);
+    for (int step = 0; step < 40000; ++step) {
+        const uint32_t r = random();
+        if (r % 9973 == 0) {
+            loc->clear();
+            model.clear();
+            continue;
+        }
+        const std::string key = "key." + std::to_string(r % 8 == 0 ? r % 5 : r % 6000);
+        const std::string value = r % 13 == 0 ? "" : "text " + std::to_string(step);
+        loc->setString(key.c_str(), value.c_str());
+        model[key] = value;
+    }
+    for (int k = 0; k < 6000; ++k) {
+        const std::string key = "key." + std::to_string(k);
+        const auto found = model.find(key);
+        const std::string want = found == model.end() || found->second.empty() ? "d" : found->second;
+        ASSERT_EQ(text(loc->getString(key.c_str(), "d")), want) << key;
     }
 }
 
