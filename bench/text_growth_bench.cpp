@@ -1,8 +1,8 @@
 // Work that must grow linearly with the text: finding every match, reading every character by
 // index or with a cursor, and many setString calls. Each framework case runs beside the same work
 // on std::u16string / std::unordered_map, at two sizes ten times apart (the first argument).
-// The second argument picks the text: 0 UTF-16 text, 1 UTF-8 text with Devanagari (variable
-// width, so positions are found by walking).
+// The second argument picks the text: 0 UTF-16 text, 1 the same text in UTF-8 (variable width,
+// so positions are found by walking).
 // Run: build/linux-release/bench/text_growth_bench
 
 #include "framework/CCharCursor.h"
@@ -25,7 +25,7 @@ constexpr int64_t kMiB = 1 << 20;
 // characters.
 std::u16string sample(int64_t bytes)
 {
-    const std::u16string piece = u"Sch\u00F6ne Gr\u00FC\u00DFe \u0939\u093F\u0928\u094D\u0926\u0940 needle, ";
+    const std::u16string piece = u"Sch\u00F6ne Gr\u00FC\u00DFe \u0395\u03BB\u03BB\u03AC\u03B4\u03B1 needle, ";
     std::u16string s;
     while (static_cast<int64_t>(s.size()) < bytes / 2)
         s += piece + std::u16string(64 - piece.size(), u'.');
