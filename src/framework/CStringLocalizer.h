@@ -8,6 +8,8 @@
 // change builds a new content, swaps it in, waits until no reader can hold the old one and frees
 // it; changes are serialised by a mutex that readers never touch. So a look-up sees the old or
 // the new text of a key, never a torn or freed one, and a language switch costs readers nothing.
+// The one part changed in place is the table of setString's texts, whose slots move atomically
+// from empty to an entry or from one entry of a key to a newer one (CSetTexts).
 
 #include "framework/CObject.h"
 #include "framework/CReaderSlots.h"
