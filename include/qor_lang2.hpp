@@ -433,19 +433,24 @@ std::basic_string<C> substitute(std::basic_string_view<C> text, const std::basic
     return out;
 }
 
+template <typename C, typename... Args>
+std::basic_string<C> format(std::basic_string_view<C> text, const Args&... args)
+{
+    const std::basic_string<C> texts[sizeof...(Args) + 1] = {asText<std::basic_string<C>>(args)...};
+    return substitute(text, texts, sizeof...(Args));
+}
+
 } // namespace detail
 
 template <typename... Args>
 std::u16string format(std::u16string_view text, const Args&... args)
 {
-    const std::u16string texts[sizeof...(Args) + 1] = {detail::asText<std::u16string>(args)...};
-    return detail::substitute(text, texts, sizeof...(Args));
+    return detail::format(text, args...);
 }
 template <typename... Args>
 std::string format(std::string_view text, const Args&... args)
 {
-    const std::string texts[sizeof...(Args) + 1] = {detail::asText<std::string>(args)...};
-    return detail::substitute(text, texts, sizeof...(Args));
+    return detail::format(text, args...);
 }
 
 } // namespace qor_lang2

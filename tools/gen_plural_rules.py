@@ -11,12 +11,13 @@ fails if the checked-in file differs.
 """
 
 import argparse
-import difflib
 import functools
 import os
 import re
 import sys
 import xml.etree.ElementTree as ElementTree
+
+import generated_source
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 DEFAULT_PLURALS_XML = "/usr/share/unicode/cldr/common/supplemental/plurals.xml"
@@ -199,28 +200,8 @@ def main():
         print("cannot read the CLDR plural rules in %s: %s" % (args.plurals, error), file=sys.stderr)
         return 2
     text = render(rows)
-    output = os.path.normpath(args.output)
-
-    if args.check:
-        try:
-            with open(output, encoding="ascii", newline="") as f:
-                current = f.read()
-        except (OSError, UnicodeDecodeError) as error:
-            print("cannot read %s: %s" % (output, error), file=sys.stderr)
-            return 1
-        if current != text:
-            print("%s is out of date; run tools/gen_plural_rules.py" % output, file=sys.stderr)
-            diff = difflib.unified_diff(current.splitlines(), text.splitlines(), "checked in", "generated", lineterm="")
-            for line in list(diff)[:40]:
-                print(line, file=sys.stderr)
-            return 1
-        print("%s is up to date (%d languages)" % (output, len(rows)))
-        return 0
-
-    with open(output, "w", encoding="ascii", newline="\n") as f:
-        f.write(text)
-    print("wrote %s (%d languages, %d distinct rules)" % (output, len(rows), len(set(r for _, r in rows))))
-    return 0
+    return generated_source.check_or_write(args.output, text, args.check, "tools/gen_plural_rules.py",
+                                           "%d languages, %d distinct rules" % (len(rows), len(set(rule for _, rule in rows))))
 
 
 if __name__ == "__main__":
