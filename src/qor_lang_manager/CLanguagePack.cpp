@@ -144,7 +144,7 @@ std::u16string CLanguagePack::fallbackTag(const LanguageId& language) const
     if (!language.hasLanguage() || dash == std::u16string::npos)
         return {};
     const std::u16string code = tag.substr(0, dash);
-    std::u16string own = ownCountryTag(code);
+    const std::u16string own = ownCountryTag(code);
     P<kore::IFileEnum> entries;
     try {
         entries = kore::IFileSystemManager::instance()->enumerate(*m_folder, *fileName(*m_appId, (code + u"-*").c_str()));
@@ -163,7 +163,10 @@ std::u16string CLanguagePack::fallbackTag(const LanguageId& language) const
         if (name.size() <= kExtension.size())
             continue;
         const std::u16string stem = name.substr(0, name.size() - kExtension.size());
-        const std::u16string candidate = code + stem.substr(stem.rfind(u'-'));
+        const std::size_t country = stem.rfind(u'-');
+        if (country == std::u16string::npos)
+            continue;
+        const std::u16string candidate = code + stem.substr(country);
         const LanguageId id(candidate.c_str(), LanguageTagMode::Tag);
         if (!id.isValid() || id.getTag() != candidate || candidate == tag ||
             fileName(*m_appId, candidate.c_str())->toU16() != name)
