@@ -204,10 +204,10 @@ CTextTable::CBuilder CStringTableReader::readChunk(const DataChunk& chunk, int64
         cursor.readUInt32(); // the entry's value: kept in the file, not used
         const CTextTable::Span key = cursor.readCountedString();
         const CTextTable::Span text = cursor.readCountedString();
-        cursor.readCountedString();
+        const CTextTable::Span third = cursor.readCountedString();
         cursor.readCountedString();
         const uint64_t rank = ((era ^ doublings) & 1) ? kTailSide + i : kTailSide - 1 - i;
-        visit(table, key, text, rank);
+        visit(table, key, text, rank, third);
     }
     if (count == next)
         buckets *= 2; // the last insertion doubled the table too
@@ -230,12 +230,18 @@ CTextTable::CBuilder CStringTableReader::readLastChunk(const Visit& visit)
 kore::P<CTextTable> CStringTableReader::readTexts()
 {
     return readLastChunk([](CTextTable::CBuilder& table, CTextTable::Span key, CTextTable::Span text,
-                            uint64_t rank) { table.add(key, text, rank); })
+                            uint64_t rank, CTextTable::Span) { table.add(key, text, rank); })
         .build();
 }
 
 void CStringTableReader::readEntries(
     const std::function<void(const std::u16string& key, const std::u16string& text)>& visit)
+{
+    readEntries([&](const std::u16string& key, const std::u16string& text, const std::u16string&) { visit(key, text); });
+}
+
+void CStringTableReader::readEntries(
+    const std::function<void(const std::u16string& key, const std::u16string& text, const std::u16string& third)>& visit)
 {
     auto units = [](const uint8_t* block, CTextTable::Span span) {
         std::u16string text(span.units, u'\0');
@@ -243,8 +249,9 @@ void CStringTableReader::readEntries(
             text[i] = static_cast<char16_t>(block[span.offset + 2 * i] | block[span.offset + 2 * i + 1] << 8);
         return text;
     };
-    readLastChunk([&](CTextTable::CBuilder& table, CTextTable::Span key, CTextTable::Span text, uint64_t) {
-        visit(units(table.block(), key), units(table.block(), text));
+    readLastChunk([&](CTextTable::CBuilder& table, CTextTable::Span key, CTextTable::Span text, uint64_t,
+                      CTextTable::Span third) {
+        visit(units(table.block(), key), units(table.block(), text), units(table.block(), third));
     });
 }
 

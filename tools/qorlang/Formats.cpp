@@ -119,7 +119,7 @@ std::optional<uint32_t> versionOf(std::string_view digits)
     return static_cast<uint32_t>(std::stoul(std::string(digits)));
 }
 
-Catalogue readCatalogue(const std::string& path)
+Catalogue readCatalogue(const std::string& path, QtContext qtContext)
 {
     const Format format = formatOf(path);
     const std::string bytes = readFileBytes(path);
@@ -129,7 +129,7 @@ Catalogue readCatalogue(const std::string& path)
     case Format::Xliff:
         return readXliff(path, bytes);
     case Format::Ts:
-        return readTs(path, bytes);
+        return readTs(path, bytes, qtContext);
     case Format::Json:
         return readJson(path, bytes);
     case Format::Text:
@@ -175,6 +175,25 @@ std::optional<std::u16string> normalisedTag(std::u16string_view written)
     if (tag.empty() || !id.isValid())
         return std::nullopt;
     return id.getTag();
+}
+
+bool looksLikeKey(std::u16string_view source)
+{
+    size_t parts = 1, partLength = 0;
+    for (char16_t c : source) {
+        if (c == u'.') {
+            if (partLength == 0)
+                return false;
+            ++parts;
+            partLength = 0;
+        } else if ((c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z') || (c >= u'0' && c <= u'9') || c == u'_' ||
+                   c == u'-') {
+            ++partLength;
+        } else {
+            return false;
+        }
+    }
+    return parts >= 2 && partLength > 0;
 }
 
 std::u16string languageFileName(std::u16string_view appId, std::u16string_view tag)

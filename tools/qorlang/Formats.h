@@ -14,10 +14,16 @@ namespace qorlang {
 
 enum class Format { Po, Xliff, Ts, Json, Text, Qorlang };
 
+// How a Qt TS <context><name> enters the keys: Keep makes it the context "name|comment" (what
+// lconvert makes of it in PO), Drop leaves the comment alone as the context, Auto drops it for a
+// context whose every source looks like a key. A context named "qor_lang2" (lupdate's for
+// qor_lang2::tr calls, whose comment is tr's default text) gives the bare source unless kept.
+enum class QtContext { Auto, Keep, Drop };
+
 // By extension (".po", ".xlf"/".xliff", ".ts", ".json", ".txt", ".qorlang"); fails for others.
 Format formatOf(const std::string& path);
 
-Catalogue readCatalogue(const std::string& path);
+Catalogue readCatalogue(const std::string& path, QtContext qtContext = QtContext::Auto);
 // The text of `catalogue` in a source format (not Format::Qorlang, not Format::Text).
 std::string writeCatalogue(const Catalogue& catalogue, Format format);
 
@@ -26,7 +32,7 @@ Catalogue readPo(const std::string& path, const std::string& bytes);
 std::string writePo(const Catalogue& catalogue);
 Catalogue readXliff(const std::string& path, const std::string& bytes);
 std::string writeXliff(const Catalogue& catalogue);
-Catalogue readTs(const std::string& path, const std::string& bytes);
+Catalogue readTs(const std::string& path, const std::string& bytes, QtContext qtContext = QtContext::Auto);
 std::string writeTs(const Catalogue& catalogue);
 Catalogue readJson(const std::string& path, const std::string& bytes);
 std::string writeJson(const Catalogue& catalogue);
@@ -70,6 +76,10 @@ std::optional<std::u16string> normalisedTag(std::u16string_view written);
 // A c-format text with gettext's system-dependent segments ("%<PRIu64>") in this platform's
 // spelling ("%lu").
 std::u16string expandSystemDependent(std::u16string_view text);
+
+// A source id that reads as a key rather than a text: letters, digits, "_" and "-" in at least
+// two parts joined by "." ("app.title", "menu.file_open"), no blanks.
+bool looksLikeKey(std::u16string_view source);
 
 // The name under which the library finds the file of `appId` in `tag`: "<app>-<tag>.qorlang" with
 // any "--" reduced to "-".

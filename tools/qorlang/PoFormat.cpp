@@ -298,9 +298,19 @@ private:
             context = decode(*entry.context);
         out.key = joinKey(context, decode(*entry.id));
         out.text = decode(entry.strs.begin()->first == 0 ? entry.strs.begin()->second : std::string());
+        if (entry.idPlural) {
+            out.pluralSource = decode(*entry.idPlural);
+            // msgstr[N] for every N up to the last one given; a gap is a missing form.
+            out.forms.resize(size_t(entry.strs.rbegin()->first) + 1);
+            for (const auto& [index, text] : entry.strs)
+                out.forms[size_t(index)] = decode(text);
+        }
         if (entry.cFormat) {
             out.key = expandSystemDependent(out.key);
             out.text = expandSystemDependent(out.text);
+            out.pluralSource = expandSystemDependent(out.pluralSource);
+            for (std::u16string& form : out.forms)
+                form = expandSystemDependent(form);
         }
         m_catalogue.entries.push_back(std::move(out));
     }
@@ -314,6 +324,9 @@ private:
                 m_catalogue.languageLine = header.line;
             } else if (name == "Last-Translator" && !text.empty() && value.find("FULL NAME") == std::string::npos) {
                 m_catalogue.author = text;
+            } else if (name == "Plural-Forms" && !text.empty()) {
+                m_catalogue.pluralForms = text;
+                m_catalogue.pluralFormsLine = header.line;
             } else if (name == "X-Qorlang-Application") {
                 m_catalogue.appId = text;
             } else if (name == "X-Qorlang-Native-Name") {
@@ -414,6 +427,8 @@ std::string writePo(const Catalogue& c)
     field(u"MIME-Version", u"1.0");
     field(u"Content-Type", u"text/plain; charset=UTF-8");
     field(u"Content-Transfer-Encoding", u"8bit");
+    if (c.pluralForms)
+        field(u"Plural-Forms", *c.pluralForms);
     if (c.appId)
         field(u"X-Qorlang-Application", *c.appId);
     if (c.nativeName)
@@ -434,7 +449,13 @@ std::string writePo(const Catalogue& c)
         if (context)
             appendString(out, "msgctxt", *context);
         appendString(out, "msgid", source);
-        appendString(out, "msgstr", e.text);
+        if (e.forms.empty()) {
+            appendString(out, "msgstr", e.text);
+            continue;
+        }
+        appendString(out, "msgid_plural", e.pluralSource);
+        for (size_t i = 0; i < e.forms.size(); ++i)
+            appendString(out, ("msgstr[" + std::to_string(i) + "]").c_str(), e.forms[i]);
     }
     return out;
 }
