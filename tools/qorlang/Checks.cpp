@@ -1,6 +1,9 @@
 #include "Checks.h"
 #include "Formats.h"
+#include "PluralCategories.h"
 #include "Unicode.h"
+
+#include "qor_lang_manager/PluralRule.h"
 
 #include <algorithm>
 #include <map>
@@ -236,37 +239,110 @@ std::vector<Finding> checkCatalogue(const Catalogue& c, const Catalogue* referen
                        std::to_string(untranslated) + " untranslated and " + std::to_string(fuzzy) +
                            " fuzzy entries; compile leaves them out (fuzzy ones stay with --use-fuzzy)"});
 
-    // Placeholders against the reference's text of the same key, or, as msgfmt --check-format
-    // does, a c-format entry's against its own source text (PO and TS; plural forms follow their
-    // own rules).
+    // Placeholders against the reference's text of the same key, or without a reference, as
+    // msgfmt --check-format does, against the entry's own source text where the format has one:
+    // every printf field of a c-format entry, the positional and named fields ({0}, {name}) of the
+    // others. Each plural form may follow the singular or the plural source.
     std::map<std::u16string_view, const Entry*> referenceTexts;
     if (reference) {
         for (const Entry& e : reference->entries)
             if (!e.obsolete)
                 referenceTexts[e.key] = &e;
     }
-    const bool sourceKeyed = !compiled && (formatOf(c.path) == Format::Po || formatOf(c.path) == Format::Ts);
+    const Format format = formatOf(c.path);
+    const bool sourceKeyed = !compiled && (format == Format::Po || format == Format::Ts || format == Format::Xliff);
     for (const Entry& e : c.entries) {
         if (!e.usable(true))
             continue;
-        std::u16string_view expectedText;
+        std::vector<std::u16string_view> expectedTexts;
         std::string against;
+        bool bracesOnly = false;
         if (reference) {
             auto it = referenceTexts.find(e.key);
             if (it == referenceTexts.end() || it->second->text.empty())
                 continue;
-            expectedText = it->second->text;
+            expectedTexts.push_back(it->second->text);
+            for (const std::u16string& form : it->second->forms)
+                expectedTexts.push_back(form);
             against = "the reference's text" + (it->second->line ? " (line " + std::to_string(it->second->line) + ")" : std::string());
-        } else if (sourceKeyed && e.cFormat && !e.plural) {
-            expectedText = splitKey(e.key).second;
-            against = "the source text";
+        } else if (sourceKeyed && (e.cFormat || !looksLikeKey(splitKey(e.key).second))) {
+            expectedTexts.push_back(splitKey(e.key).second);
+            if (!e.forms.empty())
+                expectedTexts.push_back(e.pluralSource);
+            against = e.forms.empty() ? "the source text" : "the source texts";
+            bracesOnly = !e.cFormat;
         } else {
             continue;
         }
-        const Placeholders want = placeholdersOf(expectedText);
-        const Placeholders have = placeholdersOf(e.text);
-        if (!(want == have))
-            out.push_back({e.line, true, "key " + quoted(e.key) + ": placeholders differ from " + against + ": " + describeDifference(want, have)});
+        auto fields = [&](std::u16string_view text) {
+            Placeholders p = placeholdersOf(text);
+            if (bracesOnly) {
+                p.printf.clear();
+                std::erase_if(p.named, [](const std::string& name) { return name[0] != '{'; });
+            }
+            return p;
+        };
+        const std::vector<std::u16string> single{e.text};
+        const std::vector<std::u16string>& texts = e.forms.empty() ? single : e.forms;
+        for (size_t i = 0; i < texts.size(); ++i) {
+            if (texts[i].empty())
+                continue;
+            const Placeholders have = fields(texts[i]);
+            bool matches = false;
+            for (std::u16string_view expected : expectedTexts)
+                matches = matches || fields(expected) == have;
+            if (!matches)
+                out.push_back({e.line, true,
+                               "key " + quoted(e.key) + (e.forms.empty() ? "" : " form " + std::to_string(i)) +
+                                   ": placeholders differ from " + against + ": " +
+                                   describeDifference(fields(expectedTexts.back()), have)});
+        }
+    }
+
+    // Plural entries against the rule that picks their forms: the catalogue's own, else the
+    // language's, as the library chooses.
+    const bool anyPlural = std::any_of(c.entries.begin(), c.entries.end(), [](const Entry& e) { return !e.forms.empty(); });
+    std::optional<qor_lang::PluralRule> rule;
+    std::string ruleText;
+    if (c.pluralForms) {
+        ruleText = encodeUtf8(*c.pluralForms);
+        rule = qor_lang::PluralRule::parse(ruleText);
+        if (!rule)
+            out.push_back({c.pluralFormsLine, true,
+                           "the plural rule " + quoted(*c.pluralForms) +
+                               " is not one the library reads (nplurals=N; plural=EXPRESSION; with N from 1 to 6)"});
+    } else if (anyPlural) {
+        ruleText = defaultPluralRule(tag.value_or(c.language.value_or(u"")));
+        rule = qor_lang::PluralRule::parse(ruleText);
+    }
+    for (const Entry& e : c.entries) {
+        if (!rule || e.forms.empty() || !e.usable(true))
+            continue;
+        if (e.forms.size() != rule->count())
+            out.push_back({e.line, true,
+                           "key " + quoted(e.key) + " has " + std::to_string(e.forms.size()) + " plural forms, the rule \"" +
+                               ruleText + "\" counts " + std::to_string(rule->count())});
+        for (size_t i = 0; i < e.forms.size(); ++i) {
+            if (e.forms[i].empty())
+                out.push_back({e.line, false,
+                               "key " + quoted(e.key) + " form " + std::to_string(i) +
+                                   " is empty; the numbers that take it get the caller's default"});
+        }
+    }
+
+    // Keys no call reaches: qor_lang2::tr takes a key, trc a context and a key; a Qt context kept
+    // as "Name|comment" is a context no program spells.
+    for (const Entry& e : c.entries) {
+        if (!e.usable(true))
+            continue;
+        const auto [context, source] = splitKey(e.key);
+        if (e.key.find(kPluralMark) != std::u16string::npos)
+            out.push_back({e.line, false, "key " + quoted(e.key) + " holds U+0005, which marks plural forms: no call reaches it"});
+        else if (context && context->find(u'|') != std::u16string_view::npos && format != Format::Po)
+            out.push_back({e.line, false,
+                           "key " + quoted(e.key) + " keeps the Qt context \"" + encodeUtf8(context->substr(0, context->find(u'|'))) +
+                               "\": qor_lang2::tr(\"" + encodeUtf8(source).substr(0, 40) +
+                               "\") does not find it (compile a TS file with --qt-context drop)"});
     }
 
     // Reference keys without a translation here.

@@ -38,7 +38,7 @@ const char* const kUsage =
 const std::map<std::string, const char*> kCommandHelp = {
     {"compile",
      "usage: qorlang compile INPUT -o OUTPUT [--app-id ID] [--language TAG] [--author NAME]\n"
-     "                       [--comment TEXT] [--use-fuzzy]\n"
+     "                       [--comment TEXT] [--use-fuzzy] [--qt-context auto|keep|drop]\n"
      "\n"
      "Makes the language file OUTPUT (.qorlang) from INPUT (.po, .xlf, .xliff, .ts, .json, .txt).\n"
      "  --language TAG  the language, language-COUNTRY such as de-DE; by default the input's own\n"
@@ -48,9 +48,16 @@ const std::map<std::string, const char*> kCommandHelp = {
      "  --author NAME   by default the PO \"Last-Translator\"\n"
      "  --comment TEXT  by default the comment lines above a PO header\n"
      "  --use-fuzzy     keep fuzzy (unreviewed) translations, which are left out otherwise\n"
+     "  --qt-context    how a Qt TS <context><name> enters the keys: keep makes the key\n"
+     "                  \"name|comment\", U+0004, source (as lconvert's PO); drop leaves it out;\n"
+     "                  auto (the default) drops it where every source of the context looks like a\n"
+     "                  key (app.title), and lupdate's context qor_lang2 (of qor_lang2::tr calls)\n"
      "Untranslated entries are left out; a key given twice keeps its last text. A gettext\n"
      "context becomes part of the key: context, U+0004, source text. In i18next JSON nested\n"
-     "objects give dotted keys (\"menu\": {\"open\": ...} is menu.open).\n"},
+     "objects give dotted keys (\"menu\": {\"open\": ...} is menu.open), and item_one, item_few,\n"
+     "item_other... one plural entry item, its forms in the CLDR order of the language. A plural\n"
+     "entry keeps every form, and the catalogue's plural rule (PO Plural-Forms) goes along;\n"
+     "qor_lang2::trn picks the form for a number.\n"},
     {"decompile",
      "usage: qorlang decompile INPUT.qorlang -o OUTPUT\n"
      "\n"
@@ -58,13 +65,15 @@ const std::map<std::string, const char*> kCommandHelp = {
      "chooses the format: .po, .xlf/.xliff (XLIFF 1.2), .ts or .json (i18next, flat dotted keys).\n"
      "Compiling OUTPUT again gives the same entries.\n"},
     {"check",
-     "usage: qorlang check FILE... [--reference FILE]\n"
+     "usage: qorlang check FILE... [--reference FILE] [--qt-context auto|keep|drop]\n"
      "\n"
-     "Reports, per file and line, what a translator should fix: placeholders (%s, %1$s, %NAME%,\n"
-     "{name}) that differ from the reference's text of the same key (without a reference, a\n"
-     "c-format entry's own PO or TS source text), reference keys missing here, keys defined\n"
-     "twice, empty texts, a language tag the library rejects, a language file name the library\n"
-     "never looks for. Exits with 1 when there are errors, 0 when there are only warnings.\n"},
+     "Reports, per file and line, what a translator should fix: placeholders that differ from the\n"
+     "reference's text of the same key, or without a reference from the entry's own source text\n"
+     "(printf fields %s, %1$d for a c-format entry; {0}, {name}, {{name}} for the others; each\n"
+     "plural form against the singular or the plural source), plural entries whose count of forms\n"
+     "is not the plural rule's, reference keys missing here, keys defined twice, keys no qor_lang2\n"
+     "call reaches, empty texts, a language tag the library rejects, a language file name the\n"
+     "library never looks for. Exits with 1 when there are errors, 0 when there are only warnings.\n"},
     {"stats",
      "usage: qorlang stats FILE... [--reference FILE]\n"
      "\n"
@@ -85,7 +94,7 @@ struct Arguments {
 bool takesValue(const std::string& option)
 {
     return option == "-o" || option == "--app-id" || option == "--language" || option == "--author" ||
-           option == "--comment" || option == "--reference";
+           option == "--comment" || option == "--reference" || option == "--qt-context";
 }
 
 Arguments parseArguments(const std::string& command, const std::vector<std::string>& args,
@@ -122,6 +131,18 @@ std::optional<std::u16string> optionText(const Arguments& a, const std::string& 
     return text;
 }
 
+QtContext qtContextOption(const Arguments& a)
+{
+    auto it = a.options.find("--qt-context");
+    if (it == a.options.end() || it->second == "auto")
+        return QtContext::Auto;
+    if (it->second == "keep")
+        return QtContext::Keep;
+    if (it->second == "drop")
+        return QtContext::Drop;
+    fail("qorlang", 0, "--qt-context takes auto, keep or drop");
+}
+
 void warn(const std::string& where, int line, const std::string& message)
 {
     std::fprintf(stderr, "%s%s: warning: %s\n", where.c_str(), line ? (":" + std::to_string(line)).c_str() : "", message.c_str());
@@ -129,15 +150,15 @@ void warn(const std::string& where, int line, const std::string& message)
 
 int compile(const std::vector<std::string>& args)
 {
-    const Arguments a = parseArguments("compile", args,
-                                       {"-o", "--app-id", "--language", "--author", "--comment", "--use-fuzzy"});
+    const Arguments a = parseArguments("compile", args, {"-o", "--app-id", "--language", "--author", "--comment",
+                                                         "--use-fuzzy", "--qt-context"});
     if (a.files.size() != 1 || !a.options.count("-o"))
         fail("qorlang compile", 0, "needs one INPUT and -o OUTPUT (see qorlang compile --help)");
     const std::string& input = a.files[0];
     const std::string& output = a.options.at("-o");
     if (formatOf(output) != Format::Qorlang)
         fail(output, 0, "the output of compile is a language file, its name ends in .qorlang");
-    Catalogue c = readCatalogue(input);
+    Catalogue c = readCatalogue(input, qtContextOption(a));
 
     std::u16string tag;
     if (auto given = optionText(a, "--language")) {
@@ -155,6 +176,8 @@ int compile(const std::vector<std::string>& args)
                                         " is not a tag the library accepts (it needs language-COUNTRY, such as de-DE); give one with --language");
     }
     c.language = tag;
+    if (formatOf(input) == Format::Json)
+        joinI18nextPlurals(c, tag);
 
     const std::string outputName = fileNameOf(output);
     if (auto id = optionText(a, "--app-id")) {
@@ -239,12 +262,20 @@ std::string describe(const kore::CException& e) { return e.getDescription()->toU
 
 Inputs readInputs(const std::string& command, const std::vector<std::string>& args)
 {
-    const Arguments a = parseArguments(command, args, {"--reference"});
+    const Arguments a = parseArguments(command, args, {"--reference", "--qt-context"});
+    const QtContext qtContext = qtContextOption(a);
+    // i18next plural keys join into entries by the file's own language, when it names one.
+    auto read = [&](const std::string& path) {
+        Catalogue c = readCatalogue(path, qtContext);
+        if (formatOf(path) == Format::Json)
+            joinI18nextPlurals(c, c.language.value_or(u""));
+        return c;
+    };
     if (a.files.empty())
         fail("qorlang " + command, 0, "needs at least one FILE (see qorlang " + command + " --help)");
     Inputs in;
     if (a.options.count("--reference"))
-        in.reference = readCatalogue(a.options.at("--reference"));
+        in.reference = read(a.options.at("--reference"));
     for (const std::string& path : a.files) {
         Input& file = in.files.emplace_back();
         file.path = path;
@@ -254,7 +285,7 @@ Inputs readInputs(const std::string& command, const std::vector<std::string>& ar
                 file.languageFile.assign(raw.begin(), raw.end());
                 file.catalogue = readQorlang(path, file.languageFile);
             } else {
-                file.catalogue = readCatalogue(path);
+                file.catalogue = read(path);
             }
         } catch (const kore::CException& e) {
             printError(describe(e) + " [error]");

@@ -84,7 +84,7 @@ TEST(Checks, SourceFormatsWithoutReference)
 {
     Catalogue po = catalogue("de.po", {{u"%s of %d", u"%d von %s", 4, false, false, false, true},
                                        {u"%s", u"%d", 5}, // not c-format: not compared
-                                       {u"one file", u"%d Datei", 7, false, false, true, true}, // plural: own rules
+                                       {u"one file", u"%d Datei", 7, false, false, true, true, u"%d files", {u"%d Datei", u"%d Dateien"}},
                                        {u"fuzzy", u"unscharf", 9, true},
                                        {u"untranslated", u"", 11}},
                              u"de");
