@@ -39,7 +39,7 @@ std::string writeJson(const Catalogue& catalogue);
 // Joins i18next's plural keys ("item_one", "item_few", "item_other") into plural entries ("item")
 // whose forms follow `tag`'s CLDR categories; a missing category is an empty form, a category the
 // language's whole numbers never take stays a key of its own. A group needs the language's last
-// category and one more (only the last where the language has a single form).
+// category and another of its categories (only the last where the language has a single form).
 void joinI18nextPlurals(Catalogue& catalogue, std::u16string_view tag);
 Catalogue readText(const std::string& path, const std::string& bytes);
 // A language file: every string entry in file order, the descriptive data.

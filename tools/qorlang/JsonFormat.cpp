@@ -17,6 +17,7 @@
 #include "framework/CVariantMap.h"
 #include "framework/Cast.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <map>
 
@@ -233,8 +234,11 @@ void joinI18nextPlurals(Catalogue& c, std::u16string_view tag)
     std::map<size_t, Entry> plurals; // by the position of the group's first entry
     for (const auto& [base, members] : groups) {
         // A group holds the language's last form (i18next's fallback for every count), and a
-        // second one unless the language has only that one: "show_other" alone stays a key.
-        if (!members.count(categories.back()) || (members.size() == 1 && categories.size() > 1))
+        // second one of the language unless it has only that one: "show_other" alone stays a key.
+        const auto own = std::count_if(categories.begin(), categories.end(), [&](const std::string& category) {
+            return members.count(category) != 0;
+        });
+        if (!members.count(categories.back()) || (own < 2 && categories.size() > 1))
             continue;
         Entry entry;
         entry.key = base;

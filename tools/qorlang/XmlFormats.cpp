@@ -224,8 +224,8 @@ constexpr std::u16string_view kTrContext = u"qor_lang2";
 // looks like a key ("app.title") is a grouping, not part of the key tr is called with.
 QtContext qtContextFor(const std::string& path, const XMLElement* context, const std::u16string& name, QtContext mode)
 {
-    if (mode != QtContext::Auto || name.empty())
-        return mode;
+    if (mode != QtContext::Auto || name.empty() || name == kTrContext)
+        return mode == QtContext::Auto ? QtContext::Drop : mode;
     bool any = false;
     for (const XMLElement* m = context->FirstChildElement("message"); m; m = m->NextSiblingElement("message")) {
         if (!looksLikeKey(textOf(path, m->FirstChildElement("source"))))

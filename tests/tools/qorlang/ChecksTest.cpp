@@ -3,6 +3,7 @@
 // would not accept.
 #include "Checks.h"
 #include "Formats.h"
+#include "Unicode.h"
 
 #include <gtest/gtest.h>
 
@@ -137,4 +138,52 @@ TEST(Checks, TagsAndFileNames)
     EXPECT_EQ(languageFileName(u"app", u"de-DE"), u"app-de-DE.qorlang");
     EXPECT_EQ(languageFileName(u"app-", u"de-DE"), u"app-de-DE.qorlang");
     EXPECT_EQ(languageFileName(u"a---", u"de-DE"), u"a--de-DE.qorlang");
+}
+
+TEST(Checks, PluralFormsPlaceholdersAndUnreachableKeys)
+{
+    const std::u16string ru = u"nplurals=3; plural=(n%10==1 && n%100!=11 ? 0 : n%10>=2 && n%10<=4 && (n%100<10 || n%100>=20) ? 1 : 2);";
+    auto plural = [](int line, std::vector<std::u16string> forms) {
+        return Entry{u"%d file " + std::u16string(1, char16_t(u'0' + line)), forms.front(), line, false, false, true, true,
+                     u"%d files", std::move(forms)};
+    };
+    struct Case {
+        const char* path;
+        std::optional<std::u16string> rule;
+        std::u16string language;
+        std::vector<Entry> entries;
+        std::vector<std::string> expected;
+    };
+    const Case cases[] = {
+        // Each form against either source; the count against the catalogue's rule.
+        {"ru.po", ru, u"ru-RU",
+         {plural(2, {u"%d файл", u"%d файла", u"%s файлов"}), plural(3, {u"%d файл", u"%d файла"}),
+          plural(4, {u"%d файл", u"", u"%d файлов"})},
+         {"2 E key \"%d file 2\" form 2: placeholders differ from the source texts: missing %1$d, extra %1$s",
+          "3 E key \"%d file 3\" has 2 plural forms, the rule \"" + encodeUtf8(ru) + "\" counts 3",
+          "4 W key \"%d file 4\" form 1 is empty; the numbers that take it get the caller's default"}},
+        // Not c-format: only {0} and {name} fields count; sources that are keys are not compared.
+        {"de.ts", std::nullopt, u"de-DE",
+         {{u"Hello {0}, {name}", u"Hallo {1}, {name}", 2}, {u"%s of {{count}}", u"%d von {count}", 3},
+          {u"app.title", u"{0}", 4}},
+         {"2 E key \"Hello {0}, {name}\": placeholders differ from the source text: missing {0}, extra {1}"}},
+        // Without a rule of its own the language's CLDR rule counts; a rule the library cannot read.
+        {"ar.po", std::nullopt, u"ar-EG", {plural(2, {u"%d", u"%d"})},
+         {"2 E key \"%d file 2\" has 2 plural forms, the rule \"nplurals=6; plural=(n==0 ? 0 : n==1 ? 1 : n==2 ? 2 : "
+          "n%100>=3 && n%100<=10 ? 3 : n%100>=11 && n%100<=99 ? 4 : 5);\" counts 6"}},
+        {"ja.po", u"nplurals=9; plural=n;", u"ja-JP", {plural(2, {u"%d"})},
+         {"1 E the plural rule \"nplurals=9; plural=n;\" is not one the library reads (nplurals=N; plural=EXPRESSION; "
+          "with N from 1 to 6)"}},
+        // Keys that qor_lang2::tr and trc never spell.
+        {"ja.ts", std::nullopt, u"ja-JP", {{u"MainWindow|\x04" u"Close", u"閉じる", 2}, {u"a\x05" u"b", u"x", 3}},
+         {"2 W key \"MainWindow||Close\" keeps the Qt context \"MainWindow\": qor_lang2::tr(\"Close\") does not find it "
+          "(compile a TS file with --qt-context drop)",
+          "3 W key \"a b\" holds U+0005, which marks plural forms: no call reaches it"}},
+    };
+    for (const Case& c : cases) {
+        Catalogue cat = catalogue(c.path, c.entries, c.language);
+        cat.pluralForms = c.rule;
+        cat.pluralFormsLine = 1;
+        EXPECT_EQ(messages(checkCatalogue(cat, nullptr, nullptr)), c.expected) << c.path;
+    }
 }
