@@ -341,8 +341,7 @@ std::vector<Finding> checkCatalogue(const Catalogue& c, const Catalogue* referen
         else if (context && context->find(u'|') != std::u16string_view::npos && format != Format::Po)
             out.push_back({e.line, false,
                            "key " + quoted(e.key) + " keeps the Qt context \"" + encodeUtf8(context->substr(0, context->find(u'|'))) +
-                               "\": qor_lang2::tr(\"" + encodeUtf8(source).substr(0, 40) +
-                               "\") does not find it (compile a TS file with --qt-context drop)"});
+                               "\": qor_lang2::tr(" + quoted(source) + ") does not find it (compile a TS file with --qt-context drop)"});
     }
 
     // Reference keys without a translation here.

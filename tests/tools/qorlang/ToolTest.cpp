@@ -73,6 +73,7 @@ TEST_F(QorlangTool, FailuresLeaveNoOutputAndSayWhy)
          "de.xml: unknown format (the extension must be .po, .xlf, .xliff, .ts, .json, .txt or .qorlang)\n"},
         {"compile de.po -o no/such/dir/demo-de-DE.qorlang --language de-DE", "no/such/dir/demo-de-DE.qorlang: cannot create the file\n"},
         {"compile de.po --frobnicate", "qorlang compile: unknown option --frobnicate (see qorlang compile --help)\n"},
+        {"compile de.po -o demo-de-DE.qorlang --qt-context maybe", "qorlang: --qt-context takes auto, keep or drop\n"},
     };
     for (const auto& [arguments, message] : cases) {
         SCOPED_TRACE(arguments);
@@ -100,6 +101,20 @@ TEST_F(QorlangTool, CheckExitsNonZeroOnErrorsOnly)
     EXPECT_EQ(stats.output, "file       entries translated  fuzzy  missing  percent\n"
                             "de-DE.txt        1          1      0        1    50.0%\n"
                             "fr-FR.txt        2          2      0        0   100.0%\n");
+}
+
+TEST_F(QorlangTool, I18nextPluralsJoinByTheLanguageGivenToCompile)
+{
+    // Without the language the keys read as English's: "_few" and "_many" are no forms there.
+    write("ru.json", R"({"n_one": "%d файл", "n_few": "%d файла", "n_many": "%d файлов", "n_other": "%d файла"})");
+    const Result check = run("check ru.json");
+    EXPECT_NE(check.output.find("warning: the file names no language"), std::string::npos) << check.output;
+    ASSERT_EQ(run("compile ru.json -o app-ru-RU.qorlang --language ru-RU").status, 0);
+    ASSERT_EQ(run("decompile app-ru-RU.qorlang -o back.po").status, 0);
+    const std::string po = m_folder.readFile("back.po");
+    EXPECT_NE(po.find("msgid \"n\"\nmsgid_plural \"n\"\nmsgstr[0] \"%d файл\"\nmsgstr[1] \"%d файла\"\nmsgstr[2] \"%d файлов\"\n"),
+              std::string::npos) << po;
+    EXPECT_NE(po.find("msgid \"n_other\"\nmsgstr \"%d файла\"\n"), std::string::npos) << po;
 }
 
 TEST_F(QorlangTool, EveryCommandHasHelp)
