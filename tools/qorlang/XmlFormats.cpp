@@ -554,6 +554,9 @@ Catalogue readTs(const std::string& path, const std::string& bytes, QtContext co
         c.language = *language;
         c.languageLine = root->GetLineNum();
     }
+    // A TS file decompiled by this tool spells its keys out: a name it wrote is part of a key.
+    if (contextMode == QtContext::Auto && root->FirstChildElement("extra-qorlang-application"))
+        contextMode = QtContext::Keep;
     for (const XMLElement* e = root->FirstChildElement(); e; e = e->NextSiblingElement()) {
         const std::string_view name = e->Name();
         if (name.rfind("extra-qorlang-", 0) == 0)

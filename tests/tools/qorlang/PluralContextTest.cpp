@@ -225,6 +225,10 @@ TEST(QtContext, NamesEnterTheKeysAsChosen)
         std::sort(expected.begin(), expected.end());
         EXPECT_EQ(keys, expected) << int(mode);
     }
+    // A TS file the tool wrote compiles to the keys it was written from.
+    Catalogue kept = describedCatalogue("ja.ts");
+    kept.entries = readTs("ja.ts", ts, QtContext::Keep).entries;
+    EXPECT_EQ(pairsOf(readTs("again.ts", writeTs(kept))), pairsOf(kept));
     for (const auto& [source, key] : std::initializer_list<std::pair<std::u16string_view, bool>>{
              {u"app.title", true}, {u"menu.file-open_2", true}, {u"a.b.c", true}, {u"title", false}, {u"Open file", false},
              {u"e.g. this", false}, {u"end.", false}, {u".start", false}, {u"a..b", false}, {u"", false}})
