@@ -64,17 +64,22 @@ QOR_LANG2_API int32_t QOR_LANG2_addEx(const QOR_LANG2_CHAR* folderUri, const QOR
  * changed on disk). Handles stay valid. Returns 0, or -1 on failure. */
 QOR_LANG2_API int32_t QOR_LANG2_reload(void);
 
-/* Makes `tag` the current language of the process and loads its strings from every registered
- * folder that has a file for it. Returns 0, or 20 when the tag is not a valid language-COUNTRY
- * tag ("de" alone, "de-DE-x", "", null); then nothing changes. */
+/* Makes `tag` the current language of the process and loads its strings: for each registered
+ * application id the file <id>-<tag>.qorlang, else a file of the same language with another
+ * country (the language's own country, "de-DE" for "de-AT", "en-US" for English, else the first
+ * such tag in alphabetical order), else none. Files are chosen by name only. Strings of the
+ * previous language never stay: with no file at all, every look-up answers its default.
+ * QOR_LANG2_getCurrentLanguage answers `tag` whichever file answers. Returns 0, or 20 when the tag
+ * is not a valid language-COUNTRY tag ("de" alone, "de-DE-x", "", null); then nothing changes. */
 QOR_LANG2_API int32_t QOR_LANG2_setCurrentLanguage(const QOR_LANG2_CHAR* tag);
 
 /* The current language's tag; an empty string before any successful QOR_LANG2_setCurrentLanguage.
  * Caller frees. Null only when memory runs out. */
 QOR_LANG2_API QOR_LANG2_CHAR* QOR_LANG2_getCurrentLanguage(void);
 
-/* Number of language files in the folder registered for `appId`; 0 for an id never added (or
- * null). */
+/* Number of language files in the folder registered for `appId`: files named <appId>*.qorlang,
+ * less those whose stored application id is another one ("myapp-tools-fr-FR.qorlang" is not a
+ * language of "myapp"); 0 for an id never added (or null). */
 QOR_LANG2_API int32_t QOR_LANG2_getLanguageCount(const QOR_LANG2_CHAR* appId);
 
 /* The tag of the index-th language file of `appId` (folder order). Caller frees. Null for an
@@ -98,7 +103,11 @@ QOR_LANG2_API QOR_LANG2_CHAR* QOR_LANG2_findLocalizedFile(const QOR_LANG2_CHAR* 
 
 /* The text of `key` in the current language, or a copy of `defaultText` when no loaded file
  * gives the key a non-empty text. Caller frees. A null key answers the default; a null default
- * reads as "". Null only when memory runs out. */
+ * reads as "". Null only when memory runs out.
+ * Keys with context are context + U+0004 + key. A plural form is asked for with
+ * key + U+0005 + the count in decimal digits ("file\x05" "21"): the answer is the form the file's
+ * plural rule gives the count, or the default when the file has no such entry or form (pass
+ * key for a count of 1 and the plural text otherwise to answer as gettext's ngettext does). */
 QOR_LANG2_API QOR_LANG2_CHAR* QOR_LANG2_getLocalString(const QOR_LANG2_CHAR* key,
                                                        const QOR_LANG2_CHAR* defaultText);
 

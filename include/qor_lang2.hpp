@@ -13,6 +13,8 @@
  *     qor_lang2::add("/usr/share/myapp/lang", "myapp");
  *     qor_lang2::setCurrentLanguage("de-DE");
  *     std::string title = qor_lang2::tr("app.title", "My application");
+ *     std::string files = qor_lang2::format(qor_lang2::trn("{0} file", "{0} files", n), n);
+ *     std::string open  = qor_lang2::trc("menu", "Open", "Open");
  */
 #ifndef QOR_LANG2_HPP
 #define QOR_LANG2_HPP
@@ -21,7 +23,9 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <locale>
 #include <new>
+#include <sstream>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -297,6 +301,156 @@ inline std::u16string tr(std::u16string_view key, std::u16string_view defaultTex
 inline std::string tr(std::string_view key, std::string_view defaultText)
 {
     return detail::required(QOR_LANG2_getLocalString(detail::Arg(key).get(), detail::Arg(defaultText).get())).utf8();
+}
+
+/* ---- Plural forms and context. A plural entry of msgid `key` answers the form the current
+ * language's plural rule gives `n`; without one (or without that form), `key` answers for n == 1
+ * and `pluralKey` otherwise, as gettext's ngettext does. A context is spelt as gettext's pgettext
+ * spells it: context + U+0004 + key. ---- */
+
+namespace detail {
+
+// key + U+0005 + decimal(n): the library reads this as "the form of entry key + U+0005 for n".
+template <typename S>
+S countedKey(S key, unsigned long n)
+{
+    key.push_back(typename S::value_type(5));
+    const std::string digits = std::to_string(n);
+    key.append(digits.begin(), digits.end());
+    return key;
+}
+
+template <typename S, typename V>
+S contextKey(V context, V key)
+{
+    S out(context.begin(), context.end());
+    out.push_back(typename S::value_type(4));
+    out.append(key.begin(), key.end());
+    return out;
+}
+
+template <typename S, typename V>
+S plural(S key, V singular, V pluralKey, unsigned long n)
+{
+    const V fallback = n == 1 ? singular : pluralKey;
+    return tr(V(countedKey(std::move(key), n)), fallback);
+}
+
+} // namespace detail
+
+inline std::u16string trn(std::u16string_view key, std::u16string_view pluralKey, unsigned long n)
+{
+    return detail::plural(std::u16string(key), key, pluralKey, n);
+}
+inline std::string trn(std::string_view key, std::string_view pluralKey, unsigned long n)
+{
+    return detail::plural(std::string(key), key, pluralKey, n);
+}
+
+inline std::u16string trc(std::u16string_view context, std::u16string_view key, std::u16string_view defaultText)
+{
+    return tr(detail::contextKey<std::u16string>(context, key), defaultText);
+}
+inline std::string trc(std::string_view context, std::string_view key, std::string_view defaultText)
+{
+    return tr(detail::contextKey<std::string>(context, key), defaultText);
+}
+
+inline std::u16string trnc(std::u16string_view context, std::u16string_view key, std::u16string_view pluralKey,
+                           unsigned long n)
+{
+    return detail::plural(detail::contextKey<std::u16string>(context, key), key, pluralKey, n);
+}
+inline std::string trnc(std::string_view context, std::string_view key, std::string_view pluralKey, unsigned long n)
+{
+    return detail::plural(detail::contextKey<std::string>(context, key), key, pluralKey, n);
+}
+
+/* ---- Arguments. format(text, args...) puts argument i where text has {i}, so a translation may
+ * reorder them ("{1} von {0}"). "{{" and "}}" stand for a brace. Anything else - "{x}", "{5}"
+ * with fewer arguments, a lone brace - is left as written, so a faulty translation shows its
+ * mistake instead of losing text. Arguments are text (in either kind, converted to the kind of
+ * `text`) or anything an std::ostream prints, printed in the classic "C" locale. ---- */
+
+namespace detail {
+
+template <typename S>
+S asText(std::u16string_view arg)
+{
+    if constexpr (std::is_same_v<S, std::u16string>)
+        return S(arg);
+    else
+        return toUtf8(arg);
+}
+template <typename S>
+S asText(std::string_view arg)
+{
+    if constexpr (std::is_same_v<S, std::string>)
+        return S(arg);
+    else
+        return toUtf16(arg);
+}
+template <typename S, typename T>
+S asText(const T& arg)
+{
+    if constexpr (std::is_convertible_v<const T&, std::string_view>)
+        return asText<S>(std::string_view(arg));
+    else if constexpr (std::is_convertible_v<const T&, std::u16string_view>)
+        return asText<S>(std::u16string_view(arg));
+    else {
+        std::ostringstream out;
+        out.imbue(std::locale::classic());
+        out << arg;
+        return asText<S>(std::string_view(out.str()));
+    }
+}
+
+template <typename C>
+std::basic_string<C> substitute(std::basic_string_view<C> text, const std::basic_string<C>* args, std::size_t count)
+{
+    std::basic_string<C> out;
+    out.reserve(text.size());
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const C c = text[i];
+        if ((c == C('{') || c == C('}')) && i + 1 < text.size() && text[i + 1] == c) {
+            out.push_back(c); // "{{" or "}}"
+            ++i;
+            continue;
+        }
+        if (c == C('{')) {
+            // {digits}: at most nine of them, so that the number always fits
+            std::size_t end = i + 1, index = 0;
+            while (end < text.size() && end - i <= 9 && text[end] >= C('0') && text[end] <= C('9'))
+                index = index * 10 + static_cast<std::size_t>(text[end++] - C('0'));
+            if (end > i + 1 && end < text.size() && text[end] == C('}') && index < count) {
+                out += args[index];
+                i = end;
+                continue;
+            }
+        }
+        out.push_back(c);
+    }
+    return out;
+}
+
+template <typename C, typename... Args>
+std::basic_string<C> format(std::basic_string_view<C> text, const Args&... args)
+{
+    const std::basic_string<C> texts[sizeof...(Args) + 1] = {asText<std::basic_string<C>>(args)...};
+    return substitute(text, texts, sizeof...(Args));
+}
+
+} // namespace detail
+
+template <typename... Args>
+std::u16string format(std::u16string_view text, const Args&... args)
+{
+    return detail::format(text, args...);
+}
+template <typename... Args>
+std::string format(std::string_view text, const Args&... args)
+{
+    return detail::format(text, args...);
 }
 
 } // namespace qor_lang2

@@ -6,11 +6,12 @@ iso-codes changes; --check regenerates in memory and fails if the checked-in fil
 """
 
 import argparse
-import difflib
 import json
 import os
 import sys
 import unicodedata
+
+import generated_source
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 DEFAULT_ISO_CODES_DIR = "/usr/share/iso-codes/json"
@@ -131,28 +132,8 @@ def main():
         print("cannot read the iso-codes data in %s: %s" % (args.iso_codes, error), file=sys.stderr)
         return 2
     text = render(languages, countries)
-    output = os.path.normpath(args.output)
-
-    if args.check:
-        try:
-            with open(output, encoding="ascii", newline="") as f:
-                current = f.read()
-        except (OSError, UnicodeDecodeError) as error:
-            print("cannot read %s: %s" % (output, error), file=sys.stderr)
-            return 1
-        if current != text:
-            print("%s is out of date; run tools/gen_language_tables.py" % output, file=sys.stderr)
-            diff = difflib.unified_diff(current.splitlines(), text.splitlines(), "checked in", "generated", lineterm="")
-            for line in list(diff)[:40]:
-                print(line, file=sys.stderr)
-            return 1
-        print("%s is up to date (%d languages, %d countries)" % (output, len(languages), len(countries)))
-        return 0
-
-    with open(output, "w", encoding="ascii", newline="\n") as f:
-        f.write(text)
-    print("wrote %s (%d languages, %d countries)" % (output, len(languages), len(countries)))
-    return 0
+    return generated_source.check_or_write(args.output, text, args.check, "tools/gen_language_tables.py",
+                                           "%d languages, %d countries" % (len(languages), len(countries)))
 
 
 if __name__ == "__main__":

@@ -15,12 +15,13 @@ fails if the checked-in file differs.
 """
 
 import argparse
-import difflib
 import functools
 import os
 import re
 import sys
 import xml.etree.ElementTree as ElementTree
+
+import generated_source
 
 HERE = os.path.dirname(os.path.abspath(__file__))
 DEFAULT_PLURALS_XML = "/usr/share/unicode/cldr/common/supplemental/plurals.xml"
@@ -234,31 +235,11 @@ def main():
     except (OSError, ElementTree.ParseError, RuleError, ValueError) as error:
         print("cannot read the CLDR plural rules in %s: %s" % (args.plurals, error), file=sys.stderr)
         return 2
-    outputs = [(os.path.normpath(args.output), render(rows)),
-               (os.path.normpath(args.categories_output), render_categories(rows))]
-
-    if args.check:
-        for output, text in outputs:
-            try:
-                with open(output, encoding="ascii", newline="") as f:
-                    current = f.read()
-            except (OSError, UnicodeDecodeError) as error:
-                print("cannot read %s: %s" % (output, error), file=sys.stderr)
-                return 1
-            if current != text:
-                print("%s is out of date; run tools/gen_plural_rules.py" % output, file=sys.stderr)
-                diff = difflib.unified_diff(current.splitlines(), text.splitlines(), "checked in", "generated", lineterm="")
-                for line in list(diff)[:40]:
-                    print(line, file=sys.stderr)
-                return 1
-            print("%s is up to date (%d languages)" % (output, len(rows)))
-        return 0
-
-    for output, text in outputs:
-        with open(output, "w", encoding="ascii", newline="\n") as f:
-            f.write(text)
-        print("wrote %s (%d languages, %d distinct rules)" % (output, len(rows), len(set(r for _, (r, _) in rows))))
-    return 0
+    summary = "%d languages, %d distinct rules" % (len(rows), len(set(rule for _, (rule, _) in rows)))
+    status = 0
+    for output, text in ((args.output, render(rows)), (args.categories_output, render_categories(rows))):
+        status = status or generated_source.check_or_write(output, text, args.check, "tools/gen_plural_rules.py", summary)
+    return status
 
 
 if __name__ == "__main__":

@@ -46,17 +46,32 @@ struct CStringLocalizer::CContent {
 
     // The first table that holds the key decides: its text, or a miss when that text is empty
     // (a later text replaces an earlier one even when it is empty).
-    bool find(const void* key, uint32_t units, uint64_t hash, CTextTable::Text& text) const noexcept
+    bool find(const void* key, uint32_t units, uint64_t hash, CTextTable::Text& text,
+              const CTextTable** holder = nullptr) const noexcept
     {
         for (const auto* tables : {&set, &language}) {
             for (const P<CTextTable>& table : *tables) {
-                if (table->find(key, units, hash, text))
+                if (table->find(key, units, hash, text)) {
+                    if (holder)
+                        *holder = table.get();
                     return text.units != 0;
+                }
             }
         }
         return false;
     }
 };
+
+namespace {
+
+std::atomic<CStringLocalizer::MissResolver> g_missResolver{nullptr};
+
+} // namespace
+
+void CStringLocalizer::setMissResolver(MissResolver resolver) noexcept
+{
+    g_missResolver.store(resolver);
+}
 
 P<IStringLocalizer>& CStringLocalizer::instance()
 {
@@ -167,6 +182,14 @@ char16_t* CStringLocalizer::copyString(const char16_t* key, const char16_t* defa
         key = u"";
     if (!defaultText)
         defaultText = u"";
+    struct CContentLookup final : CLookup {
+        explicit CContentLookup(const CContent& content) : content(content) {}
+        bool find(const char16_t* k, uint32_t n, CTextTable::Text& text, const CTextTable** table) const noexcept override
+        {
+            return content.find(k, n, CTextTable::hash(k, n), text, table);
+        }
+        const CContent& content;
+    };
     uint32_t units = 0;
     const uint64_t hash = CTextTable::hashTerminated(key, units);
     {
@@ -175,6 +198,10 @@ char16_t* CStringLocalizer::copyString(const char16_t* key, const char16_t* defa
         CTextTable::Text text;
         if (content.find(key, units, hash, text))
             return copy(text.bytes, text.units);
+        char16_t* answer = nullptr;
+        if (MissResolver resolve = g_missResolver.load(std::memory_order_relaxed);
+            resolve && resolve(key, units, defaultText, CContentLookup(content), copy, answer))
+            return answer;
         if (content.fallback)
             return copyUTF16(*content.fallback->getString(CStringArg(key, units), CStringArg(defaultText)), copy);
     }

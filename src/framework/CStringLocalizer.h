@@ -25,6 +25,25 @@ public:
     // The process-wide localizer, created empty on first use.
     static P<IStringLocalizer>& instance();
 
+    // What a miss resolver may read: the content in which the key was missed, so that whatever it
+    // answers belongs to the same language. `table` receives the table that holds the key.
+    class CLookup {
+    public:
+        virtual bool find(const char16_t* key, uint32_t units, CTextTable::Text& text,
+                          const CTextTable** table) const noexcept = 0;
+
+    protected:
+        ~CLookup() = default;
+    };
+    // Answers a key that no table holds but that names a text of theirs in another way (a plural
+    // form: the key carries the count). Returns false to leave the key to the fallback and the
+    // default; true with `answer` made by `copy` (null when out of memory) when it answers.
+    using MissResolver = bool (*)(const char16_t* key, uint32_t units, const char16_t* defaultText,
+                                  const CLookup& lookup, TextCopier copy, char16_t*& answer);
+    // One resolver for the process (the language layer's); copyString asks it only on a miss, so a
+    // hit costs nothing more.
+    static void setMissResolver(MissResolver resolver) noexcept;
+
     CStringLocalizer();
     ~CStringLocalizer() override;
     CStringLocalizer(const CStringLocalizer&) = delete;

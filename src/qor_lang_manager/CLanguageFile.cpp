@@ -1,5 +1,7 @@
 #include "qor_lang_manager/CLanguageFile.h"
 
+#include "qor_lang_manager/PluralLookup.h"
+
 #include "chunk_file/CChunkFile.h"
 #include "chunk_file/CKoreFileStream.h"
 #include "chunk_file/TChunkRef.h"
@@ -169,9 +171,9 @@ auto withStringTable(chf::IStream& stream, const kore::IURI* source, const F& re
 {
     const int64_t fileLength = stream.getLength();
     chf::TChunkRef<chf::CChunkFile> file = openContainer(stream);
-    CDocumentReader(*file, fileLength, source).read();
+    const LanguageDocument doc = CDocumentReader(*file, fileLength, source).read();
     CStringTableReader reader(stream, *file, fileLength);
-    return read(reader);
+    return read(reader, doc);
 }
 
 } // namespace
@@ -184,13 +186,17 @@ kore::P<kore::CTextTable> CLanguageFile::readTexts() const
 
 kore::P<kore::CTextTable> CLanguageFile::readTexts(chf::IStream& stream, const kore::IURI* source)
 {
-    return withStringTable(stream, source, [](CStringTableReader& reader) { return reader.readTexts(); });
+    return withStringTable(stream, source, [](CStringTableReader& reader, const LanguageDocument& doc) {
+        const auto own = doc.extra.find(std::u16string(kPluralFormsExtra));
+        return reader.readTexts(pluralRuleText(own == doc.extra.end() ? std::nullopt : std::optional(own->second),
+                                               doc.tag.value_or(u"")));
+    });
 }
 
 void CLanguageFile::readEntries(chf::IStream& stream, const kore::IURI* source,
                                 const std::function<void(const std::u16string&, const std::u16string&)>& visit)
 {
-    withStringTable(stream, source, [&](CStringTableReader& reader) {
+    withStringTable(stream, source, [&](CStringTableReader& reader, const LanguageDocument&) {
         reader.readEntries(visit);
         return 0;
     });
@@ -200,7 +206,7 @@ void CLanguageFile::readEntries(
     chf::IStream& stream, const kore::IURI* source,
     const std::function<void(const std::u16string&, const std::u16string&, const std::u16string&)>& visit)
 {
-    withStringTable(stream, source, [&](CStringTableReader& reader) {
+    withStringTable(stream, source, [&](CStringTableReader& reader, const LanguageDocument&) {
         reader.readEntries(visit);
         return 0;
     });

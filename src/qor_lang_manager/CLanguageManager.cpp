@@ -11,6 +11,7 @@
 #include "framework/IFileEnum.h"
 #include "framework/IFileSystemManager.h"
 #include "framework/Trace.h"
+#include "qor_lang_manager/PluralLookup.h"
 
 #include <algorithm>
 
@@ -60,21 +61,34 @@ void CLanguageManager::reload()
 
 bool CLanguageManager::setCurrentLanguage(const LanguageId& language)
 {
-    const std::u16string tag = language.getTag();
-    kore::CLogManager::instance()->log(kInfoLevel, kLogModule,
-                                       *kore::formatString("Setting Language: %s", tag.c_str()), 0,
-                                       -1);
     m_current = language;
-    // Every pack reads its file first. Texts of the previous language must not show through keys
-    // the new one lacks, so the new texts (a later pack's text of a key answering before an
-    // earlier one's) replace the localizer's whole content in one step, and a look-up meanwhile
-    // sees the old or the new text. When no folder has a readable file for the language, the
-    // current texts stay.
-    std::vector<P<kore::CTextTable>> texts;
-    for (auto& [id, pack] : m_packs)
-        pack->setLanguage(tag.c_str(), texts);
-    if (!texts.empty())
+    installPluralLookup();
+    // Every pack reads its file first, or else the file of its fallback (same language, another
+    // country). Texts of the previous language must never show, so the new texts (a later pack's
+    // text of a key answering before an earlier one's) replace the localizer's whole content in one
+    // step, even when there are none; a look-up meanwhile sees the old or the new text.
+    std::u16string tag;
+    try {
+        tag = language.getTag();
+        kore::CLogManager::instance()->log(kInfoLevel, kLogModule,
+                                           *kore::formatString("Setting Language: %s", tag.c_str()), 0, -1);
+        std::vector<P<kore::CTextTable>> texts;
+        for (auto& [id, pack] : m_packs) {
+            if (pack->setLanguage(tag.c_str(), texts))
+                continue;
+            const std::u16string fallback = pack->fallbackTag(language);
+            if (!fallback.empty())
+                pack->setLanguage(fallback.c_str(), texts);
+        }
         kore::CStringLocalizer::instance()->setTexts(texts);
+    } catch (...) {
+        // Out of memory midway: better no texts than the previous language's, if even that can be had.
+        try {
+            kore::CStringLocalizer::instance()->setTexts({});
+        } catch (...) {
+        }
+        throw;
+    }
     if (kore::isTraceEnabled())
         kore::debugTrace("CLanguageManager.cpp", kTraceLine, tag.c_str());
     // A copy: a listener may remove itself while being told.

@@ -34,10 +34,15 @@ public:
     void add(kore::P<kore::IURI> folder, const kore::CStringArg& appId);
     // Makes every pack forget its files.
     void reload();
-    // Logs the change, stores the language, has every pack read its file for it and, when at
-    // least one could, makes their texts the string localizer's whole content (of two packs with
-    // one key, the later in map order answers); then traces and tells the listeners. The caller
-    // has checked that the id is valid.
+    // Logs the change, stores the language, has every pack read its file for it and makes their
+    // texts the string localizer's whole content (of two packs with one key, the later in map order
+    // answers); then traces and tells the listeners. The caller has checked that the id is valid.
+    //
+    // Each pack's file is chosen by name along a fixed chain: the exact tag (A-de-AT.qorlang),
+    // else a file of the same language with another country (CLanguagePack::fallbackTag: the
+    // language's own country, de-DE, else the first tag in order), else none. A pack with neither
+    // contributes no texts, and when no pack has any, every look-up answers the caller's default:
+    // texts of the previous language never stay. getCurrentLanguage answers `language` all the same.
     bool setCurrentLanguage(const LanguageId& language);
     LanguageId getCurrentLanguage() const { return m_current; }
     int32_t getLanguageCount(const kore::CStringArg& appId);

@@ -1,5 +1,7 @@
 #include "qor_lang_manager/CLanguagePack.h"
 
+#include "qor_lang_manager/CLanguageManager.h"
+
 #include "chunk_file/CKoreFileStream.h"
 #include "chunk_file/TChunkRef.h"
 #include "framework/CException.h"
@@ -19,7 +21,20 @@ using kore::P;
 
 namespace {
 constexpr int32_t kErrorLevel = 3;
+
+// The country a language is most at home in, as far as codes tell: "de" -> "de-DE"; English's is
+// the library's own second choice, "en-US".
+std::u16string ownCountryTag(const std::u16string& code)
+{
+    std::u16string tag = code + u"-";
+    const std::u16string second = CLanguageManager::kFallbackLanguage.getTag();
+    if (second.compare(0, tag.size(), tag) == 0)
+        return second;
+    for (char16_t c : code)
+        tag += (c >= u'a' && c <= u'z') ? static_cast<char16_t>(c - u'a' + u'A') : c;
+    return tag;
 }
+} // namespace
 
 CLanguagePack::CLanguagePack(P<kore::IURI> folder, const kore::CStringArg& appId)
     : m_folder(std::move(folder)), m_appId(kore::keepText(appId))
@@ -40,6 +55,15 @@ void CLanguagePack::reportLoadError(const kore::IString& name, const kore::IStri
         log->log(kErrorLevel, kLogModule, *kore::formatString("'%s': %s", name, *cause), 0, -1);
 }
 
+bool CLanguagePack::belongsToAnotherApp(const CLanguageFile& file) const
+{
+    // "A*.qorlang" also matches the files of "A-tools" or "Ab"; their "apid" chunk tells them
+    // apart. Letter case does not count, as it does not in file names on Windows. A file without
+    // the chunk stays listed.
+    P<kore::IString> id = file.getAppId();
+    return id->getLength() != 0 && id->compareString(*m_appId, true, kore::IString::kUnknown, false) != 0;
+}
+
 void CLanguagePack::scanIfEmpty()
 {
     if (!m_files.empty())
@@ -56,7 +80,10 @@ void CLanguagePack::scanIfEmpty()
         if (entry->isFolder())
             continue;
         try {
-            m_files.push_back(kore::make<CLanguageFile>(*entry->getURI()));
+            P<CLanguageFile> file = kore::make<CLanguageFile>(*entry->getURI());
+            if (belongsToAnotherApp(*file))
+                continue;
+            m_files.push_back(std::move(file));
         } catch (const kore::CException& e) {
             reportLoadError(*entry->getName(), e.getDescription().get());
         } catch (...) {
@@ -108,6 +135,45 @@ int32_t CLanguagePack::setLanguage(const kore::CStringArg& tag, std::vector<P<ko
         reportLoadError(*name, nullptr);
     }
     return 0;
+}
+
+std::u16string CLanguagePack::fallbackTag(const LanguageId& language) const
+{
+    const std::u16string tag = language.getTag();
+    const std::size_t dash = tag.find(u'-');
+    if (!language.hasLanguage() || dash == std::u16string::npos)
+        return {};
+    const std::u16string code = tag.substr(0, dash);
+    std::u16string own = ownCountryTag(code);
+    P<kore::IFileEnum> entries;
+    try {
+        entries = kore::IFileSystemManager::instance()->enumerate(*m_folder, *fileName(*m_appId, (code + u"-*").c_str()));
+    } catch (const kore::CFileNotFoundError&) {
+        return {};
+    }
+    std::u16string best;
+    while (entries->hasNext()) {
+        P<kore::IFileEntry> entry = entries->next();
+        if (entry->isFolder())
+            continue;
+        // The name's last part before ".qorlang" is the country; the name must be exactly the one
+        // the exact load would compose for that tag, so "A-de-x-AT" or "A-de-at" never count.
+        const std::u16string name = entry->getName()->toU16();
+        constexpr std::u16string_view kExtension = u".qorlang";
+        if (name.size() <= kExtension.size())
+            continue;
+        const std::u16string stem = name.substr(0, name.size() - kExtension.size());
+        const std::u16string candidate = code + stem.substr(stem.rfind(u'-'));
+        const LanguageId id(candidate.c_str(), LanguageTagMode::Tag);
+        if (!id.isValid() || id.getTag() != candidate || candidate == tag ||
+            fileName(*m_appId, candidate.c_str())->toU16() != name)
+            continue;
+        if (candidate == own)
+            return candidate;
+        if (best.empty() || candidate < best)
+            best = candidate;
+    }
+    return best;
 }
 
 } // namespace qor_lang

@@ -12,6 +12,7 @@
 #include "qor_lang_manager/CLanguageFile.h"
 #include "qor_lang_manager/LanguageId.h"
 
+#include <string>
 #include <vector>
 
 namespace qor_lang {
@@ -33,6 +34,11 @@ public:
     // be read is reported to the log with its cause). The manager hands the texts of every pack
     // to the string localizer in one step.
     int32_t setLanguage(const kore::CStringArg& tag, std::vector<kore::P<kore::CTextTable>>& texts);
+    // The tag of the file that stands in for `language` when the folder has none of its own: a file
+    // of the same language with another country, found by its name (never by the tag inside it).
+    // Of several, the one whose country is the language's own (de-DE, fr-FR; en-US for English),
+    // else the first tag in code-unit order. Empty when there is none.
+    std::u16string fallbackTag(const LanguageId& language) const;
 
     // The file name of `appId` for `tag`: appId + "-" + tag + ".qorlang", then every "--"
     // replaced by "-" in one pass.
@@ -44,6 +50,7 @@ public:
 private:
     kore::P<kore::IURI> languageFileURI(const kore::IString& name) const;
     void scanIfEmpty();
+    bool belongsToAnotherApp(const CLanguageFile& file) const;
     // "error while loading '<name>'", and the cause in a second record when there is one.
     static void reportLoadError(const kore::IString& name, const kore::IString* cause);
 

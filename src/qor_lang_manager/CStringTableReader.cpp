@@ -1,5 +1,7 @@
 #include "qor_lang_manager/CStringTableReader.h"
 
+#include "qor_lang_manager/PluralLookup.h"
+
 #include "chunk_file/CChunkIterator.h"
 #include "chunk_file/TChunkRef.h"
 #include "framework/CError.h"
@@ -227,11 +229,21 @@ CTextTable::CBuilder CStringTableReader::readLastChunk(const Visit& visit)
     return readChunk(chunks.back(), buckets, visit);
 }
 
-kore::P<CTextTable> CStringTableReader::readTexts()
+kore::P<CTextTable> CStringTableReader::readTexts(std::u16string_view pluralRule)
 {
-    return readLastChunk([](CTextTable::CBuilder& table, CTextTable::Span key, CTextTable::Span text,
-                            uint64_t rank, CTextTable::Span) { table.add(key, text, rank); })
-        .build();
+    bool plural = false;
+    CTextTable::CBuilder table = readLastChunk([&](CTextTable::CBuilder& builder, CTextTable::Span key,
+                                                    CTextTable::Span text, uint64_t rank, CTextTable::Span) {
+        if (key.units != 0) {
+            const uint8_t* last = builder.block() + key.offset + 2 * (key.units - 1);
+            plural = plural || (last[0] == kPluralMark && last[1] == 0);
+        }
+        builder.add(key, text, rank);
+    });
+    if (plural)
+        table.addCopy(kPluralRuleKey.data(), static_cast<uint32_t>(kPluralRuleKey.size()), pluralRule.data(),
+                      static_cast<uint32_t>(pluralRule.size()), UINT64_MAX);
+    return table.build();
 }
 
 void CStringTableReader::readEntries(

@@ -38,8 +38,9 @@ public:
     // `stream` is the file `file` was opened on; `fileLength` its length.
     CStringTableReader(chf::IStream& stream, chf::CChunkFile& file, int64_t fileLength);
 
-    // The texts by key; an empty table when no "STMP" chunk holds a "data" chunk.
-    kore::P<kore::CTextTable> readTexts();
+    // The texts by key; an empty table when no "STMP" chunk holds a "data" chunk. When some key
+    // ends in U+0005 (a plural entry), `pluralRule` goes in too, under kPluralRuleKey.
+    kore::P<kore::CTextTable> readTexts(std::u16string_view pluralRule = {});
     // Every entry of the last "data" chunk in file order (duplicates included): its key and text.
     void readEntries(const std::function<void(const std::u16string& key, const std::u16string& text)>& visit);
     // The same with each entry's third string (a plural entry's source for n != 1), empty when absent.

@@ -181,10 +181,11 @@ private:
 
 std::optional<PluralRule> PluralRule::parse(std::string_view text) {
     PluralRule rule;
+    // Each node takes at least one character of the text: one allocation, whatever the rule.
+    rule.nodes_.reserve(std::min(text.size(), kMaxNodes));
     Parser parser(text, rule);
     if (!parser.header())
         return std::nullopt;
-    rule.nodes_.shrink_to_fit();
     return rule;
 }
 

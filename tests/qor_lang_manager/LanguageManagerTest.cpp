@@ -65,7 +65,7 @@ TEST_F(LanguageManagerTest, SettingTheLanguageLogsStoresLoadsAndTells)
 
 // Switching between languages that both have files never mixes them: a key the new language
 // lacks shows its default, not the old text. Where no folder has a readable file for the new
-// language, the current texts stay.
+// language (nor for its fallback), every key shows its default.
 TEST_F(LanguageManagerTest, SwitchingLanguagesDoesNotMixTheirTexts)
 {
     folder.makeFolder("a");
@@ -99,9 +99,51 @@ TEST_F(LanguageManagerTest, SwitchingLanguagesDoesNotMixTheirTexts)
     EXPECT_EQ(localized("onlyGerman"), "-");
     EXPECT_EQ(localized("otherApp"), "-") << "B has no French file: its German texts go too";
 
-    manager->setCurrentLanguage(tag(u"it-IT"));
     manager->setCurrentLanguage(tag(u"es-ES"));
-    EXPECT_EQ(localized("both"), "les deux") << "no readable file: the texts stay";
+    EXPECT_EQ(localized("both"), "-") << "no file at all: the defaults answer, never French";
+    manager->setCurrentLanguage(tag(u"fr-FR"));
+    manager->setCurrentLanguage(tag(u"it-IT"));
+    EXPECT_EQ(localized("both"), "-") << "no readable file: the same";
+}
+
+// Without a file of its own a language takes a file of the same language with another country,
+// chosen by file name: the language's own country, else the first tag in order. Each file's
+// text of "k" says which file answered.
+TEST_F(LanguageManagerTest, ALanguageWithoutAFileFallsBackToItsLanguageElsewhere)
+{
+    const std::pair<const char*, const char16_t*> files[] = {
+        {"A-de-DE.qorlang", u"de-DE"}, {"A-de-CH.qorlang", u"de-CH"}, {"A-fr-CA.qorlang", u"fr-CA"},
+        {"A-fr-BE.qorlang", u"fr-BE"}, {"A-es-MX.qorlang", u"es-MX"}, {"A-es-AR.qorlang", u"es-AR"},
+        {"A-en-GB.qorlang", u"en-GB"}, {"A-en-US.qorlang", u"en-US"}, {"A-pt-BR.qorlang", u"pt-BR"},
+        {"A-it-CH.qorlang", u"it-IT"}, // the name decides, not the tag inside
+        {"A-nl-BE.qorlang", u"nl-BE"}, {"A-sv-x-FI.qorlang", u"sv-FI"}, {"A-sv-fi.qorlang", u"sv-FI"},
+        {"Ab-ru-UA.qorlang", u"ru-UA"}, {"A-ru-.qorlang", u"ru-RU"}, {"A-ru-ZZ.qorlang", u"ru-RU"},
+    };
+    for (const auto& [name, inside] : files) {
+        CLanguageFileWriter writer;
+        writer.setLanguage(inside, u"", u"");
+        const std::string n(name);
+        writer.addString(u"k", std::u16string(n.begin() + 2, n.end() - 8).c_str());
+        writeBytes(folder, name, written(writer));
+    }
+    Bytes cut = written(CLanguageFileWriter());
+    cut.resize(12);
+    writeBytes(folder, "A-nl-NL.qorlang", cut);
+    manager->add(folder.uri(), "A");
+
+    const struct {
+        const char16_t* tag;
+        const char* answer;
+    } rows[] = {
+        {u"de-AT", "de-DE"}, {u"de-CH", "de-CH"}, {u"fr-FR", "fr-BE"}, {u"es-ES", "es-AR"}, {u"en-AU", "en-US"},
+        {u"pt-PT", "pt-BR"}, {u"it-IT", "it-CH"}, {u"ja-JP", "-"},    {u"nl-NL", "nl-BE"}, {u"sv-SE", "-"},
+        {u"ru-RU", "-"},     {u"DE-at", "de-DE"},
+    };
+    for (const auto& row : rows) {
+        manager->setCurrentLanguage(tag(row.tag));
+        EXPECT_EQ(localized("k"), row.answer) << utf8(kore::make<kore::CUTF16String>(row.tag));
+        EXPECT_EQ(manager->getCurrentLanguage().getTag(), tag(row.tag).getTag());
+    }
 }
 
 // All packs feed one localizer; of two packs with one key, the later in the map's order (the

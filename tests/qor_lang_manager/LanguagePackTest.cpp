@@ -20,13 +20,15 @@ struct LanguagePackTest : ::testing::Test {
 
     kore::P<CLanguagePack> pack(const char* appId = "A") { return kore::make<CLanguagePack>(folder.uri(), appId); }
 
+    // `appId` null: no "apid" chunk.
     void writeLanguage(const std::string& name, const char16_t* languageTag,
                        const std::vector<std::pair<std::u16string, std::u16string>>& strings = {},
-                       int fillers = 0)
+                       int fillers = 0, const char16_t* appId = u"A")
     {
         CLanguageFileWriter writer;
         writer.setLanguage(languageTag, u"", u"");
-        writer.setApplication(u"A");
+        if (appId)
+            writer.setApplication(appId);
         for (const auto& [key, text] : strings)
             writer.addString(key, text);
         for (int i = 0; i < fillers; ++i)
@@ -47,16 +49,23 @@ TEST_F(LanguagePackTest, ListsFilesStartingWithItsIdInFolderOrder)
 {
     writeLanguage("A-fr-FR.qorlang", u"fr-FR");
     writeLanguage("A-en-US.qorlang", u"en-US");
-    writeLanguage("AB-it-IT.qorlang", u"it-IT"); // the pattern is the id and then anything
+    // The pattern is the id and then anything; a match that names another application in its
+    // "apid" chunk is passed over, one without the chunk or naming this one in other letter case stays.
+    writeLanguage("AB-it-IT.qorlang", u"it-IT", {}, 0, u"AB");
+    writeLanguage("A-tools-ja-JP.qorlang", u"ja-JP", {}, 0, u"A-tools");
+    writeLanguage("AC-ko-KR.qorlang", u"ko-KR", {}, 0, nullptr);
+    writeLanguage("A-nl-NL.qorlang", u"nl-NL", {}, 0, u"a");
     writeLanguage("A-de-DE.qorlang", u"de-DE");
-    writeLanguage("B-es-ES.qorlang", u"es-ES");
+    writeLanguage("B-es-ES.qorlang", u"es-ES", {}, 0, u"B");
     writeLanguage("A-pt-PT.txt", u"pt-PT");
     folder.makeFolder("A-sub.qorlang");
 
     const auto p = pack();
-    EXPECT_EQ(tags(*p), (std::vector<std::u16string>{u"de-DE", u"en-US", u"fr-FR", u"it-IT"}));
+    EXPECT_EQ(tags(*p), (std::vector<std::u16string>{u"de-DE", u"en-US", u"fr-FR", u"nl-NL", u"ko-KR"}));
     EXPECT_EQ(utf8(p->file(0)->getSource()->getName()), "A-de-DE.qorlang");
     EXPECT_EQ(tags(*pack("B")), (std::vector<std::u16string>{u"es-ES"}));
+    EXPECT_EQ(tags(*pack("AB")), (std::vector<std::u16string>{u"it-IT"}));
+    EXPECT_EQ(tags(*pack("A-tools")), (std::vector<std::u16string>{u"ja-JP"}));
     EXPECT_TRUE(log.records().empty());
 }
 
@@ -77,7 +86,7 @@ TEST_F(LanguagePackTest, SetLanguageReadsTheFileOfItsName)
     EXPECT_EQ(texts.size(), 1u) << "no file, nothing added";
     EXPECT_TRUE(log.records().empty()) << "a missing file is no error";
 
-    writeLanguage("A--de-DE.qorlang", u"de-DE", {{u"k", u"double"}});
+    writeLanguage("A--de-DE.qorlang", u"de-DE", {{u"k", u"double"}}, 0, u"A--");
     const auto dashed = pack("A--");
     EXPECT_EQ(dashed->count(), 1);
     EXPECT_EQ(dashed->setLanguage(u"de-DE", texts), 1) << "a listed file can be set";

@@ -58,9 +58,13 @@ TEST(PluralRuleTest, OutOfRangeAnswersPickTheFirstForm) {
     expectMatchesModel("nplurals=2; plural=n;", 2, [](unsigned long n) { return n; });
     expectMatchesModel("nplurals=3; plural=1+10/n;", 3, [](unsigned long n) { return n ? 1 + 10 / n : 0; });
     expectMatchesModel("nplurals=3; plural=n%0;", 3, [](unsigned long) { return 0; });
-    auto big = PluralRule::parse("nplurals=2; plural=n>18446744073709551614;");
+    // The largest literal that fits; one more does not.
+    const unsigned long largest = static_cast<unsigned long>(-1);
+    auto big = PluralRule::parse("nplurals=2; plural=n>" + std::to_string(largest - 1) + ";");
     ASSERT_TRUE(big);
-    EXPECT_EQ(big->formFor(static_cast<unsigned long>(-1)), sizeof(unsigned long) == 8 ? 1u : 0u);
+    EXPECT_EQ(big->formFor(largest), 1u);
+    EXPECT_EQ(big->formFor(largest - 1), 0u);
+    EXPECT_FALSE(PluralRule::parse("nplurals=2; plural=" + std::to_string(largest) + "0;"));
 }
 
 TEST(PluralRuleTest, RejectsWhatIsNoRule) {

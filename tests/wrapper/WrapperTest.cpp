@@ -104,6 +104,66 @@ TEST_F(Wrapper, TextReachesTheLibraryAsUtf16AndComesBackInTheCallersForm)
     EXPECT_EQ(qor_lang2::setCurrentLanguage("de"), 20) << "the library's answer, unchanged";
 }
 
+// What trn, trc and trnc ask the library: the key form it reads (context U+0004 key, key U+0005
+// count) and the default ngettext would answer, in both kinds of text.
+TEST_F(Wrapper, PluralAndContextAskForTheKeyTheLibraryReads)
+{
+    const auto n = [](unsigned long v) { return u"\u0005" + qor_lang2::toUtf16(std::to_string(v)); };
+    const struct {
+        std::function<std::string()> utf8;
+        std::function<std::u16string()> utf16;
+        std::vector<std::u16string> asked;
+    } rows[] = {
+        {[] { return qor_lang2::trn("{0} Datei", "{0} Dateien", 1); },
+         [] { return qor_lang2::trn(u"{0} Datei", u"{0} Dateien", 1); }, {u"{0} Datei" + n(1), u"{0} Datei"}},
+        {[] { return qor_lang2::trn("file", "files", 0); }, [] { return qor_lang2::trn(u"file", u"files", 0); },
+         {u"file" + n(0), u"files"}},
+        {[] { return qor_lang2::trn("ключ", "ключи", -1ul); }, [] { return qor_lang2::trn(u"ключ", u"ключи", -1ul); },
+         {u"ключ" + n(-1ul), u"ключи"}},
+        {[] { return qor_lang2::trc("menu", "Open", "Öffnen"); }, [] { return qor_lang2::trc(u"menu", u"Open", u"Öffnen"); },
+         {u"menu\u0004Open", u"Öffnen"}},
+        {[] { return qor_lang2::trc("", "k", ""); }, [] { return qor_lang2::trc(u"", u"k", u""); }, {u"\u0004k", u""}},
+        {[] { return qor_lang2::trnc("mail", "message", "messages", 1); },
+         [] { return qor_lang2::trnc(u"mail", u"message", u"messages", 1); }, {u"mail\u0004message" + n(1), u"message"}},
+        {[] { return qor_lang2::trnc("mail", "message", "messages", 21); },
+         [] { return qor_lang2::trnc(u"mail", u"message", u"messages", 21); }, {u"mail\u0004message" + n(21), u"messages"}},
+    };
+    for (const auto& row : rows) {
+        const std::string answer = row.utf8();
+        EXPECT_EQ(books().lastArguments, row.asked);
+        EXPECT_EQ(answer, qor_lang2::toUtf8(row.asked[1])) << "the stand-in answers the default";
+        EXPECT_EQ(row.utf16(), row.asked[1]);
+        EXPECT_EQ(books().lastArguments, row.asked);
+    }
+}
+
+TEST(Format, PlacesArgumentsByNumberAndLeavesWhatItCannotFillAsWritten)
+{
+    const std::pair<const char*, const char*> rows[] = {
+        {"{0} of {1}", "7 of Ünal"},
+        {"{1} von {0}, {0}!", "Ünal von 7, 7!"},
+        {"{2}{3}{4}", "-1.5ab"},
+        {"{{0}} {{ }} {{{0}}}", "{0} { } {7}"},
+        {"{5} {x} {-1} {} { 0} {0 } {0:d}", "{5} {x} {-1} {} { 0} {0 } {0:d}"},
+        {"{ } { }} }{ } {", "{ } { } }{ } {"},
+        {"{00}{01}", "7Ünal"},
+        {"{99999999999999999999}", "{99999999999999999999}"},
+        {"{0", "{0"},
+        {"", ""},
+        {"no placeholders", "no placeholders"},
+    };
+    for (const auto& [text, expected] : rows) {
+        EXPECT_EQ(qor_lang2::format(text, 7, "Ünal", -1.5, 'a', std::string("b")), expected) << text;
+        EXPECT_EQ(qor_lang2::format(qor_lang2::toUtf16(text), 7, u"Ünal", -1.5, 'a', std::string("b")),
+                  qor_lang2::toUtf16(expected))
+            << text;
+    }
+    EXPECT_EQ(qor_lang2::format("{0}", u"Привіт 🌍"), "Привіт 🌍") << "text arguments of the other kind convert";
+    EXPECT_EQ(qor_lang2::format(u"{0}", "€"), u"€");
+    EXPECT_EQ(qor_lang2::format("{0} {1}", 1234567.0, 18446744073709551615ull), "1.23457e+06 18446744073709551615");
+    EXPECT_EQ(qor_lang2::format("{0}{1}"), "{0}{1}");
+}
+
 TEST_F(Wrapper, OnlyExhaustionMakesANullAnswerAnException)
 {
     books().outOfMemory = true;

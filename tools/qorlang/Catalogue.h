@@ -3,6 +3,8 @@
 // source order (untranslated, fuzzy and obsolete ones included, so that check and stats can
 // count them) and the descriptive data a language file carries.
 
+#include "qor_lang_manager/PluralLookup.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -14,10 +16,10 @@ namespace qorlang {
 // Separates a context from the source text in a key, as gettext does.
 inline constexpr char16_t kContextSeparator = u'\x04';
 // A plural entry K is stored twice: K answers its first form (so that tr(K) works), K + U+0005
-// answers every form, each ended but the last by U+0000, with the plural source as third string.
-inline constexpr char16_t kPluralMark = u'\x05';
-// The "xdid" key under which a language file keeps its catalogue's plural rule.
-inline constexpr std::u16string_view kPluralFormsKey = u"QOR_LANG_PLURAL_FORMS";
+// answers every form, each ended but the last by U+0000, with the plural source as third string;
+// the catalogue's rule is the "xdid" pair kPluralFormsExtra.
+using qor_lang::kPluralFormsExtra;
+using qor_lang::kPluralMark;
 
 struct Entry {
     std::u16string key;  // what the library looks up: [context U+0004] source

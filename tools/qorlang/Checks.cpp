@@ -1,8 +1,8 @@
 #include "Checks.h"
 #include "Formats.h"
-#include "PluralCategories.h"
 #include "Unicode.h"
 
+#include "qor_lang_manager/PluralLookup.h"
 #include "qor_lang_manager/PluralRule.h"
 
 #include <algorithm>
@@ -312,7 +312,7 @@ std::vector<Finding> checkCatalogue(const Catalogue& c, const Catalogue* referen
                            "the plural rule " + quoted(*c.pluralForms) +
                                " is not one the library reads (nplurals=N; plural=EXPRESSION; with N from 1 to 6)"});
     } else if (anyPlural) {
-        ruleText = defaultPluralRule(tag.value_or(c.language.value_or(u"")));
+        ruleText = encodeUtf8(qor_lang::pluralRuleText(std::nullopt, tag.value_or(c.language.value_or(u""))));
         rule = qor_lang::PluralRule::parse(ruleText);
     }
     for (const Entry& e : c.entries) {

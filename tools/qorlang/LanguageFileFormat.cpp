@@ -98,7 +98,7 @@ Catalogue readQorlang(const std::string& path, const std::vector<uint8_t>& bytes
             c.nativeSubName = utf16Of(file->getNativeSubName());
             c.version = file->getVersion();
         }
-        c.pluralForms = extraValue(bytes, kPluralFormsKey);
+        c.pluralForms = extraValue(bytes, kPluralFormsExtra);
         // A plural entry's "K U+0005" entry joins its "K" entry as its forms; one without a "K"
         // entry stands alone.
         std::map<std::u16string, size_t> byKey;
@@ -154,7 +154,7 @@ std::vector<uint8_t> compileLanguageFile(const Catalogue& c, const CompileOption
         writer.setAuthor(*c.author);
     writer.setVersion(c.version.value_or(1));
     if (c.pluralForms)
-        writer.addExtra(std::u16string(kPluralFormsKey), *c.pluralForms);
+        writer.addExtra(std::u16string(kPluralFormsExtra), *c.pluralForms);
     for (const Entry* e : compiledEntries(c, options)) {
         writer.addString(e->key, e->text);
         if (e->forms.empty())

@@ -19,12 +19,9 @@ extern const PluralCategoryRow kPluralCategoryRows[];
 extern const std::size_t kPluralCategoryRowCount;
 } // namespace detail
 
-// The categories of `tag`'s forms ("ru-RU" -> one, few, many), looked up as the rule is (the full
-// tag, then its language subtag); English's "one other" when the table has neither.
+// The categories of `tag`'s forms ("ru-RU" -> one, few, many; "ru_RU" too), looked up as the
+// library looks up the rule (the whole tag, then its language part); English's "one other" when
+// the table has neither.
 std::vector<std::string> pluralCategories(std::u16string_view tag);
-
-// The gettext rule for `tag` as the library picks one when a file has none (the table's rule, else
-// English's), in the same look-up.
-std::string defaultPluralRule(std::u16string_view tag);
 
 } // namespace qorlang

@@ -66,7 +66,7 @@ TEST(ExportsChild, DISABLED_FirstRegistrationOfAnIdWins)
     ASSERT_EQ(setLanguage(u"de-DE"), 0);
     EXPECT_EQ(localString(u"key", u"default"), u"erster Ordner");
     ASSERT_EQ(setLanguage(u"fr-FR"), 0);
-    EXPECT_EQ(localString(u"key", u"default"), u"erster Ordner") << "the second folder is not read";
+    EXPECT_EQ(localString(u"key", u"default"), u"default") << "the second folder is not read, German does not stay";
 }
 
 TEST(ExportsChild, DISABLED_ReloadRescansButHandlesKeepWhatWasLoaded)

@@ -1,0 +1,32 @@
+#pragma once
+// Plural forms at run time. A plural entry of a language file has the key K + U+0005 and the text
+// f0 U+0000 f1 U+0000 ... (one form per plural category of the file's rule); a host asks for the
+// form for n with the key K + U+0005 + decimal(n), which no table holds, so the string localizer
+// hands it to this lookup on its miss path and a plain look-up costs nothing more.
+
+#include "qor_lang_manager/PluralRule.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace qor_lang {
+
+inline constexpr char16_t kPluralMark = u'\u0005';
+// Where a table that holds plural entries keeps the rule they follow. No plural entry's key can be
+// this one, since theirs end in U+0005.
+inline constexpr std::u16string_view kPluralRuleKey = u"\u0005QOR_LANG_PLURAL_FORMS";
+// The "xdid" key of a file's own rule, in gettext's notation.
+inline constexpr std::u16string_view kPluralFormsExtra = u"QOR_LANG_PLURAL_FORMS";
+
+// The rule a file's plural entries follow: its own `fileRule` when that parses, else the CLDR rule
+// of its tag (the whole tag, then the language part), else gettext's default "n != 1".
+std::u16string pluralRuleText(const std::optional<std::u16string>& fileRule, std::u16string_view tag);
+
+// Makes the string localizer answer K + U+0005 + decimal(n): form formFor(n) of the entry K + U+0005
+// (of the table that holds it, under that table's rule); the caller's default when that form is
+// missing or empty. Keys of other shapes, and counts without an entry, go on to the localizer's
+// fallback and the default as before. Idempotent.
+void installPluralLookup();
+
+} // namespace qor_lang
