@@ -70,6 +70,40 @@ size_t readPrintf(std::u16string_view text, size_t i, std::string& conversion, i
     return j + 1 - i;
 }
 
+// i18next's "{{name}}", "{{- name}}" (unescaped) and "{{name, format}}" all pass the value
+// `name`; they count as the field "{name}" so that a translation may choose another format.
+bool i18nextField(std::u16string_view text, size_t& i, std::vector<std::string>& named)
+{
+    const size_t close = text.find(u"}}", i + 2);
+    if (close == std::u16string_view::npos)
+        return false;
+    std::u16string_view inner = text.substr(i + 2, close - i - 2);
+    auto trim = [](std::u16string_view s) {
+        while (!s.empty() && s.front() == u' ')
+            s.remove_prefix(1);
+        while (!s.empty() && s.back() == u' ')
+            s.remove_suffix(1);
+        return s;
+    };
+    inner = trim(inner);
+    if (!inner.empty() && inner.front() == u'-')
+        inner = trim(inner.substr(1));
+    inner = trim(inner.substr(0, inner.find(u',')));
+    if (inner.empty() || !std::all_of(inner.begin(), inner.end(), [](char16_t c) { return isIdentifierChar(c) || c == u'.' || c == u'$'; }))
+        return false;
+    named.push_back("{" + encodeUtf8(inner) + "}");
+    i = close + 2;
+    return true;
+}
+
+bool endsInLonePercent(std::u16string_view text)
+{
+    size_t percents = 0;
+    while (percents < text.size() && text[text.size() - 1 - percents] == u'%')
+        ++percents;
+    return percents % 2 == 1;
+}
+
 } // namespace
 
 Placeholders placeholdersOf(std::u16string_view text)
@@ -101,6 +135,8 @@ Placeholders placeholdersOf(std::u16string_view text)
                 continue;
             }
             ++i;
+        } else if (text.substr(i, 2) == u"{{" && i18nextField(text, i, out.named)) {
+            continue;
         } else if (text[i] == u'{') {
             size_t end = i + 1;
             while (end < text.size() && (isIdentifierChar(text[end]) || text[end] == u'.' || text[end] == u'-' || text[end] == u'$'))
@@ -267,6 +303,17 @@ std::vector<Finding> checkCatalogue(const Catalogue& c, const Catalogue* referen
         const Placeholders have = placeholdersOf(e.text);
         if (!(want == have))
             out.push_back({e.line, true, "key " + quoted(e.key) + ": placeholders differ from " + against + ": " + describeDifference(want, have)});
+    }
+
+    // A lone "%" at the end: printf takes the terminating zero for a conversion.
+    for (const Entry& e : c.entries) {
+        if (!e.usable(true) || !endsInLonePercent(e.text))
+            continue;
+        auto it = referenceTexts.find(e.key);
+        const std::u16string_view source = it != referenceTexts.end() ? std::u16string_view(it->second->text) : splitKey(e.key).second;
+        if (!endsInLonePercent(source))
+            out.push_back({e.line, e.cFormat || !placeholdersOf(source).printf.empty(),
+                           "key " + quoted(e.key) + ": the text ends in a lone %, which printf reads as the start of a field; write %% for a percent sign"});
     }
 
     // Reference keys without a translation here.

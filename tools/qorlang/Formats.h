@@ -54,6 +54,7 @@ inline std::u16string answerOf(const std::vector<uint8_t>& languageFile, std::u1
 // into place, so that a failure never leaves a partial output behind.
 std::string readFileBytes(const std::string& path);
 void writeFileAtomically(const std::string& path, std::string_view bytes);
+bool isFolder(const std::string& path);
 // The last part of a path ("dir/de.po" -> "de.po").
 std::string fileNameOf(const std::string& path);
 

@@ -3,6 +3,7 @@
 #include "Formats.h"
 #include "Unicode.h"
 
+#include <algorithm>
 #include <cctype>
 #include <cstring>
 #include <ctime>
@@ -232,7 +233,22 @@ private:
                 out.push_back(static_cast<unsigned char>(c));
             return out;
         }
-        return decodedOrFail(m_path, m_entryLine, text);
+        if (auto decoded = decodeUtf8(text))
+            return std::move(*decoded);
+        fail(m_path, firstLineNotUtf8(), "not valid UTF-8; convert the file to UTF-8 (iconv, msgconv) or name its real charset in the header's Content-Type");
+    }
+
+    // An entry spans lines; the message names the one holding the bad bytes.
+    int firstLineNotUtf8() const
+    {
+        size_t pos = 0;
+        for (int number = 1; pos < m_bytes.size(); ++number) {
+            const size_t end = std::min(m_bytes.find('\n', pos), m_bytes.size());
+            if (number >= m_entryLine && !decodeUtf8(std::string_view(m_bytes).substr(pos, end - pos)))
+                return number;
+            pos = end + 1;
+        }
+        return m_entryLine;
     }
 
     void readHeader(const std::string& header)

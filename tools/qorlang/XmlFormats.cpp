@@ -83,11 +83,40 @@ std::string protectWhiteSpace(const std::string& bytes)
     return out;
 }
 
+// What a translator can act on, instead of the parser's own error names.
+std::string xmlProblem(tinyxml2::XMLError error)
+{
+    switch (error) {
+    case tinyxml2::XML_ERROR_EMPTY_DOCUMENT:
+        return "the file holds no XML element; it may be empty or cut short";
+    case tinyxml2::XML_ERROR_MISMATCHED_ELEMENT:
+        return "an end tag does not match the element it closes";
+    case tinyxml2::XML_ERROR_PARSING_ELEMENT:
+        return "a tag is not closed or not spelt right";
+    case tinyxml2::XML_ERROR_PARSING_ATTRIBUTE:
+        return "an attribute is broken (a value needs quotes; write \" as &quot;)";
+    case tinyxml2::XML_ERROR_PARSING_TEXT:
+        return "text or a tag is broken (write < as &lt; and & as &amp; in texts)";
+    case tinyxml2::XML_ERROR_PARSING_CDATA:
+        return "a CDATA section is not closed with ]]>";
+    case tinyxml2::XML_ERROR_PARSING_COMMENT:
+        return "a comment is not closed with -->";
+    case tinyxml2::XML_ERROR_PARSING_DECLARATION:
+        return "the <?xml ...?> declaration is broken";
+    case tinyxml2::XML_ERROR_PARSING_UNKNOWN:
+        return "a <! ...> construct is not closed";
+    case tinyxml2::XML_ELEMENT_DEPTH_EXCEEDED:
+        return "elements are nested too deeply";
+    default:
+        return "the file ends before the document does, or is not XML";
+    }
+}
+
 void parseDocument(XMLDocument& doc, const std::string& path, const std::string& original)
 {
     const std::string bytes = protectWhiteSpace(original);
     if (doc.Parse(bytes.data(), bytes.size()) != tinyxml2::XML_SUCCESS)
-        fail(path, doc.ErrorLineNum(), std::string("not well-formed XML: ") + doc.ErrorStr());
+        fail(path, doc.ErrorLineNum(), "not well-formed XML: " + xmlProblem(doc.ErrorID()) + "; fix it in an XML editor or the tool that wrote it");
 }
 
 bool named(const XMLElement* e, const char* name) { return std::strcmp(e->Name(), name) == 0; }

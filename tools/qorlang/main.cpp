@@ -22,6 +22,15 @@ namespace {
 
 using namespace qorlang;
 
+// A command line the tool cannot act on; exits with 2 where a failed input exits with 1.
+struct UsageError {
+    std::string message;
+};
+[[noreturn]] void usageError(const std::string& command, const std::string& message)
+{
+    throw UsageError{"qorlang " + command + ": " + message + " (see qorlang " + command + " --help)"};
+}
+
 const char* const kUsage =
     "usage: qorlang <command> [options]\n"
     "\n"
@@ -32,8 +41,12 @@ const char* const kUsage =
     "  stats FILE... [--reference FILE]   count entries and translations\n"
     "  info FILE.qorlang                  show what the library reads from a language file\n"
     "\n"
-    "Input formats by extension: .po (gettext), .xlf/.xliff (XLIFF 1.2, 2.0), .ts (Qt),\n"
-    ".json (i18next), .txt (key=text lines), .qorlang. 'qorlang <command> --help' tells more.\n";
+    "Input formats by extension: .po/.pot (gettext), .xlf/.xliff (XLIFF 1.2, 2.0), .ts (Qt),\n"
+    ".json (i18next), .txt (key=text lines), .qorlang. 'qorlang <command> --help' tells more.\n"
+    "'qorlang --version' prints the version.\n"
+    "\n"
+    "Exit status: 0 done (check: no errors), 1 an input could not be used or check found errors,\n"
+    "2 the command line is wrong.\n";
 
 const std::map<std::string, const char*> kCommandHelp = {
     {"compile",
@@ -96,10 +109,10 @@ Arguments parseArguments(const std::string& command, const std::vector<std::stri
         const std::string& a = args[i];
         if (a.size() > 1 && a[0] == '-') {
             if (std::find(allowed.begin(), allowed.end(), a) == allowed.end())
-                fail("qorlang " + command, 0, "unknown option " + a + " (see qorlang " + command + " --help)");
+                usageError(command, "unknown option " + a);
             if (takesValue(a)) {
                 if (i + 1 >= args.size())
-                    fail("qorlang " + command, 0, a + " needs a value");
+                    usageError(command, a + " needs a value");
                 out.options[a] = args[++i];
             } else {
                 out.options[a] = "";
@@ -132,9 +145,11 @@ int compile(const std::vector<std::string>& args)
     const Arguments a = parseArguments("compile", args,
                                        {"-o", "--app-id", "--language", "--author", "--comment", "--use-fuzzy"});
     if (a.files.size() != 1 || !a.options.count("-o"))
-        fail("qorlang compile", 0, "needs one INPUT and -o OUTPUT (see qorlang compile --help)");
+        usageError("compile", "needs one INPUT and -o OUTPUT");
     const std::string& input = a.files[0];
     const std::string& output = a.options.at("-o");
+    if (isFolder(output))
+        usageError("compile", "-o " + output + " is a folder; give the file to write, such as " + output + "/app-de-DE.qorlang");
     if (formatOf(output) != Format::Qorlang)
         fail(output, 0, "the output of compile is a language file, its name ends in .qorlang");
     Catalogue c = readCatalogue(input);
@@ -197,9 +212,11 @@ int decompile(const std::vector<std::string>& args)
 {
     const Arguments a = parseArguments("decompile", args, {"-o"});
     if (a.files.size() != 1 || !a.options.count("-o"))
-        fail("qorlang decompile", 0, "needs one INPUT.qorlang and -o OUTPUT (see qorlang decompile --help)");
+        usageError("decompile", "needs one INPUT.qorlang and -o OUTPUT");
     const std::string& input = a.files[0];
     const std::string& output = a.options.at("-o");
+    if (isFolder(output))
+        usageError("decompile", "-o " + output + " is a folder; give the file to write, such as " + output + "/de-DE.po");
     if (formatOf(input) != Format::Qorlang)
         fail(input, 0, "decompile reads a language file (.qorlang)");
     const Format format = formatOf(output);
@@ -241,7 +258,7 @@ Inputs readInputs(const std::string& command, const std::vector<std::string>& ar
 {
     const Arguments a = parseArguments(command, args, {"--reference"});
     if (a.files.empty())
-        fail("qorlang " + command, 0, "needs at least one FILE (see qorlang " + command + " --help)");
+        usageError(command, "needs at least one FILE");
     Inputs in;
     if (a.options.count("--reference"))
         in.reference = readCatalogue(a.options.at("--reference"));
@@ -304,7 +321,7 @@ int info(const std::vector<std::string>& args)
 {
     const Arguments a = parseArguments("info", args, {});
     if (a.files.size() != 1 || formatOf(a.files[0]) != Format::Qorlang)
-        fail("qorlang info", 0, "needs one FILE.qorlang (see qorlang info --help)");
+        usageError("info", "needs one FILE.qorlang");
     const std::string& path = a.files[0];
     const std::string raw = readFileBytes(path);
     const std::vector<uint8_t> bytes(raw.begin(), raw.end());
@@ -333,11 +350,15 @@ int run(const std::vector<std::string>& args)
         std::fputs(kUsage, args.empty() ? stderr : stdout);
         return args.empty() ? 2 : 0;
     }
+    if (args[0] == "--version") {
+        std::printf("qorlang %s\n", QORLANG_VERSION);
+        return 0;
+    }
     const std::string& command = args[0];
     const std::vector<std::string> rest(args.begin() + 1, args.end());
     auto help = kCommandHelp.find(command);
     if (help == kCommandHelp.end()) {
-        std::fprintf(stderr, "qorlang: unknown command '%s'\n%s", command.c_str(), kUsage);
+        std::fprintf(stderr, "qorlang: unknown command '%s' (see qorlang --help)\n", command.c_str());
         return 2;
     }
     if (std::find(rest.begin(), rest.end(), "--help") != rest.end() || std::find(rest.begin(), rest.end(), "-h") != rest.end()) {
@@ -354,6 +375,9 @@ int run(const std::vector<std::string>& args)
         if (command == "stats")
             return stats(rest);
         return info(rest);
+    } catch (const UsageError& e) {
+        printError(e.message);
+        return 2;
     } catch (const kore::CException& e) {
         printError(describe(e));
     } catch (const std::exception& e) {

@@ -42,6 +42,7 @@ TEST(Checks, PlaceholdersOfAText)
         {u"Hello %USER_NAME%, %d%", ph({"%1$d"}, {"%USER_NAME%"})},
         {u"{name} has {{count}} and {0}, not { spaced } or {}", ph({}, {"{0}", "{count}", "{name}"})},
         {u"%<PRIu64> stays unread", ph({}, {})},
+        {u"{{val, number}} by {{- name}} in {{ x }}, not {{a b}}", ph({}, {"{name}", "{val}", "{x}"})},
     };
     for (const auto& [text, expected] : cases) {
         SCOPED_TRACE(std::string(text.begin(), text.end()));
@@ -137,4 +138,15 @@ TEST(Checks, TagsAndFileNames)
     EXPECT_EQ(languageFileName(u"app", u"de-DE"), u"app-de-DE.qorlang");
     EXPECT_EQ(languageFileName(u"app-", u"de-DE"), u"app-de-DE.qorlang");
     EXPECT_EQ(languageFileName(u"a---", u"de-DE"), u"a--de-DE.qorlang");
+}
+
+TEST(Checks, ALonePercentAtTheEnd)
+{
+    // Flagged only where the source does not end so itself; an error where printf reads the text.
+    const Catalogue reference = catalogue("en-US.txt", {{u"ratio", u"%d done", 1}, {u"plain", u"Full", 2}, {u"lit", u"50%", 3}});
+    const Catalogue c = catalogue("de-DE.txt", {{u"ratio", u"%d %", 1}, {u"plain", u"Voll%", 2}, {u"lit", u"50%", 3}, {u"ok", u"100%%", 4}});
+    EXPECT_EQ(messages(checkCatalogue(c, &reference, nullptr)),
+              (std::vector<std::string>{
+                  "1 E key \"ratio\": the text ends in a lone %, which printf reads as the start of a field; write %% for a percent sign",
+                  "2 W key \"plain\": the text ends in a lone %, which printf reads as the start of a field; write %% for a percent sign"}));
 }

@@ -92,7 +92,7 @@ TEST(PoFormat, ErrorsNameFileAndLine)
         {"msgid \"a\" b\nmsgstr \"x\"\n", "t.po:1: unexpected text after the string"},
         {"\n\nmsgid \"a\\q\"\nmsgstr \"x\"\n", "t.po:3: unknown escape \\q"},
         {"msgid \"\"\nmsgstr \"Content-Type: text/plain; charset=EUC-JP\\n\"\n", "t.po:1: charset EUC-JP is not supported"},
-        {"msgid \"a\"\nmsgstr \"\xC3\"\n", "t.po:1: not valid UTF-8"},
+        {"msgid \"a\"\nmsgstr \"\xC3\"\n", "t.po:2: not valid UTF-8"},
         {"\"x\"\n", "t.po:1: a string continues nothing"},
     };
     for (const auto& [po, expected] : cases) {

@@ -9,6 +9,8 @@
 
 #ifndef _WIN32
 
+#include <unistd.h>
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -59,29 +61,54 @@ TEST_F(QorlangTool, CompileTakesTheApplicationIdFromTheOutputName)
 
 TEST_F(QorlangTool, FailuresLeaveNoOutputAndSayWhy)
 {
+    // One row per message shape: where, what went wrong, the system's reason, what to do; exit 1
+    // for an input that cannot be used, 2 for a command line that is wrong.
     write("de.po", kPo);
     write("demo-de-DE.qorlang", "previous");
-    const std::pair<std::string, std::string> cases[] = {
-        {"compile de.po -o demo-de-DE.qorlang",
-         "de.po:1: the language \"de\" is not a tag the library accepts (it needs language-COUNTRY, such as de-DE); give one with --language\n"},
-        {"compile de.po -o demo-de-DE.qorlang --language de",
-         "qorlang compile: --language de: the library accepts only language-COUNTRY tags such as de-DE\n"},
-        {"compile de.po -o other.qorlang --language de-DE",
+    write("latin1.po", "msgid \"\"\nmsgstr \"Content-Type: text/plain; charset=UTF-8\\n\"\n\n# note\nmsgid \"a\"\nmsgstr \"\"\n\"caf\xE9\"\n");
+    write("broken.ts", "<TS>\n<context>\n<a & b>");
+    fs::create_directory(m_folder.path() / "out");
+    fs::create_directory(m_folder.path() / "locked");
+    fs::permissions(m_folder.path() / "locked", fs::perms::owner_read | fs::perms::owner_exec);
+    const bool root = geteuid() == 0; // permissions do not stop root
+    const struct {
+        int status;
+        std::string arguments, message;
+    } cases[] = {
+        {1, "compile de.po -o other.qorlang --language de-DE",
          "other.qorlang: the name is not <app>-de-DE.qorlang, so give the application id with --app-id\n"},
-        {"compile missing.po -o demo-de-DE.qorlang", "missing.po: cannot open the file for reading\n"},
-        {"compile de.xml -o demo-de-DE.qorlang",
-         "de.xml: unknown format (the extension must be .po, .xlf, .xliff, .ts, .json, .txt or .qorlang)\n"},
-        {"compile de.po -o no/such/dir/demo-de-DE.qorlang --language de-DE", "no/such/dir/demo-de-DE.qorlang: cannot create the file\n"},
-        {"compile de.po --frobnicate", "qorlang compile: unknown option --frobnicate (see qorlang compile --help)\n"},
+        {1, "compile missing.po -o demo-de-DE.qorlang",
+         "missing.po: cannot open the file for reading: No such file or directory; check the name and the folder\n"},
+        {1, "compile out/ -o demo-de-DE.qorlang", "out/: unknown format (the extension must be .po, .pot, .xlf, .xliff, .ts, .json, .txt or .qorlang)\n"},
+        {1, "compile de.xml -o demo-de-DE.qorlang",
+         "de.xml: unknown format (the extension must be .po, .pot, .xlf, .xliff, .ts, .json, .txt or .qorlang)\n"},
+        {1, "compile de.po -o no/such/dir/demo-de-DE.qorlang --language de-DE",
+         "no/such/dir/demo-de-DE.qorlang: cannot create the file: No such file or directory; check that the folder exists and that you may write in it\n"},
+        {1, root ? "compile de.po -o no/such/dir/demo-de-DE.qorlang --language de-DE" : "compile de.po -o locked/demo-de-DE.qorlang --language de-DE",
+         root ? "no/such/dir/demo-de-DE.qorlang: cannot create the file: No such file or directory; check that the folder exists and that you may write in it\n"
+              : "locked/demo-de-DE.qorlang: cannot create the file: Permission denied; check that the folder exists and that you may write in it\n"},
+        {1, "compile latin1.po -o demo-de-DE.qorlang --language de-DE",
+         "latin1.po:7: not valid UTF-8; convert the file to UTF-8 (iconv, msgconv) or name its real charset in the header's Content-Type\n"},
+        {1, "check broken.ts",
+         "broken.ts:3: not well-formed XML: a tag is not closed or not spelt right; fix it in an XML editor or the tool that wrote it [error]\n1 error, 0 warnings\n"},
+        {2, "compile de.po -o out --language de-DE",
+         "qorlang compile: -o out is a folder; give the file to write, such as out/app-de-DE.qorlang (see qorlang compile --help)\n"},
+        {2, "compile de.po --frobnicate", "qorlang compile: unknown option --frobnicate (see qorlang compile --help)\n"},
+        {2, "compile de.po -o", "qorlang compile: -o needs a value (see qorlang compile --help)\n"},
+        {2, "check", "qorlang check: needs at least one FILE (see qorlang check --help)\n"},
+        {2, "frobnicate", "qorlang: unknown command 'frobnicate' (see qorlang --help)\n"},
     };
-    for (const auto& [arguments, message] : cases) {
+    for (const auto& [status, arguments, message] : cases) {
         SCOPED_TRACE(arguments);
         const Result r = run(arguments);
-        EXPECT_EQ(r.status, 1);
+        EXPECT_EQ(r.status, status);
         EXPECT_EQ(r.output, message);
     }
+    fs::permissions(m_folder.path() / "locked", fs::perms::owner_all);
     EXPECT_EQ(m_folder.readFile("demo-de-DE.qorlang"), "previous");
-    EXPECT_EQ(std::distance(fs::directory_iterator(m_folder.path()), fs::directory_iterator()), 2); // no temporary left
+    EXPECT_EQ(std::distance(fs::directory_iterator(m_folder.path() / "out"), fs::directory_iterator()), 0); // no temporary left
+    EXPECT_EQ(std::distance(fs::directory_iterator(m_folder.path() / "locked"), fs::directory_iterator()), 0);
+    EXPECT_EQ(run("--version").output, "qorlang " QORLANG_VERSION "\n");
 }
 
 TEST_F(QorlangTool, CheckExitsNonZeroOnErrorsOnly)
