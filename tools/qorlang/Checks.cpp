@@ -1,5 +1,6 @@
 #include "Checks.h"
 #include "Formats.h"
+#include "Language.h"
 #include "Unicode.h"
 
 #include <algorithm>
@@ -209,11 +210,14 @@ std::vector<Finding> checkCatalogue(const Catalogue& c, const Catalogue* referen
     std::optional<std::u16string> tag;
     if (!c.language || c.language->empty()) {
         out.push_back({0, compiled, compiled ? "the file names no language" : "the file names no language; compile needs --language"});
-    } else if (!(tag = normalisedTag(*c.language))) {
-        out.push_back({c.languageLine, compiled,
+    } else if (compiled && !(tag = normalisedTag(*c.language))) {
+        out.push_back({c.languageLine, true,
                        "the language " + quoted(*c.language) +
-                           " is not a tag QOR_LANG2_setCurrentLanguage accepts (it needs language-COUNTRY, such as de-DE)" +
-                           (compiled ? "" : "; compile needs --language")});
+                           " is not a tag QOR_LANG2_setCurrentLanguage accepts (it needs language-COUNTRY, such as de-DE)"});
+    } else if (!compiled) {
+        const TagChoice choice = tagFor(*c.language);
+        if (!choice.tag)
+            out.push_back({c.languageLine, false, choice.problem});
     }
     if (compiled && tag) {
         const std::u16string expected = languageFileName(c.appId.value_or(u""), *tag);
@@ -289,10 +293,17 @@ std::vector<Finding> checkCatalogue(const Catalogue& c, const Catalogue* referen
         std::string against;
         if (reference) {
             auto it = referenceTexts.find(e.key);
-            if (it == referenceTexts.end() || it->second->text.empty())
+            if (it == referenceTexts.end())
                 continue;
             expectedText = it->second->text;
-            against = "the reference's text" + (it->second->line ? " (line " + std::to_string(it->second->line) + ")" : std::string());
+            against = "the reference's text";
+            if (expectedText.empty() && formatOf(reference->path) == Format::Po) {
+                expectedText = splitKey(e.key).second; // a template: its source text
+                against = "the reference's source text";
+            }
+            if (expectedText.empty())
+                continue;
+            against += it->second->line ? " (line " + std::to_string(it->second->line) + ")" : std::string();
         } else if (sourceKeyed && e.cFormat && !e.plural) {
             expectedText = splitKey(e.key).second;
             against = "the source text";
@@ -330,6 +341,16 @@ std::vector<Finding> checkCatalogue(const Catalogue& c, const Catalogue* referen
                            "key " + quoted(e.key) + " of the reference" + (e.line ? " (line " + std::to_string(e.line) + ")" : std::string()) +
                                " has no translation here"});
         }
+    }
+    // Keys here that the reference no longer has: the program does not ask for them.
+    if (reference) {
+        std::set<std::u16string_view> wanted;
+        for (const Entry& e : reference->entries)
+            if (!e.obsolete)
+                wanted.insert(e.key);
+        for (const Entry& e : c.entries)
+            if (e.usable(true) && !wanted.count(e.key))
+                out.push_back({e.line, false, "key " + quoted(e.key) + " is not in the reference (stale); qorlang merge marks it obsolete"});
     }
     std::stable_sort(out.begin(), out.end(), [](const Finding& a, const Finding& b) { return a.line < b.line; });
     return out;

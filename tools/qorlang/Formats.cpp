@@ -212,6 +212,9 @@ std::optional<std::u16string> versionText(std::optional<uint32_t> version)
 
 std::optional<std::u16string> normalisedTag(std::u16string_view written)
 {
+    // A modifier such as "@latin" names a variant a two-part tag cannot hold; "@euro" a currency.
+    if (const size_t at = written.find(u'@'); at != std::u16string_view::npos && written.substr(at) != u"@euro")
+        return std::nullopt;
     std::u16string tag(written.substr(0, written.find_first_of(u".@")));
     for (char16_t& c : tag)
         if (c == u'_')

@@ -65,8 +65,8 @@ std::optional<uint32_t> versionOf(std::string_view digits);
 // The other way, for the writers: the decimal digits of a version, absent when it is.
 std::optional<std::u16string> versionText(std::optional<uint32_t> version);
 
-// "ru_RU", "ru-RU.UTF-8", "sr_RS@latin" -> the two-part tag the library accepts ("ru-RU"), or
-// nullopt when the library would reject it.
+// "ru_RU", "ru-RU.UTF-8", "de_DE@euro" -> the two-part tag the library accepts ("ru-RU"), or
+// nullopt when the library would reject it or a modifier ("sr_RS@latin") names another variant.
 std::optional<std::u16string> normalisedTag(std::u16string_view written);
 // A c-format text with gettext's system-dependent segments ("%<PRIu64>") in this platform's
 // spelling ("%lu").

@@ -2,6 +2,7 @@
 // language files, turns language files back into translators' formats, and checks both.
 #include "Checks.h"
 #include "Formats.h"
+#include "Language.h"
 #include "Unicode.h"
 
 #include "framework/CException.h"
@@ -51,12 +52,17 @@ const char* const kUsage =
 const std::map<std::string, const char*> kCommandHelp = {
     {"compile",
      "usage: qorlang compile INPUT -o OUTPUT [--app-id ID] [--language TAG] [--author NAME]\n"
-     "                       [--comment TEXT] [--use-fuzzy]\n"
+     "                       [--comment TEXT] [--native-name NAME] [--native-sub-name NAME]\n"
+     "                       [--use-fuzzy]\n"
      "\n"
      "Makes the language file OUTPUT (.qorlang) from INPUT (.po, .xlf, .xliff, .ts, .json, .txt).\n"
-     "  --language TAG  the language, language-COUNTRY such as de-DE; by default the input's own\n"
-     "                  (PO \"Language\", XLIFF target language, TS language), which must then name\n"
-     "                  a country too\n"
+     "  --language TAG  the language, language-COUNTRY such as de-DE; by default the tag OUTPUT's\n"
+     "                  name ends in (app-de-AT.qorlang), else the input's own (PO \"Language\",\n"
+     "                  XLIFF target language, TS language); a bare language takes its usual\n"
+     "                  country (de: de-DE, pt: pt-BR, as CLDR's likely subtags say); a script\n"
+     "                  (sr-Latn, zh-Hant) or modifier (sr@latin) is refused: give --language\n"
+     "  --native-name NAME      the language's name in itself (Deutsch), for language pickers\n"
+     "  --native-sub-name NAME  the variant's name in the language (Österreich)\n"
      "  --app-id ID     the application id; by default taken from OUTPUT's name <app>-<tag>.qorlang\n"
      "  --author NAME   by default the PO \"Last-Translator\"\n"
      "  --comment TEXT  by default the comment lines above a PO header\n"
@@ -98,7 +104,7 @@ struct Arguments {
 bool takesValue(const std::string& option)
 {
     return option == "-o" || option == "--app-id" || option == "--language" || option == "--author" ||
-           option == "--comment" || option == "--reference";
+           option == "--comment" || option == "--reference" || option == "--native-name" || option == "--native-sub-name";
 }
 
 Arguments parseArguments(const std::string& command, const std::vector<std::string>& args,
@@ -140,10 +146,38 @@ void warn(const std::string& where, int line, const std::string& message)
     std::fprintf(stderr, "%s%s: warning: %s\n", where.c_str(), line ? (":" + std::to_string(line)).c_str() : "", message.c_str());
 }
 
+// --language, else the tag the output's name ends in, else the catalogue's own language (a bare
+// language completed with its usual country).
+std::u16string compiledTag(const Arguments& a, const Catalogue& c, const std::string& input, const std::string& outputName)
+{
+    if (auto given = optionText(a, "--language")) {
+        const TagChoice choice = tagFor(*given);
+        if (!choice.tag)
+            usageError("compile", "--language: " + choice.problem.substr(0, choice.problem.find(';')) + "; a tag is language-COUNTRY, such as de-DE");
+        return *choice.tag;
+    }
+    const std::optional<TagChoice> own = c.language && !c.language->empty() ? std::optional(tagFor(*c.language)) : std::nullopt;
+    if (auto named = tagOfFileName(outputName)) {
+        if (own && own->tag && own->tag->substr(0, own->tag->find(u'-')) != named->substr(0, named->find(u'-')))
+            warn(input, c.languageLine, "the file's language is " + quoted(*c.language) + " but the output is named for " +
+                                            encodeUtf8(*named) + "; the name wins (--language decides otherwise)");
+        return *named;
+    }
+    if (!own)
+        fail(input, 0, "the file names no language; give one with --language, such as --language de-DE, or name the output <app>-<tag>.qorlang");
+    if (!own->tag)
+        fail(input, c.languageLine, own->problem);
+    if (own->completed)
+        warn(input, c.languageLine, "the language " + quoted(*c.language) + " names no country; using " + encodeUtf8(*own->tag) +
+                                        ", its usual one (--language chooses another)");
+    return *own->tag;
+}
+
 int compile(const std::vector<std::string>& args)
 {
     const Arguments a = parseArguments("compile", args,
-                                       {"-o", "--app-id", "--language", "--author", "--comment", "--use-fuzzy"});
+                                       {"-o", "--app-id", "--language", "--author", "--comment", "--use-fuzzy", "--native-name",
+                                        "--native-sub-name"});
     if (a.files.size() != 1 || !a.options.count("-o"))
         usageError("compile", "needs one INPUT and -o OUTPUT");
     const std::string& input = a.files[0];
@@ -154,24 +188,10 @@ int compile(const std::vector<std::string>& args)
         fail(output, 0, "the output of compile is a language file, its name ends in .qorlang");
     Catalogue c = readCatalogue(input);
 
-    std::u16string tag;
-    if (auto given = optionText(a, "--language")) {
-        auto valid = normalisedTag(*given);
-        if (!valid)
-            fail("qorlang compile", 0, "--language " + encodeUtf8(*given) +
-                                           ": the library accepts only language-COUNTRY tags such as de-DE");
-        tag = *valid;
-    } else if (!c.language || c.language->empty()) {
-        fail(input, 0, "the file names no language; give one with --language, such as --language de-DE");
-    } else if (auto valid = normalisedTag(*c.language)) {
-        tag = *valid;
-    } else {
-        fail(input, c.languageLine, "the language " + quoted(*c.language) +
-                                        " is not a tag the library accepts (it needs language-COUNTRY, such as de-DE); give one with --language");
-    }
+    const std::string outputName = fileNameOf(output);
+    const std::u16string tag = compiledTag(a, c, input, outputName);
     c.language = tag;
 
-    const std::string outputName = fileNameOf(output);
     if (auto id = optionText(a, "--app-id")) {
         c.appId = *id;
     } else {
@@ -187,6 +207,10 @@ int compile(const std::vector<std::string>& args)
         c.author = *author;
     if (auto comment = optionText(a, "--comment"))
         c.comment = *comment;
+    if (auto name = optionText(a, "--native-name"))
+        c.nativeName = *name;
+    if (auto name = optionText(a, "--native-sub-name"))
+        c.nativeSubName = *name;
 
     CompileOptions options;
     options.useFuzzy = a.options.count("--use-fuzzy") != 0;

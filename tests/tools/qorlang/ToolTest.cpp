@@ -111,6 +111,57 @@ TEST_F(QorlangTool, FailuresLeaveNoOutputAndSayWhy)
     EXPECT_EQ(run("--version").output, "qorlang " QORLANG_VERSION "\n");
 }
 
+TEST_F(QorlangTool, LanguageFromOptionOutputNameOrHeader)
+{
+    write("de.po", kPo); // "Language: de"
+    write("sr.po", "msgid \"\"\nmsgstr \"Language: sr@latin\\n\"\n\nmsgid \"a\"\nmsgstr \"b\"\n");
+    const struct {
+        std::string arguments, tag, message;
+    } cases[] = {
+        {"compile de.po -o demo-de-AT.qorlang", "de-AT", ""},
+        {"compile de.po -o lang.qorlang --app-id demo", "de-DE",
+         "de.po:1: warning: the language \"de\" names no country; using de-DE, its usual one (--language chooses another)\n"
+         "lang.qorlang: warning: the library looks for this language under the name demo-de-DE.qorlang\n"},
+        {"compile de.po -o demo-fr-FR.qorlang", "fr-FR",
+         "de.po:1: warning: the file's language is \"de\" but the output is named for fr-FR; the name wins (--language decides otherwise)\n"},
+        {"compile sr.po -o lang.qorlang --app-id demo", "",
+         "sr.po:1: the language \"sr@latin\" has the modifier @latin, and a language-COUNTRY tag cannot tell that variant from the "
+         "language's usual one; give the tag to ship it under with --language\n"},
+        {"compile sr.po -o demo-sr-ME.qorlang --native-name 'srpski (latinica)' --native-sub-name 'Crna Gora'", "sr-ME", ""},
+        {"compile de.po -o x.qorlang --language de-Latn", "",
+         "qorlang compile: --language: the language \"de-Latn\" names the script Latn, and a language-COUNTRY tag cannot tell it "
+         "from the language's usual script; a tag is language-COUNTRY, such as de-DE (see qorlang compile --help)\n"},
+    };
+    for (const auto& [arguments, tag, message] : cases) {
+        SCOPED_TRACE(arguments);
+        const Result r = run(arguments);
+        EXPECT_EQ(r.output, message);
+        if (tag.empty())
+            continue;
+        const std::string file = arguments.find("lang.qorlang") != std::string::npos ? "lang.qorlang" : "demo-" + tag + ".qorlang";
+        EXPECT_NE(run("info " + file).output.find("getLanguageID      \"" + tag + "\""), std::string::npos);
+    }
+    const std::string info = run("info demo-sr-ME.qorlang").output;
+    EXPECT_NE(info.find("QOR_LANG2_FILE_getNativeName      \"srpski (latinica)\"\n"), std::string::npos) << info;
+    EXPECT_NE(info.find("QOR_LANG2_FILE_getNativeSubName   \"Crna Gora\"\n"), std::string::npos) << info;
+}
+
+TEST_F(QorlangTool, TemplateAsReference)
+{
+    // A .pot has no texts: translations are checked against its source texts, and keys it no
+    // longer has are stale.
+    write("app.pot", "msgid \"\"\nmsgstr \"\"\n\n#, c-format\nmsgid \"%d files in %s\"\nmsgstr \"\"\n\nmsgid \"Open\"\nmsgstr \"\"\n");
+    write("de.po", "msgid \"\"\nmsgstr \"Language: de_DE\\n\"\n\nmsgid \"%d files in %s\"\nmsgstr \"%s Dateien\"\n\n"
+                   "msgid \"Close\"\nmsgstr \"Schließen\"\n");
+    const Result r = run("check de.po --reference app.pot");
+    EXPECT_EQ(r.status, 1);
+    EXPECT_EQ(r.output, "de.po: warning: key \"Open\" of the reference (line 8) has no translation here\n"
+                        "de.po:4: error: key \"%d files in %s\": placeholders differ from the reference's source text (line 5): missing %1$d %2$s, extra %1$s\n"
+                        "de.po:7: warning: key \"Close\" is not in the reference (stale); qorlang merge marks it obsolete\n"
+                        "1 error, 2 warnings\n");
+    EXPECT_EQ(run("stats app.pot").status, 0);
+}
+
 TEST_F(QorlangTool, CheckExitsNonZeroOnErrorsOnly)
 {
     write("en-US.txt", "@tag=en-US\ngreet=Hello %s\nbye=Bye\n");
