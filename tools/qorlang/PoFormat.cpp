@@ -1,5 +1,6 @@
 // gettext PO: read as msgfmt reads it (contexts, plural forms, fuzzy and obsolete entries, the
 // header entry), written so that msgfmt --check accepts it.
+#include "Charset.h"
 #include "Formats.h"
 #include "Unicode.h"
 
@@ -227,11 +228,10 @@ private:
 
     std::u16string decode(const std::string& text) const
     {
-        if (m_latin1) {
-            std::u16string out; // Latin-1 bytes are their code points
-            for (char c : text)
-                out.push_back(static_cast<unsigned char>(c));
-            return out;
+        if (m_charset) {
+            if (auto decoded = m_charset->decode(text))
+                return std::move(*decoded);
+            fail(m_path, m_entryLine, "not valid " + m_charset->name() + "; the header's Content-Type must name the file's real charset");
         }
         if (auto decoded = decodeUtf8(text))
             return std::move(*decoded);
@@ -272,12 +272,13 @@ private:
                 std::string charset = at == std::string::npos ? "" : value.substr(at + 8);
                 for (char& c : charset)
                     c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-                if (charset == "ISO-8859-1" || charset == "LATIN1")
-                    m_latin1 = true;
-                else if (!charset.empty() && charset != "UTF-8" && charset != "CHARSET" && charset != "ASCII" &&
-                         charset != "US-ASCII")
-                    fail(m_path, m_entryLine,
-                         "charset " + charset + " is not supported; convert the file with msgconv --to-code=UTF-8");
+                // UTF-8 and its subset ASCII are read directly, "CHARSET" is a template's placeholder.
+                if (!charset.empty() && charset != "UTF-8" && charset != "CHARSET" && charset != "ASCII" && charset != "US-ASCII") {
+                    m_charset = CCharset::open(charset);
+                    if (!m_charset)
+                        fail(m_path, m_entryLine,
+                             "charset " + charset + " is not known to this system's converter; convert the file with msgconv --to-code=UTF-8");
+                }
             }
             m_headerFields.emplace_back(name, value);
         }
@@ -355,7 +356,7 @@ private:
     int m_entryLine = 0;
     int m_commentLines = 0;
     bool m_sawHeader = false;
-    bool m_latin1 = false;
+    std::optional<CCharset> m_charset;
     std::vector<std::pair<std::string, std::string>> m_headerFields;
 };
 
