@@ -196,6 +196,8 @@ std::string writeJson(const Catalogue& c)
     // Flat dotted keys: they read back as the same keys (as i18next finds them too), where
     // nesting would clash for "a" next to "a.b".
     for (const Entry& e : c.entries) {
+        if (e.obsolete)
+            continue; // i18next has no mark for them
         out += ",\n";
         first = true;
         member(e.key, e.text, "\t");

@@ -329,7 +329,8 @@ private:
             if (name == "Language" && !text.empty()) {
                 m_catalogue.language = text;
                 m_catalogue.languageLine = header.line;
-            } else if (name == "Last-Translator" && !text.empty() && value.find("FULL NAME") == std::string::npos) {
+            } else if (name == "Last-Translator" && !text.empty() && value.find("FULL NAME") == std::string::npos &&
+                       value != "Automatically generated") { // msginit --no-translator
                 m_catalogue.author = text;
             } else if (name == "X-Qorlang-Application") {
                 m_catalogue.appId = text;

@@ -482,6 +482,8 @@ std::string writeXliff(const Catalogue& c)
         const auto [context, source] = splitKey(e.key);
         p.OpenElement("trans-unit");
         p.PushAttribute("id", ++id);
+        if (e.obsolete)
+            p.PushAttribute("translate", "no");
         pushElement(p, "source", source, false, true);
         p.OpenElement("target");
         p.PushAttribute("xml:space", "preserve");
@@ -601,7 +603,9 @@ std::string writeTs(const Catalogue& c)
                 pushElement(p, "comment", comment, true);
             }
             p.OpenElement("translation");
-            if (e->fuzzy)
+            if (e->obsolete)
+                p.PushAttribute("type", "vanished");
+            else if (e->fuzzy)
                 p.PushAttribute("type", "unfinished");
             pushText(p, e->text, true);
             p.CloseElement(true);

@@ -3,6 +3,8 @@
 #include "Checks.h"
 #include "Formats.h"
 #include "Language.h"
+#include "Process.h"
+#include "Workflow.h"
 #include "Unicode.h"
 
 #include "framework/CException.h"
@@ -15,6 +17,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <exception>
+#include <filesystem>
 #include <map>
 #include <string>
 #include <vector>
@@ -41,6 +44,10 @@ const char* const kUsage =
     "  check FILE... [--reference FILE]   find mistakes a translator can fix\n"
     "  stats FILE... [--reference FILE]   count entries and translations\n"
     "  info FILE.qorlang                  show what the library reads from a language file\n"
+    "  extract SOURCE... -o APP.pot       collect the keys of C and C++ sources (xgettext)\n"
+    "  init TEMPLATE -o de.po             start a language from a template\n"
+    "  merge TEMPLATE FILE...             bring translations up to a changed template\n"
+    "  pseudo INPUT -o APP-TAG.qorlang    a pseudo-localised language file for testing\n"
     "\n"
     "Input formats by extension: .po/.pot (gettext), .xlf/.xliff (XLIFF 1.2, 2.0), .ts (Qt),\n"
     ".json (i18next), .txt (key=text lines), .qorlang. 'qorlang <command> --help' tells more.\n"
@@ -89,6 +96,39 @@ const std::map<std::string, const char*> kCommandHelp = {
      "\n"
      "Prints one row per file: entries, translated, fuzzy, missing against the reference and the\n"
      "translated share (of the reference's keys when one is given).\n"},
+    {"extract",
+     "usage: qorlang extract SOURCE... -o OUTPUT.pot [--package-name NAME]\n"
+     "\n"
+     "Runs gettext's xgettext over C and C++ SOURCEs and writes the template OUTPUT with every key\n"
+     "the program asks for: qor_lang2::tr(key, default), trc(context, key, default),\n"
+     "trn(key, pluralKey, n), trnc(context, key, pluralKey, n) and QOR_LANG2_getLocalString(key,\n"
+     "default), with contexts, plural pairs and source references. A default text that differs\n"
+     "from its key is shown to translators as \"#. default: ...\", comments starting with\n"
+     "TRANSLATORS: too. Needs xgettext (Debian package gettext).\n"},
+    {"init",
+     "usage: qorlang init TEMPLATE -o OUTPUT [--language TAG]\n"
+     "\n"
+     "Starts the translation OUTPUT (.po, .ts, .xlf, .json) of TEMPLATE (usually the .pot of\n"
+     "extract) with every entry untranslated. The language is --language, else OUTPUT's name\n"
+     "(de.po, de_AT.po, app-de-DE.ts; a bare language takes its usual country). A PO file is made\n"
+     "by gettext's msginit, so it carries the language's plural rule. OUTPUT must not exist yet.\n"},
+    {"merge",
+     "usage: qorlang merge TEMPLATE FILE...\n"
+     "\n"
+     "Brings each translation FILE up to date with TEMPLATE, in place: new keys are added\n"
+     "untranslated, a key whose source text changed keeps its old translation marked fuzzy, keys\n"
+     "no longer in TEMPLATE become obsolete. PO files go through gettext's msgmerge (translators'\n"
+     "comments kept); TS, XLIFF and JSON through the tool's own catalogue, with the same rules\n"
+     "(JSON cannot mark obsolete entries, so they are dropped there).\n"},
+    {"pseudo",
+     "usage: qorlang pseudo INPUT -o OUTPUT.qorlang [--language TAG] [--app-id ID] [--rtl]\n"
+     "\n"
+     "Writes a language file in which every text of INPUT (its translation, else its source text)\n"
+     "is pseudo-localised: letters accented, about 35 % longer, in brackets, so that texts that\n"
+     "bypass the library, labels cut off and fonts without accents show at once. Placeholders and\n"
+     "markup stay as they are. --rtl also mirrors the text right to left. The tag is --language,\n"
+     "else the one OUTPUT's name ends in, else zxx-US (zxx: no linguistic content), which the host\n"
+     "selects like any other.\n"},
     {"info",
      "usage: qorlang info FILE.qorlang\n"
      "\n"
@@ -104,7 +144,8 @@ struct Arguments {
 bool takesValue(const std::string& option)
 {
     return option == "-o" || option == "--app-id" || option == "--language" || option == "--author" ||
-           option == "--comment" || option == "--reference" || option == "--native-name" || option == "--native-sub-name";
+           option == "--comment" || option == "--reference" || option == "--native-name" || option == "--native-sub-name" ||
+           option == "--package-name";
 }
 
 Arguments parseArguments(const std::string& command, const std::vector<std::string>& args,
@@ -159,7 +200,7 @@ std::u16string compiledTag(const Arguments& a, const Catalogue& c, const std::st
     const std::optional<TagChoice> own = c.language && !c.language->empty() ? std::optional(tagFor(*c.language)) : std::nullopt;
     if (auto named = tagOfFileName(outputName)) {
         if (own && own->tag && own->tag->substr(0, own->tag->find(u'-')) != named->substr(0, named->find(u'-')))
-            warn(input, c.languageLine, "the file's language is " + quoted(*c.language) + " but the output is named for " +
+            warn(input, c.languageLine, "the file's language is " + qorlang::quoted(*c.language) + " but the output is named for " +
                                             encodeUtf8(*named) + "; the name wins (--language decides otherwise)");
         return *named;
     }
@@ -168,7 +209,7 @@ std::u16string compiledTag(const Arguments& a, const Catalogue& c, const std::st
     if (!own->tag)
         fail(input, c.languageLine, own->problem);
     if (own->completed)
-        warn(input, c.languageLine, "the language " + quoted(*c.language) + " names no country; using " + encodeUtf8(*own->tag) +
+        warn(input, c.languageLine, "the language " + qorlang::quoted(*c.language) + " names no country; using " + encodeUtf8(*own->tag) +
                                         ", its usual one (--language chooses another)");
     return *own->tag;
 }
@@ -220,7 +261,7 @@ int compile(const std::vector<std::string>& args)
             continue;
         auto [it, added] = firstLine.emplace(e.key, e.line);
         if (!added)
-            warn(input, e.line, "key " + quoted(e.key) + " was defined before" +
+            warn(input, e.line, "key " + qorlang::quoted(e.key) + " was defined before" +
                                     (it->second ? " (line " + std::to_string(it->second) + ")" : std::string()) +
                                     "; this later text is the one kept");
     }
@@ -355,7 +396,7 @@ int info(const std::vector<std::string>& args)
     auto row = [](const char* accessor, const std::string& value) { std::printf("%-33s %s\n", accessor, value.c_str()); };
     auto text = [](const kore::P<kore::IString>& s) { return "\"" + s->toUTF8() + "\""; };
     row("QOR_LANG2_FILE_getLanguageID", "\"" + encodeUtf8(file->getLanguage().getTag()) + "\"" +
-                                            (file->getLanguage().isValid() ? "" : "  (the tag " + quoted(file->getTagText()) + " is not valid)"));
+                                            (file->getLanguage().isValid() ? "" : "  (the tag " + qorlang::quoted(file->getTagText()) + " is not valid)"));
     row("QOR_LANG2_FILE_getAppID", text(file->getAppId()));
     row("QOR_LANG2_FILE_getAuthor", text(file->getAuthor()));
     row("QOR_LANG2_FILE_getComment", text(file->getComment()));
@@ -365,6 +406,167 @@ int info(const std::vector<std::string>& args)
     row("QOR_LANG2_FILE_getNativeSubName", text(file->getNativeSubName()));
     row("version", std::to_string(file->getVersion()));
     row("entries", std::to_string(c.entries.size()));
+    return 0;
+}
+
+// The tag a new translation is for: --language, else its file name ("de.po", "app-de-AT.ts").
+std::u16string tagForNewFile(const std::string& command, const Arguments& a, const std::string& output)
+{
+    std::u16string written;
+    if (auto given = optionText(a, "--language")) {
+        written = *given;
+    } else {
+        std::string stem = fileNameOf(output);
+        stem = stem.substr(0, stem.rfind('.'));
+        if (auto tag = tagOfFileName(stem + ".qorlang"))
+            return *tag;
+        written = decodedOrFail(output, 0, stem);
+    }
+    const TagChoice choice = tagFor(written);
+    if (!choice.tag)
+        usageError(command, choice.problem);
+    return *choice.tag;
+}
+
+int extract(const std::vector<std::string>& args)
+{
+    const Arguments a = parseArguments("extract", args, {"-o", "--package-name"});
+    if (a.files.empty() || !a.options.count("-o"))
+        usageError("extract", "needs SOURCE files and -o OUTPUT.pot");
+    const std::string& output = a.options.at("-o");
+    if (isFolder(output))
+        usageError("extract", "-o " + output + " is a folder; give the template to write, such as " + output + "/app.pot");
+    const std::string name = fileNameOf(output);
+    extractTemplate(a.files, output, a.options.count("--package-name") ? a.options.at("--package-name") : name.substr(0, name.rfind('.')));
+    return 0;
+}
+
+int init(const std::vector<std::string>& args)
+{
+    const Arguments a = parseArguments("init", args, {"-o", "--language"});
+    if (a.files.size() != 1 || !a.options.count("-o"))
+        usageError("init", "needs one TEMPLATE and -o OUTPUT");
+    const std::string& templ = a.files[0];
+    const std::string& output = a.options.at("-o");
+    const Format format = formatOf(output);
+    if (format == Format::Qorlang || format == Format::Text)
+        usageError("init", "init writes .po, .ts, .xlf, .xliff or .json");
+    const std::u16string tag = tagForNewFile("init", a, output);
+    std::error_code ignored;
+    if (std::filesystem::exists(std::filesystem::path(std::u8string(output.begin(), output.end())), ignored))
+        fail(output, 0, "exists already; qorlang merge brings it up to date with the template");
+    const Catalogue source = readCatalogue(templ); // refuses a broken template before anything runs
+    if (format == Format::Po && formatOf(templ) == Format::Po) {
+        std::string locale = encodeUtf8(tag);
+        std::replace(locale.begin(), locale.end(), '-', '_');
+        const std::string temporary = output + ".init.tmp";
+        const int status = runProgram({requireProgram("msginit", "gettext (Debian: apt-get install gettext)"), "--no-translator",
+                                       "--no-wrap", "-i", templ, "-o", temporary, "-l", locale},
+                                      true);
+        std::string bytes = status == 0 ? readFileBytes(temporary) : std::string();
+        // msginit picks the charset of its own locale; translators write UTF-8, of which ASCII is part.
+        if (const size_t at = bytes.find("charset=ASCII\\n"); at != std::string::npos)
+            bytes.replace(at, 13, "charset=UTF-8");
+        std::filesystem::remove(std::filesystem::path(std::u8string(temporary.begin(), temporary.end())), ignored);
+        if (status != 0)
+            fail(output, 0, "msginit failed; run msginit -i " + templ + " -l " + locale + " to see why");
+        writeFileAtomically(output, bytes);
+        return 0;
+    }
+    writeFileAtomically(output, writeCatalogue(initCatalogue(source, tag), format));
+    return 0;
+}
+
+int merge(const std::vector<std::string>& args)
+{
+    const Arguments a = parseArguments("merge", args, {});
+    if (a.files.size() < 2)
+        usageError("merge", "needs a TEMPLATE and at least one translation FILE");
+    const std::string& templPath = a.files[0];
+    const Catalogue templ = readCatalogue(templPath);
+    int status = 0;
+    for (size_t i = 1; i < a.files.size(); ++i) {
+        const std::string& path = a.files[i];
+        try {
+            const Format format = formatOf(path);
+            if (format == Format::Qorlang || format == Format::Text)
+                fail(path, 0, "merge updates .po, .ts, .xlf, .xliff or .json files; decompile a language file first");
+            if (format == Format::Po && formatOf(templPath) == Format::Po) {
+                const std::string temporary = path + ".merge.tmp";
+                const int run = runProgram({requireProgram("msgmerge", "gettext (Debian: apt-get install gettext)"), "--quiet",
+                                            "--previous", "-o", temporary, path, templPath});
+                std::string bytes = run == 0 ? readFileBytes(temporary) : std::string();
+                std::error_code ignored;
+                std::filesystem::remove(std::filesystem::path(std::u8string(temporary.begin(), temporary.end())), ignored);
+                if (run != 0)
+                    fail(path, 0, "msgmerge failed (its message is above)");
+                writeFileAtomically(path, bytes);
+                continue;
+            }
+            MergeCounts counts;
+            const Catalogue merged = mergeCatalogue(readCatalogue(path), templ, counts);
+            writeFileAtomically(path, writeCatalogue(merged, format));
+            std::printf("%s: %zu kept, %zu added, %zu fuzzy, %zu obsolete\n", path.c_str(), counts.kept, counts.added, counts.fuzzy,
+                        counts.obsolete);
+        } catch (const kore::CException& e) {
+            printError(describe(e));
+            status = 1;
+        }
+    }
+    return status;
+}
+
+int pseudo(const std::vector<std::string>& args)
+{
+    const Arguments a = parseArguments("pseudo", args, {"-o", "--language", "--app-id", "--rtl"});
+    if (a.files.size() != 1 || !a.options.count("-o"))
+        usageError("pseudo", "needs one INPUT and -o OUTPUT.qorlang");
+    const std::string& output = a.options.at("-o");
+    if (isFolder(output))
+        usageError("pseudo", "-o " + output + " is a folder; give the file to write, such as " + output + "/app-zxx-US.qorlang");
+    if (formatOf(output) != Format::Qorlang)
+        usageError("pseudo", "the output of pseudo is a language file, its name ends in .qorlang");
+    Catalogue c = readCatalogue(a.files[0]);
+    const std::string outputName = fileNameOf(output);
+    std::u16string tag = u"zxx-US";
+    if (auto given = optionText(a, "--language")) {
+        const TagChoice choice = tagFor(*given);
+        if (!choice.tag)
+            usageError("pseudo", "--language: " + choice.problem);
+        tag = *choice.tag;
+    } else if (auto named = tagOfFileName(outputName)) {
+        tag = *named;
+    }
+    const bool rtl = a.options.count("--rtl") != 0;
+    for (Entry& e : c.entries) {
+        std::u16string source = e.text.empty() ? std::u16string(splitKey(e.key).second) : e.text;
+        std::u16string text;
+        // Plural forms are joined by U+0000; each is a text of its own.
+        for (size_t start = 0; start <= source.size();) {
+            const size_t end = std::min(source.find(u'\0', start), source.size());
+            text += (start ? std::u16string(1, u'\0') : std::u16string()) + pseudoText(std::u16string_view(source).substr(start, end - start), rtl);
+            start = end + 1;
+        }
+        e.text = std::move(text);
+        e.fuzzy = false;
+    }
+    c.language = tag;
+    if (auto id = optionText(a, "--app-id")) {
+        c.appId = *id;
+    } else {
+        const std::string suffix = "-" + encodeUtf8(tag) + ".qorlang";
+        if (outputName.size() > suffix.size() && outputName.compare(outputName.size() - suffix.size(), suffix.size(), suffix) == 0)
+            c.appId = decodeUtf8(outputName.substr(0, outputName.size() - suffix.size()));
+        else if (!c.appId || c.appId->empty())
+            usageError("pseudo", "the name is not <app>-" + encodeUtf8(tag) + ".qorlang, so give the application id with --app-id");
+    }
+    c.nativeName = rtl ? u"Pseudo (RTL)" : u"Pseudo";
+    c.nativeSubName = pseudoText(u"Pseudo", rtl);
+    c.comment = u"pseudo-localised by qorlang";
+    CompileOptions options;
+    options.useFuzzy = true;
+    const std::vector<uint8_t> bytes = compileLanguageFile(c, options);
+    writeFileAtomically(output, std::string_view(reinterpret_cast<const char*>(bytes.data()), bytes.size()));
     return 0;
 }
 
@@ -398,6 +600,14 @@ int run(const std::vector<std::string>& args)
             return check(rest);
         if (command == "stats")
             return stats(rest);
+        if (command == "extract")
+            return extract(rest);
+        if (command == "init")
+            return init(rest);
+        if (command == "merge")
+            return merge(rest);
+        if (command == "pseudo")
+            return pseudo(rest);
         return info(rest);
     } catch (const UsageError& e) {
         printError(e.message);
