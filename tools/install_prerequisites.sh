@@ -23,7 +23,8 @@ packages=(
   python3 iso-codes             # table generators' up-to-date checks (optional tests)
   clang libfuzzer-14-dev        # fuzz targets (linux-fuzz preset): clang 14 with libFuzzer
   libclang-rt-14-dev            # clang's sanitizer and libFuzzer runtimes
-  gettext                       # msgfmt/msgunfmt: qorlang's comparison with gettext (optional tests)
+  gettext                       # xgettext/msginit/msgmerge: qorlang extract, init, merge; msgfmt/msgunfmt in the tests
+  unicode-cldr-core             # CLDR likely subtags: qorlang's default-country table check (optional test)
   qttools5-dev-tools            # lconvert: the same catalogue as TS and XLIFF (optional tests)
   pkg-config                    # the install check builds a C application through pkg-config
 )
