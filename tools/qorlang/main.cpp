@@ -187,6 +187,34 @@ void warn(const std::string& where, int line, const std::string& message)
     std::fprintf(stderr, "%s%s: warning: %s\n", where.c_str(), line ? (":" + std::to_string(line)).c_str() : "", message.c_str());
 }
 
+// --app-id, else the output's name <app>-<tag>.qorlang, else the catalogue's own.
+void setApplicationId(const Arguments& a, Catalogue& c, const std::string& output, const std::u16string& tag)
+{
+    const std::string outputName = fileNameOf(output);
+    if (auto id = optionText(a, "--app-id")) {
+        c.appId = *id;
+    } else {
+        const std::string suffix = "-" + encodeUtf8(tag) + ".qorlang";
+        if (outputName.size() > suffix.size() && outputName.compare(outputName.size() - suffix.size(), suffix.size(), suffix) == 0)
+            c.appId = decodeUtf8(outputName.substr(0, outputName.size() - suffix.size()));
+        else if (!c.appId || c.appId->empty())
+            fail(output, 0, "the name is not <app>-" + encodeUtf8(tag) + ".qorlang, so give the application id with --app-id");
+    }
+}
+
+// Runs a gettext program that writes `temporary`, and returns what it wrote.
+std::string outputOfProgram(const std::vector<std::string>& command, const std::string& temporary, bool quiet, const std::string& target,
+                            const std::string& failure)
+{
+    const int status = runProgram(command, quiet);
+    std::string bytes = status == 0 ? readFileBytes(temporary) : std::string();
+    std::error_code ignored;
+    std::filesystem::remove(std::filesystem::path(std::u8string(temporary.begin(), temporary.end())), ignored);
+    if (status != 0)
+        fail(target, 0, failure);
+    return bytes;
+}
+
 // --language, else the tag the output's name ends in, else the catalogue's own language (a bare
 // language completed with its usual country).
 std::u16string compiledTag(const Arguments& a, const Catalogue& c, const std::string& input, const std::string& outputName)
@@ -233,15 +261,7 @@ int compile(const std::vector<std::string>& args)
     const std::u16string tag = compiledTag(a, c, input, outputName);
     c.language = tag;
 
-    if (auto id = optionText(a, "--app-id")) {
-        c.appId = *id;
-    } else {
-        const std::string suffix = "-" + encodeUtf8(tag) + ".qorlang";
-        if (outputName.size() > suffix.size() && outputName.compare(outputName.size() - suffix.size(), suffix.size(), suffix) == 0)
-            c.appId = decodeUtf8(outputName.substr(0, outputName.size() - suffix.size()));
-        else if (!c.appId || c.appId->empty())
-            fail(output, 0, "the name is not <app>-" + encodeUtf8(tag) + ".qorlang, so give the application id with --app-id");
-    }
+    setApplicationId(a, c, output, tag);
     if (c.appId->empty())
         fail("qorlang compile", 0, "the application id is empty");
     if (auto author = optionText(a, "--author"))
@@ -460,16 +480,12 @@ int init(const std::vector<std::string>& args)
         std::string locale = encodeUtf8(tag);
         std::replace(locale.begin(), locale.end(), '-', '_');
         const std::string temporary = output + ".init.tmp";
-        const int status = runProgram({requireProgram("msginit", "gettext (Debian: apt-get install gettext)"), "--no-translator",
-                                       "--no-wrap", "-i", templ, "-o", temporary, "-l", locale},
-                                      true);
-        std::string bytes = status == 0 ? readFileBytes(temporary) : std::string();
+        std::string bytes = outputOfProgram({requireProgram("msginit", "gettext (Debian: apt-get install gettext)"), "--no-translator",
+                                             "--no-wrap", "-i", templ, "-o", temporary, "-l", locale},
+                                            temporary, true, output, "msginit failed; run msginit -i " + templ + " -l " + locale + " to see why");
         // msginit picks the charset of its own locale; translators write UTF-8, of which ASCII is part.
         if (const size_t at = bytes.find("charset=ASCII\\n"); at != std::string::npos)
             bytes.replace(at, 13, "charset=UTF-8");
-        std::filesystem::remove(std::filesystem::path(std::u8string(temporary.begin(), temporary.end())), ignored);
-        if (status != 0)
-            fail(output, 0, "msginit failed; run msginit -i " + templ + " -l " + locale + " to see why");
         writeFileAtomically(output, bytes);
         return 0;
     }
@@ -493,14 +509,9 @@ int merge(const std::vector<std::string>& args)
                 fail(path, 0, "merge updates .po, .ts, .xlf, .xliff or .json files; decompile a language file first");
             if (format == Format::Po && formatOf(templPath) == Format::Po) {
                 const std::string temporary = path + ".merge.tmp";
-                const int run = runProgram({requireProgram("msgmerge", "gettext (Debian: apt-get install gettext)"), "--quiet",
-                                            "--previous", "-o", temporary, path, templPath});
-                std::string bytes = run == 0 ? readFileBytes(temporary) : std::string();
-                std::error_code ignored;
-                std::filesystem::remove(std::filesystem::path(std::u8string(temporary.begin(), temporary.end())), ignored);
-                if (run != 0)
-                    fail(path, 0, "msgmerge failed (its message is above)");
-                writeFileAtomically(path, bytes);
+                writeFileAtomically(path, outputOfProgram({requireProgram("msgmerge", "gettext (Debian: apt-get install gettext)"),
+                                                           "--quiet", "--previous", "-o", temporary, path, templPath},
+                                                          temporary, false, path, "msgmerge failed (its message is above)"));
                 continue;
             }
             MergeCounts counts;
@@ -551,15 +562,7 @@ int pseudo(const std::vector<std::string>& args)
         e.fuzzy = false;
     }
     c.language = tag;
-    if (auto id = optionText(a, "--app-id")) {
-        c.appId = *id;
-    } else {
-        const std::string suffix = "-" + encodeUtf8(tag) + ".qorlang";
-        if (outputName.size() > suffix.size() && outputName.compare(outputName.size() - suffix.size(), suffix.size(), suffix) == 0)
-            c.appId = decodeUtf8(outputName.substr(0, outputName.size() - suffix.size()));
-        else if (!c.appId || c.appId->empty())
-            usageError("pseudo", "the name is not <app>-" + encodeUtf8(tag) + ".qorlang, so give the application id with --app-id");
-    }
+    setApplicationId(a, c, output, tag);
     c.nativeName = rtl ? u"Pseudo (RTL)" : u"Pseudo";
     c.nativeSubName = pseudoText(u"Pseudo", rtl);
     c.comment = u"pseudo-localised by qorlang";
