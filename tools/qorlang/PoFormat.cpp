@@ -446,13 +446,23 @@ std::string writePo(const Catalogue& c)
         const auto [context, source] = splitKey(e.key);
         if (!context && source.empty())
             continue; // it would read as a second header
-        out += "\n";
+        std::string entry;
         if (e.fuzzy)
-            out += "#, fuzzy\n";
+            entry += "#, fuzzy\n";
         if (context)
-            appendString(out, "msgctxt", *context);
-        appendString(out, "msgid", source);
-        appendString(out, "msgstr", e.text);
+            appendString(entry, "msgctxt", *context);
+        appendString(entry, "msgid", source);
+        appendString(entry, "msgstr", e.text);
+        out += "\n";
+        if (!e.obsolete) {
+            out += entry;
+            continue;
+        }
+        for (size_t pos = 0; pos < entry.size();) { // "#~ " before every line of an obsolete entry
+            const size_t end = entry.find('\n', pos) + 1;
+            out += (entry.compare(pos, 2, "#,") == 0 ? "" : "#~ ") + entry.substr(pos, end - pos);
+            pos = end;
+        }
     }
     return out;
 }

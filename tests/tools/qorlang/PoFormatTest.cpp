@@ -124,6 +124,7 @@ TEST(PoFormat, WrittenFileReadsBackAndPassesMsgfmtCheck)
         {u"quote \" backslash \\ tab \t bell \a", u"x \" y \\ z \t \a"},
         {u"long\nmulti\nline", u"lang\nmehr\nzeilig"},
         {u"𝄞 and 日本", u"non-BMP 𝄞"},
+        {u"ctx\x04gone\nfor good", u"weg\nfür immer", 0, true, true}, // what merge leaves behind
     };
     const std::string po = writePo(c);
     const Catalogue back = readPo("w.po", po);
