@@ -105,6 +105,23 @@ std::string addDefaultComments(const std::string& keys, const std::string& defau
     return out;
 }
 
+std::string withDefaultsAsTexts(const std::string& pot)
+{
+    std::string out;
+    for (auto [text, block] : blocksOf(pot)) {
+        const std::string marker = "#. default: \"";
+        const size_t comment = text.find(marker);
+        const size_t empty = text.find("\nmsgstr \"\"\n");
+        if (comment != std::string::npos && empty != std::string::npos) {
+            const size_t start = comment + marker.size();
+            const std::string value = text.substr(start, text.find('\n', start) - start - 1); // still quoted as PO quotes it
+            text.replace(empty, 11, "\nmsgstr \"" + value + "\"\n");
+        }
+        out += text + "\n";
+    }
+    return out;
+}
+
 void extractTemplate(const std::vector<std::string>& sources, const std::string& output, const std::string& packageName)
 {
     const std::string xgettext = requireProgram("xgettext", "gettext (Debian: apt-get install gettext)");

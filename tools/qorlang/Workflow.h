@@ -18,6 +18,10 @@ void extractTemplate(const std::vector<std::string>& sources, const std::string&
 // `keys` (its template of the keys), pairing entries by their source references.
 std::string addDefaultComments(const std::string& keys, const std::string& defaults);
 
+// A template whose empty texts are replaced by the entries' "#. default:" texts, so that a reader
+// sees the program's own words (for pseudo).
+std::string withDefaultsAsTexts(const std::string& pot);
+
 struct MergeCounts {
     size_t kept = 0, added = 0, fuzzy = 0, obsolete = 0;
 };

@@ -537,7 +537,9 @@ int pseudo(const std::vector<std::string>& args)
         usageError("pseudo", "-o " + output + " is a folder; give the file to write, such as " + output + "/app-zxx-US.qorlang");
     if (formatOf(output) != Format::Qorlang)
         usageError("pseudo", "the output of pseudo is a language file, its name ends in .qorlang");
-    Catalogue c = readCatalogue(a.files[0]);
+    // A template's key-based entries show their default texts rather than their keys.
+    Catalogue c = formatOf(a.files[0]) == Format::Po ? readPo(a.files[0], withDefaultsAsTexts(readFileBytes(a.files[0])))
+                                                     : readCatalogue(a.files[0]);
     const std::string outputName = fileNameOf(output);
     std::u16string tag = u"zxx-US";
     if (auto given = optionText(a, "--language")) {

@@ -113,4 +113,7 @@ TEST(Workflow, DefaultTextsJoinTheirKeysByReference)
               "msgid \"\"\nmsgstr \"\"\n\n#. TRANSLATORS: title\n#. default: \"My \\\"app\\\"\"\n#: a.cpp:3\nmsgid \"app.title\"\nmsgstr \"\"\n\n"
               "#: a.cpp:4 b.cpp:9\nmsgid \"Open\"\nmsgstr \"\"\n\n"
               "#. default: \"one\"\n#. default: \"other\"\n#: a.cpp:5\nmsgid \"two\"\nmsgstr \"\"\n");
+    // pseudo reads a template with the defaults as texts: the program's words, not its keys.
+    const Catalogue withDefaults = readPo("t.pot", withDefaultsAsTexts(addDefaultComments(keys, defaults)));
+    EXPECT_EQ(pairsOf(withDefaults), (Pairs{{u"app.title", u"My \"app\""}, {u"Open", u""}, {u"two", u"one"}}));
 }

@@ -87,7 +87,7 @@ qorlang(pseudo demo.pot -o lang/demo-zxx-US.qorlang)
 foreach(case IN ITEMS
     "de-DE|Ablauf-Demo\nDatei öffnen\n%s speichern\nBereit\n"
     "fr-FR|Démo du flux\nOpen a file\nSave %s\nReady\n"
-    "zxx-US|[ȧƥƥ.ŧīŧŀḗ~~~~]\n[Ǿƥḗƞ ȧ ƒīŀḗ~~~~]\n[Şȧṽḗ %s~~]\n[şŧȧŧŭş.řḗȧḓẏ~~~~~]\n"
+    "zxx-US|[Ẇǿřķƒŀǿẇ ḓḗḿǿ~~~~~]\n[Ǿƥḗƞ ȧ ƒīŀḗ~~~~]\n[Şȧṽḗ %s~~]\n[Řḗȧḓẏ~~]\n"
     "en-US|Workflow demo\nOpen a file\nSave %s\nReady\n")
   string(REPLACE "|" ";" case "${case}")
   list(GET case 0 tag)
