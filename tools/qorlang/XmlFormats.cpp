@@ -546,7 +546,8 @@ Catalogue readTs(const std::string& path, const std::string& bytes)
                     form = t->FirstChildElement("lengthvariant");
                 entry.text = textOf(path, form ? form : t);
                 const char* type = t->Attribute("type");
-                entry.fuzzy = type && std::strcmp(type, "unfinished") == 0;
+                // Qt marks untranslated messages "unfinished" too; only a text can be unreviewed.
+                entry.fuzzy = type && std::strcmp(type, "unfinished") == 0 && !entry.text.empty();
                 entry.obsolete = type && (std::strcmp(type, "vanished") == 0 || std::strcmp(type, "obsolete") == 0);
             }
             if (const XMLElement* flags = m->FirstChildElement("extra-po-flags"))
@@ -605,8 +606,8 @@ std::string writeTs(const Catalogue& c)
             p.OpenElement("translation");
             if (e->obsolete)
                 p.PushAttribute("type", "vanished");
-            else if (e->fuzzy)
-                p.PushAttribute("type", "unfinished");
+            else if (e->fuzzy || e->text.empty())
+                p.PushAttribute("type", "unfinished"); // Linguist shows an empty one as done otherwise
             pushText(p, e->text, true);
             p.CloseElement(true);
             p.CloseElement();

@@ -60,9 +60,9 @@ replace(de.po "msgid \"app.title\"\nmsgstr \"\"" "msgid \"app.title\"\nmsgstr \"
   "msgid \"Open file\"\nmsgstr \"\"" "msgid \"Open file\"\nmsgstr \"Datei öffnen\""
   "msgid \"Delete everything\"\nmsgstr \"\"" "msgid \"Delete everything\"\nmsgstr \"Alles löschen\""
   "#. TRANSLATORS" "# Anna: short, please\n#. TRANSLATORS")
-replace(fr.ts "<source>app.title</source>\n            <translation/>" "<source>app.title</source>\n            <translation>Démo du flux</translation>"
-  "<source>Open file</source>\n            <translation/>" "<source>Open file</source>\n            <translation>Ouvrir le fichier</translation>"
-  "<source>Quit</source>\n            <comment>menu</comment>\n            <translation/>"
+replace(fr.ts "<source>app.title</source>\n            <translation type=\"unfinished\"/>" "<source>app.title</source>\n            <translation>Démo du flux</translation>"
+  "<source>Open file</source>\n            <translation type=\"unfinished\"/>" "<source>Open file</source>\n            <translation>Ouvrir le fichier</translation>"
+  "<source>Quit</source>\n            <comment>menu</comment>\n            <translation type=\"unfinished\"/>"
   "<source>Quit</source>\n            <comment>menu</comment>\n            <translation>Quitter</translation>")
 
 # 3. The program changes; the template and both translations follow.
