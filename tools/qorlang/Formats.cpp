@@ -166,8 +166,17 @@ std::optional<uint32_t> versionOf(std::string_view digits)
 
 Catalogue readCatalogue(const std::string& path)
 {
-    const Format format = formatOf(path);
-    const std::string bytes = readFileBytes(path);
+    const Format format = formatOf(path); // an unknown extension fails before the file is opened
+    return readCatalogueBytes(path, readFileBytes(path), format);
+}
+
+Catalogue readCatalogueBytes(const std::string& path, const std::string& bytes)
+{
+    return readCatalogueBytes(path, bytes, formatOf(path));
+}
+
+Catalogue readCatalogueBytes(const std::string& path, const std::string& bytes, Format format)
+{
     switch (format) {
     case Format::Po:
         return readPo(path, bytes);

@@ -18,6 +18,9 @@ enum class Format { Po, Xliff, Ts, Json, Text, Qorlang };
 Format formatOf(const std::string& path);
 
 Catalogue readCatalogue(const std::string& path);
+// The same for the bytes of a file named `path` (its format as its extension says).
+Catalogue readCatalogueBytes(const std::string& path, const std::string& bytes);
+Catalogue readCatalogueBytes(const std::string& path, const std::string& bytes, Format format);
 // The text of `catalogue` in a source format (not Format::Qorlang, not Format::Text).
 std::string writeCatalogue(const Catalogue& catalogue, Format format);
 

@@ -26,7 +26,7 @@ double similarity(std::u16string_view a, std::u16string_view b)
     return 2.0 * row[b.size()] / double(a.size() + b.size());
 }
 
-Catalogue mergeCatalogue(const Catalogue& translation, const Catalogue& templ, MergeCounts& counts)
+Catalogue mergeCatalogue(const Catalogue& translation, const Catalogue& templ)
 {
     Catalogue out = translation;
     out.entries.clear();
@@ -55,11 +55,9 @@ Catalogue mergeCatalogue(const Catalogue& translation, const Catalogue& templ, M
         if (auto it = current.find(t.key); it != current.end()) {
             e.text = it->second->text;
             e.fuzzy = it->second->fuzzy;
-            ++counts.kept;
         } else if (auto was = old.find(t.key); was != old.end() && !was->second->text.empty()) {
             e.text = was->second->text; // back again: to be reviewed
             e.fuzzy = true;
-            ++counts.fuzzy;
         } else {
             const auto [context, source] = splitKey(t.key);
             const Entry* best = nullptr;
@@ -76,9 +74,6 @@ Catalogue mergeCatalogue(const Catalogue& translation, const Catalogue& templ, M
                 e.text = best->text;
                 e.fuzzy = true;
                 reused.insert(best);
-                ++counts.fuzzy;
-            } else {
-                ++counts.added;
             }
         }
         out.entries.push_back(std::move(e));
@@ -89,10 +84,28 @@ Catalogue mergeCatalogue(const Catalogue& translation, const Catalogue& templ, M
         Entry e = *r;
         e.obsolete = true;
         e.line = 0;
-        counts.obsolete += r->obsolete ? 0 : 1;
         out.entries.push_back(std::move(e));
     }
     return out;
+}
+
+MergeCounts countChanges(const Catalogue& before, const Catalogue& after)
+{
+    std::map<std::u16string_view, const Entry*> was;
+    for (const Entry& e : before.entries)
+        if (!e.obsolete)
+            was[e.key] = &e;
+    MergeCounts counts;
+    for (const Entry& e : after.entries) {
+        auto it = was.find(e.key);
+        if (e.obsolete)
+            counts.obsolete += it != was.end() ? 1 : 0;
+        else if (it != was.end())
+            ++(e.fuzzy && !it->second->fuzzy ? counts.fuzzy : counts.kept);
+        else
+            ++(e.fuzzy ? counts.fuzzy : counts.added);
+    }
+    return counts;
 }
 
 Catalogue initCatalogue(const Catalogue& templ, const std::u16string& tag)

@@ -28,7 +28,10 @@ struct MergeCounts {
 // `translation` brought up to `templ`: the template's entries in its order, with the
 // translation of the same key; a new key takes, as fuzzy, the translation of a removed key
 // whose source text is similar; removed keys stay at the end, obsolete.
-Catalogue mergeCatalogue(const Catalogue& translation, const Catalogue& templ, MergeCounts& counts);
+Catalogue mergeCatalogue(const Catalogue& translation, const Catalogue& templ);
+// What a merge did, whichever program did it: entries kept, added untranslated, to be reviewed
+// (fuzzy), made obsolete.
+MergeCounts countChanges(const Catalogue& before, const Catalogue& after);
 
 // A new translation of `templ` for `tag`: every entry untranslated.
 Catalogue initCatalogue(const Catalogue& templ, const std::u16string& tag);

@@ -507,16 +507,17 @@ int merge(const std::vector<std::string>& args)
             const Format format = formatOf(path);
             if (format == Format::Qorlang || format == Format::Text)
                 fail(path, 0, "merge updates .po, .ts, .xlf, .xliff or .json files; decompile a language file first");
-            if (format == Format::Po && formatOf(templPath) == Format::Po) {
-                const std::string temporary = path + ".merge.tmp";
-                writeFileAtomically(path, outputOfProgram({requireProgram("msgmerge", "gettext (Debian: apt-get install gettext)"),
-                                                           "--quiet", "--previous", "-o", temporary, path, templPath},
-                                                          temporary, false, path, "msgmerge failed (its message is above)"));
-                continue;
-            }
-            MergeCounts counts;
-            const Catalogue merged = mergeCatalogue(readCatalogue(path), templ, counts);
-            writeFileAtomically(path, writeCatalogue(merged, format));
+            const std::string temporary = path + ".merge.tmp";
+            const Catalogue before = readCatalogue(path);
+            std::string bytes;
+            if (format == Format::Po && formatOf(templPath) == Format::Po)
+                bytes = outputOfProgram({requireProgram("msgmerge", "gettext (Debian: apt-get install gettext)"), "--quiet", "--previous",
+                                         "-o", temporary, path, templPath},
+                                        temporary, false, path, "msgmerge failed (its message is above)");
+            else
+                bytes = writeCatalogue(mergeCatalogue(before, templ), format);
+            const MergeCounts counts = countChanges(before, readCatalogueBytes(path, bytes));
+            writeFileAtomically(path, bytes);
             std::printf("%s: %zu kept, %zu added, %zu fuzzy, %zu obsolete\n", path.c_str(), counts.kept, counts.added, counts.fuzzy,
                         counts.obsolete);
         } catch (const kore::CException& e) {

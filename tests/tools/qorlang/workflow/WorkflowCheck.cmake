@@ -24,6 +24,7 @@ function(qorlang)
     list(JOIN ARGN " " command)
     message(FATAL_ERROR "qorlang ${command}: exit ${rc}: ${out}")
   endif()
+  set(out "${out}" PARENT_SCOPE)
 endfunction()
 
 function(expect_in file)
@@ -68,7 +69,11 @@ replace(fr.ts "<source>app.title</source>\n            <translation type=\"unfin
 # 3. The program changes; the template and both translations follow.
 file(COPY_FILE ${SOURCES}/demo.cpp ${WORK_DIR}/demo.cpp)
 qorlang(extract demo.cpp -o demo.pot)
+# msgmerge (PO) and the catalogue model (TS) must come to the same outcome.
 qorlang(merge demo.pot de.po fr.ts)
+if(NOT out STREQUAL "de.po: 1 kept, 2 added, 1 fuzzy, 1 obsolete\nfr.ts: 1 kept, 2 added, 1 fuzzy, 1 obsolete\n")
+  message(SEND_ERROR "merge reported:\n${out}")
+endif()
 expect_in(de.po "# Anna: short, please\n" "#, fuzzy\n#| msgid \"Open file\"\nmsgid \"Open a file\"\nmsgstr \"Datei öffnen\""
   "#~ msgid \"Delete everything\"\n#~ msgstr \"Alles löschen\"" "msgid \"status.ready\"")
 expect_in(fr.ts "<source>Open a file</source>\n            <translation type=\"unfinished\">Ouvrir le fichier</translation>"
