@@ -119,7 +119,8 @@ const std::map<std::string, const char*> kCommandHelp = {
      "untranslated, a key whose source text changed keeps its old translation marked fuzzy, keys\n"
      "no longer in TEMPLATE become obsolete. PO files go through gettext's msgmerge (translators'\n"
      "comments kept); TS, XLIFF and JSON through the tool's own catalogue, with the same rules\n"
-     "(JSON cannot mark obsolete entries, so they are dropped there).\n"},
+     "(JSON cannot mark obsolete entries, so they are dropped there). Prints per FILE how many\n"
+     "entries were kept, added, marked fuzzy and made obsolete.\n"},
     {"pseudo",
      "usage: qorlang pseudo INPUT -o OUTPUT.qorlang [--language TAG] [--app-id ID] [--rtl]\n"
      "\n"
