@@ -182,7 +182,7 @@ TEST_F(QorlangTool, CheckExitsNonZeroOnErrorsOnly)
 
 TEST_F(QorlangTool, EveryCommandHasHelp)
 {
-    for (const char* command : {"compile", "decompile", "check", "stats", "info"}) {
+    for (const char* command : {"compile", "decompile", "check", "stats", "info", "extract", "init", "merge", "pseudo"}) {
         const Result r = run(std::string(command) + " --help");
         EXPECT_EQ(r.status, 0);
         EXPECT_EQ(r.output.rfind(std::string("usage: qorlang ") + command, 0), 0u) << r.output;
