@@ -24,9 +24,9 @@ class QorlangTool : public testing::Test {
 protected:
     void write(const std::string& name, const std::string& text) { m_folder.writeFile(name, text); }
 
-    Result run(const std::string& arguments)
+    Result run(const std::string& arguments, const std::string& environment = "")
     {
-        const std::string command = "cd '" + m_folder.utf8() + "' && '" QORLANG_EXE "' " + arguments + " 2>&1";
+        const std::string command = "cd '" + m_folder.utf8() + "' && " + environment + " '" QORLANG_EXE "' " + arguments + " 2>&1";
         FILE* pipe = popen(command.c_str(), "r");
         std::string output;
         char buffer[4096];
@@ -160,6 +160,36 @@ TEST_F(QorlangTool, TemplateAsReference)
                         "de.po:7: warning: key \"Close\" is not in the reference (stale); qorlang merge marks it obsolete\n"
                         "1 error, 2 warnings\n");
     EXPECT_EQ(run("stats app.pot").status, 0);
+}
+
+TEST_F(QorlangTool, WorkflowCommandsSayWhy)
+{
+    write("t.pot", "msgid \"a\"\nmsgstr \"\"\n");
+    write("de.po", kPo);
+    write("de.txt", "a=b\n");
+    const struct {
+        int status;
+        std::string environment, arguments, message;
+    } cases[] = {
+        {1, "", "init t.pot -o de.po", "de.po: exists already; qorlang merge brings it up to date with the template\n"},
+        {2, "", "init t.pot -o sr@latin.po",
+         "qorlang init: the language \"sr@latin\" has the modifier @latin, and a language-COUNTRY tag cannot tell that variant from the "
+         "language's usual one; give the tag to ship it under with --language (see qorlang init --help)\n"},
+        {1, "", "merge t.pot missing.po de.txt",
+         "missing.po: cannot open the file for reading: No such file or directory; check the name and the folder\n"
+         "de.txt: merge updates .po, .ts, .xlf, .xliff or .json files; decompile a language file first\n"},
+        {1, "PATH=/nonexistent", "extract a.cpp -o a.pot",
+         "qorlang: xgettext is not installed or not on PATH; install gettext (Debian: apt-get install gettext)\n"},
+        {2, "", "pseudo t.pot -o x.po",
+         "qorlang pseudo: the output of pseudo is a language file, its name ends in .qorlang (see qorlang pseudo --help)\n"},
+        {2, "", "merge t.pot", "qorlang merge: needs a TEMPLATE and at least one translation FILE (see qorlang merge --help)\n"},
+    };
+    for (const auto& [status, environment, arguments, message] : cases) {
+        SCOPED_TRACE(arguments);
+        const Result r = run(arguments, environment);
+        EXPECT_EQ(r.status, status);
+        EXPECT_EQ(r.output, message);
+    }
 }
 
 TEST_F(QorlangTool, CheckExitsNonZeroOnErrorsOnly)
