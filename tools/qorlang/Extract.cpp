@@ -1,6 +1,6 @@
 // extract: gettext's xgettext reads the sources (it knows C and C++ literals, comments,
 // concatenation and macros far better than a lexer of our own would); qorlang adds the keyword
-// specifications of the library's calls and the default texts.
+// options for the library's calls and the default texts.
 #include "Formats.h"
 #include "Process.h"
 #include "Workflow.h"
