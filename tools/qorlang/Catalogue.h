@@ -34,6 +34,12 @@ struct Entry {
     std::u16string pluralSource = {};
     std::vector<std::u16string> forms = {};
 
+    // What a translator wrote: every plural form, else the one text.
+    std::vector<std::u16string_view> texts() const
+    {
+        return forms.empty() ? std::vector<std::u16string_view>{text}
+                             : std::vector<std::u16string_view>(forms.begin(), forms.end());
+    }
     // Entries a compiled file keeps (an empty text would read as missing anyway).
     bool usable(bool useFuzzy) const { return !obsolete && !text.empty() && (useFuzzy || !fuzzy); }
 };

@@ -24,6 +24,10 @@ enum class QtContext { Auto, Keep, Drop };
 Format formatOf(const std::string& path);
 
 Catalogue readCatalogue(const std::string& path, QtContext qtContext = QtContext::Auto);
+// The same for the bytes of a file named `path` (its format as its extension says).
+Catalogue readCatalogueBytes(const std::string& path, const std::string& bytes, QtContext qtContext = QtContext::Auto);
+Catalogue readCatalogueBytes(const std::string& path, const std::string& bytes, Format format,
+                             QtContext qtContext = QtContext::Auto);
 // The text of `catalogue` in a source format (not Format::Qorlang, not Format::Text).
 std::string writeCatalogue(const Catalogue& catalogue, Format format);
 
@@ -65,6 +69,7 @@ inline std::u16string answerOf(const std::vector<uint8_t>& languageFile, std::u1
 // into place, so that a failure never leaves a partial output behind.
 std::string readFileBytes(const std::string& path);
 void writeFileAtomically(const std::string& path, std::string_view bytes);
+bool isFolder(const std::string& path);
 // The last part of a path ("dir/de.po" -> "de.po").
 std::string fileNameOf(const std::string& path);
 
@@ -75,8 +80,8 @@ std::optional<uint32_t> versionOf(std::string_view digits);
 // The other way, for the writers: the decimal digits of a version, absent when it is.
 std::optional<std::u16string> versionText(std::optional<uint32_t> version);
 
-// "ru_RU", "ru-RU.UTF-8", "sr_RS@latin" -> the two-part tag the library accepts ("ru-RU"), or
-// nullopt when the library would reject it.
+// "ru_RU", "ru-RU.UTF-8", "de_DE@euro" -> the two-part tag the library accepts ("ru-RU"), or
+// nullopt when the library would reject it or a modifier ("sr_RS@latin") names another variant.
 std::optional<std::u16string> normalisedTag(std::u16string_view written);
 // A c-format text with gettext's system-dependent segments ("%<PRIu64>") in this platform's
 // spelling ("%lu").

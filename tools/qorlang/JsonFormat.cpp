@@ -204,6 +204,8 @@ std::string writeJson(const Catalogue& c)
     // nesting would clash for "a" next to "a.b".
     const std::vector<std::string> categories = pluralCategories(c.language.value_or(u""));
     for (const Entry& e : c.entries) {
+        if (e.obsolete)
+            continue; // i18next has no mark for them
         out += ",\n";
         first = true;
         if (e.forms.empty()) {

@@ -84,11 +84,40 @@ std::string protectWhiteSpace(const std::string& bytes)
     return out;
 }
 
+// What a translator can act on, instead of the parser's own error names.
+std::string xmlProblem(tinyxml2::XMLError error)
+{
+    switch (error) {
+    case tinyxml2::XML_ERROR_EMPTY_DOCUMENT:
+        return "the file holds no XML element; it may be empty or cut short";
+    case tinyxml2::XML_ERROR_MISMATCHED_ELEMENT:
+        return "an end tag does not match the element it closes";
+    case tinyxml2::XML_ERROR_PARSING_ELEMENT:
+        return "a tag is not closed or not spelt right";
+    case tinyxml2::XML_ERROR_PARSING_ATTRIBUTE:
+        return "an attribute is broken (a value needs quotes; write \" as &quot;)";
+    case tinyxml2::XML_ERROR_PARSING_TEXT:
+        return "text or a tag is broken (write < as &lt; and & as &amp; in texts)";
+    case tinyxml2::XML_ERROR_PARSING_CDATA:
+        return "a CDATA section is not closed with ]]>";
+    case tinyxml2::XML_ERROR_PARSING_COMMENT:
+        return "a comment is not closed with -->";
+    case tinyxml2::XML_ERROR_PARSING_DECLARATION:
+        return "the <?xml ...?> declaration is broken";
+    case tinyxml2::XML_ERROR_PARSING_UNKNOWN:
+        return "a <! ...> construct is not closed";
+    case tinyxml2::XML_ELEMENT_DEPTH_EXCEEDED:
+        return "elements are nested too deeply";
+    default:
+        return "the file ends before the document does, or is not XML";
+    }
+}
+
 void parseDocument(XMLDocument& doc, const std::string& path, const std::string& original)
 {
     const std::string bytes = protectWhiteSpace(original);
     if (doc.Parse(bytes.data(), bytes.size()) != tinyxml2::XML_SUCCESS)
-        fail(path, doc.ErrorLineNum(), std::string("not well-formed XML: ") + doc.ErrorStr());
+        fail(path, doc.ErrorLineNum(), "not well-formed XML: " + xmlProblem(doc.ErrorID()) + "; fix it in an XML editor or the tool that wrote it");
 }
 
 bool named(const XMLElement* e, const char* name) { return std::strcmp(e->Name(), name) == 0; }
@@ -505,13 +534,15 @@ std::string writeXliff(const Catalogue& c)
         p.CloseElement();
         p.CloseElement();
     };
-    auto unit = [&](const std::string& unitId, std::u16string_view source, std::u16string_view text, bool fuzzy) {
+    auto unit = [&](const std::string& unitId, std::u16string_view source, std::u16string_view text, const Entry& e) {
         p.OpenElement("trans-unit");
         p.PushAttribute("id", unitId.c_str());
+        if (e.obsolete)
+            p.PushAttribute("translate", "no");
         pushElement(p, "source", source, false, true);
         p.OpenElement("target");
         p.PushAttribute("xml:space", "preserve");
-        if (fuzzy)
+        if (e.fuzzy)
             p.PushAttribute("state", "needs-review-translation");
         pushText(p, text, false);
         p.CloseElement(true);
@@ -520,7 +551,7 @@ std::string writeXliff(const Catalogue& c)
         const auto [context, source] = splitKey(e.key);
         const std::string unitId = std::to_string(++id);
         if (e.forms.empty()) {
-            unit(unitId, source, e.text, e.fuzzy);
+            unit(unitId, source, e.text, e);
             contextGroup(context);
             p.CloseElement();
             continue;
@@ -530,7 +561,7 @@ std::string writeXliff(const Catalogue& c)
         p.PushAttribute("restype", "x-gettext-plurals");
         contextGroup(context);
         for (size_t i = 0; i < e.forms.size(); ++i) {
-            unit(unitId + "[" + std::to_string(i) + "]", i == 0 ? source : std::u16string_view(e.pluralSource), e.forms[i], e.fuzzy);
+            unit(unitId + "[" + std::to_string(i) + "]", i == 0 ? source : std::u16string_view(e.pluralSource), e.forms[i], e);
             p.CloseElement();
         }
         p.CloseElement();
@@ -596,7 +627,8 @@ Catalogue readTs(const std::string& path, const std::string& bytes, QtContext co
                     form = t->FirstChildElement("lengthvariant");
                 entry.text = entry.plural ? entry.forms.front() : textOf(path, form ? form : t);
                 const char* type = t->Attribute("type");
-                entry.fuzzy = type && std::strcmp(type, "unfinished") == 0;
+                // Qt marks untranslated messages "unfinished" too; only a text can be unreviewed.
+                entry.fuzzy = type && std::strcmp(type, "unfinished") == 0 && !entry.text.empty();
                 entry.obsolete = type && (std::strcmp(type, "vanished") == 0 || std::strcmp(type, "obsolete") == 0);
             }
             if (const XMLElement* flags = m->FirstChildElement("extra-po-flags"))
@@ -656,8 +688,10 @@ std::string writeTs(const Catalogue& c)
                 pushElement(p, "comment", comment, true);
             }
             p.OpenElement("translation");
-            if (e->fuzzy)
-                p.PushAttribute("type", "unfinished");
+            if (e->obsolete)
+                p.PushAttribute("type", "vanished");
+            else if (e->fuzzy || e->text.empty())
+                p.PushAttribute("type", "unfinished"); // Linguist shows an empty one as done otherwise
             if (e->forms.empty())
                 pushText(p, e->text, true);
             for (const std::u16string& form : e->forms)

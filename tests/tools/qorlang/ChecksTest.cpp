@@ -3,6 +3,7 @@
 // would not accept.
 #include "Checks.h"
 #include "Formats.h"
+#include "Language.h"
 #include "Unicode.h"
 
 #include <gtest/gtest.h>
@@ -43,6 +44,7 @@ TEST(Checks, PlaceholdersOfAText)
         {u"Hello %USER_NAME%, %d%", ph({"%1$d"}, {"%USER_NAME%"})},
         {u"{name} has {{count}} and {0}, not { spaced } or {}", ph({}, {"{0}", "{count}", "{name}"})},
         {u"%<PRIu64> stays unread", ph({}, {})},
+        {u"{{val, number}} by {{- name}} in {{ x }}, not {{a b}}", ph({}, {"{name}", "{val}", "{x}"})},
     };
     for (const auto& [text, expected] : cases) {
         SCOPED_TRACE(std::string(text.begin(), text.end()));
@@ -88,11 +90,11 @@ TEST(Checks, SourceFormatsWithoutReference)
                                        {u"one file", u"%d Datei", 7, false, false, true, true, u"%d files", {u"%d Datei", u"%d Dateien"}},
                                        {u"fuzzy", u"unscharf", 9, true},
                                        {u"untranslated", u"", 11}},
-                             u"de");
+                             u"sr@latin");
     EXPECT_EQ(messages(checkCatalogue(po, nullptr, nullptr)),
               (std::vector<std::string>{
                   "0 W 1 untranslated and 1 fuzzy entries; compile leaves them out (fuzzy ones stay with --use-fuzzy)",
-                  "1 W the language \"de\" is not a tag QOR_LANG2_setCurrentLanguage accepts (it needs language-COUNTRY, such as de-DE); compile needs --language",
+                  "1 W the language \"sr@latin\" has the modifier @latin, and a language-COUNTRY tag cannot tell that variant from the language's usual one; give the tag to ship it under with --language",
                   "4 E key \"%s of %d\": placeholders differ from the source text: missing %1$s %2$d, extra %1$d %2$s",
               }));
     const Stats s = statsOf(po, nullptr);
@@ -130,7 +132,7 @@ TEST(Checks, LanguageFileNameTagAndDuplicates)
 TEST(Checks, TagsAndFileNames)
 {
     const std::pair<std::u16string, std::optional<std::u16string>> tags[] = {
-        {u"ru_RU", u"ru-RU"}, {u"de-de", u"de-DE"}, {u"sr_RS@latin", u"sr-RS"}, {u"pt_BR.UTF-8", u"pt-BR"},
+        {u"ru_RU", u"ru-RU"}, {u"de-de", u"de-DE"}, {u"sr_RS@latin", std::nullopt}, {u"de_DE@euro", u"de-DE"}, {u"pt_BR.UTF-8", u"pt-BR"},
         {u"de", std::nullopt}, {u"", std::nullopt}, {u"xx-YY", std::nullopt}, {u"de-DE-1996", std::nullopt},
     };
     for (const auto& [written, expected] : tags)
@@ -186,4 +188,39 @@ TEST(Checks, PluralFormsPlaceholdersAndUnreachableKeys)
         cat.pluralFormsLine = 1;
         EXPECT_EQ(messages(checkCatalogue(cat, nullptr, nullptr)), c.expected) << c.path;
     }
+}
+
+TEST(Checks, ALonePercentAtTheEnd)
+{
+    // Flagged only where the source does not end so itself; an error where printf reads the text.
+    const Catalogue reference = catalogue("en-US.txt", {{u"ratio", u"%d done", 1}, {u"plain", u"Full", 2}, {u"lit", u"50%", 3}});
+    const Catalogue c = catalogue("de-DE.txt", {{u"ratio", u"%d %", 1}, {u"plain", u"Voll%", 2}, {u"lit", u"50%", 3}, {u"ok", u"100%%", 4}});
+    EXPECT_EQ(messages(checkCatalogue(c, &reference, nullptr)),
+              (std::vector<std::string>{
+                  "1 E key \"ratio\": the text ends in a lone %, which printf reads as the start of a field; write %% for a percent sign",
+                  "2 W key \"plain\": the text ends in a lone %, which printf reads as the start of a field; write %% for a percent sign",
+                  "4 W key \"ok\" is not in the reference (stale); qorlang merge marks it obsolete"}));
+}
+
+TEST(Checks, LanguagesAsCataloguesWriteThem)
+{
+    // Bare languages take CLDR's likely country; scripts and variants have no two-part tag.
+    const std::pair<std::u16string, std::string> cases[] = {
+        {u"de", "de-DE"}, {u"PT", "pt-BR"}, {u"sr", "sr-RS"}, {u"ja", "ja-JP"}, {u"de_AT.UTF-8", "de-AT"},
+        {u"fr-CA", "fr-CA"}, {u"de_DE@euro", "de-DE"},
+        {u"sr@latin", "has the modifier @latin"}, {u"sr_RS@latin", "has the modifier @latin"},
+        {u"zh-Hant-TW", "names the script Hant"}, {u"sr_Latn", "names the script Latn"},
+        {u"es-419", "is not a language-COUNTRY tag"}, {u"xx", "has no country"}, {u"eo", "has no country"},
+        {u"", "is not a language-COUNTRY tag"},
+    };
+    for (const auto& [written, expected] : cases) {
+        const TagChoice choice = tagFor(written);
+        const std::string got = choice.tag ? std::string(choice.tag->begin(), choice.tag->end()) : choice.problem;
+        EXPECT_NE(got.find(expected), std::string::npos) << got;
+        EXPECT_EQ(choice.completed, written.size() == 2 && choice.tag.has_value()) << got;
+    }
+    EXPECT_EQ(tagOfFileName("my-app-de-AT.qorlang"), u"de-AT");
+    EXPECT_EQ(tagOfFileName("de-AT.qorlang"), u"de-AT");
+    EXPECT_EQ(tagOfFileName("app-de.qorlang"), std::nullopt);
+    EXPECT_EQ(tagOfFileName("app-de-AT.po"), std::nullopt);
 }
