@@ -2,11 +2,44 @@
 // not read (TS, XLIFF, i18next JSON): the same outcome as msgmerge's, entry by entry.
 #include "Workflow.h"
 
+#include "qor_lang_manager/PluralLookup.h"
+
 #include <algorithm>
 #include <map>
 #include <set>
 
 namespace qorlang {
+
+namespace {
+
+// As many empty forms as the rule a catalogue in `language` follows ("de_DE", "pt-PT", "sr@latin"):
+// its own `rule`, else the language's, as the library chooses at run time.
+std::vector<std::u16string> emptyForms(const std::optional<std::u16string>& rule, std::u16string_view language)
+{
+    std::u16string tag(language.substr(0, language.find_first_of(u"@.")));
+    std::replace(tag.begin(), tag.end(), u'_', u'-');
+    const std::u16string text = qor_lang::pluralRuleText(rule, tag);
+    const auto parsed = qor_lang::PluralRule::parse(std::string(text.begin(), text.end()));
+    return std::vector<std::u16string>(parsed ? parsed->count() : 2);
+}
+
+// Puts the translation `from` into the template's entry `e`; true when its shape no longer fits
+// (a plural source added, changed or dropped), so that a translator reviews it.
+bool carryTranslation(Entry& e, const Entry& from, const std::vector<std::u16string>& languageForms)
+{
+    e.text = from.text;
+    if (e.forms.empty())
+        return !from.forms.empty();
+    if (from.forms.empty()) {
+        e.forms = languageForms;
+        e.forms.front() = from.text;
+        return true;
+    }
+    e.forms = from.forms;
+    return from.pluralSource != e.pluralSource;
+}
+
+} // namespace
 
 double similarity(std::u16string_view a, std::u16string_view b)
 {
@@ -43,6 +76,7 @@ Catalogue mergeCatalogue(const Catalogue& translation, const Catalogue& templ)
         if (!wanted.count(e.key) && !e.text.empty() && (e.obsolete ? old : current)[e.key] == &e)
             removed.push_back(&e);
     std::set<const Entry*> reused;
+    const std::vector<std::u16string> languageForms = emptyForms(translation.pluralForms, translation.language.value_or(u""));
 
     std::set<std::u16string_view> done;
     for (const Entry& t : templ.entries) {
@@ -50,14 +84,15 @@ Catalogue mergeCatalogue(const Catalogue& translation, const Catalogue& templ)
             continue;
         Entry e = t;
         e.text.clear();
+        if (!e.forms.empty())
+            e.forms = languageForms;
         e.fuzzy = false;
         e.line = 0;
         if (auto it = current.find(t.key); it != current.end()) {
-            e.text = it->second->text;
-            e.fuzzy = it->second->fuzzy;
+            e.fuzzy = carryTranslation(e, *it->second, languageForms) || it->second->fuzzy;
         } else if (auto was = old.find(t.key); was != old.end() && !was->second->text.empty()) {
-            e.text = was->second->text; // back again: to be reviewed
-            e.fuzzy = true;
+            carryTranslation(e, *was->second, languageForms);
+            e.fuzzy = true; // back again: to be reviewed
         } else {
             const auto [context, source] = splitKey(t.key);
             const Entry* best = nullptr;
@@ -71,7 +106,7 @@ Catalogue mergeCatalogue(const Catalogue& translation, const Catalogue& templ)
                 }
             }
             if (best) {
-                e.text = best->text;
+                carryTranslation(e, *best, languageForms);
                 e.fuzzy = true;
                 reused.insert(best);
             }
@@ -114,11 +149,14 @@ Catalogue initCatalogue(const Catalogue& templ, const std::u16string& tag)
     out.path = templ.path;
     out.language = tag;
     out.appId = templ.appId;
+    const std::vector<std::u16string> forms = emptyForms(std::nullopt, tag);
     for (const Entry& t : templ.entries) {
         if (t.obsolete)
             continue;
         Entry e = t;
         e.text.clear();
+        if (!e.forms.empty())
+            e.forms = forms;
         e.fuzzy = false;
         e.line = 0;
         out.entries.push_back(std::move(e));

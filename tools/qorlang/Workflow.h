@@ -27,13 +27,16 @@ struct MergeCounts {
 };
 // `translation` brought up to `templ`: the template's entries in its order, with the
 // translation of the same key; a new key takes, as fuzzy, the translation of a removed key
-// whose source text is similar; removed keys stay at the end, obsolete.
+// whose source text is similar; removed keys stay at the end, obsolete. A plural entry keeps its
+// forms, or gets as many empty ones as the translation's plural rule counts; one whose plural
+// source was added, changed or dropped is fuzzy.
 Catalogue mergeCatalogue(const Catalogue& translation, const Catalogue& templ);
 // What a merge did, whichever program did it: entries kept, added untranslated, to be reviewed
 // (fuzzy), made obsolete.
 MergeCounts countChanges(const Catalogue& before, const Catalogue& after);
 
-// A new translation of `templ` for `tag`: every entry untranslated.
+// A new translation of `templ` for `tag`: every entry untranslated, a plural one with as many
+// empty forms as `tag`'s plural rule counts.
 Catalogue initCatalogue(const Catalogue& templ, const std::u16string& tag);
 
 // 0..1, how alike two source texts are (1: equal), as gettext's fuzzy matching judges.

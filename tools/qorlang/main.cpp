@@ -365,17 +365,19 @@ void printError(const std::string& message)
 
 std::string describe(const kore::CException& e) { return e.getDescription()->toUTF8(); }
 
+// i18next plural keys join into entries by the file's own language, when it names one.
+Catalogue withI18nextPlurals(Catalogue c)
+{
+    if (formatOf(c.path) == Format::Json)
+        joinI18nextPlurals(c, c.language.value_or(u""));
+    return c;
+}
+
 Inputs readInputs(const std::string& command, const std::vector<std::string>& args)
 {
     const Arguments a = parseArguments(command, args, {"--reference", "--qt-context"});
     const QtContext qtContext = qtContextOption(command, a);
-    // i18next plural keys join into entries by the file's own language, when it names one.
-    auto read = [&](const std::string& path) {
-        Catalogue c = readCatalogue(path, qtContext);
-        if (formatOf(path) == Format::Json)
-            joinI18nextPlurals(c, c.language.value_or(u""));
-        return c;
-    };
+    auto read = [&](const std::string& path) { return withI18nextPlurals(readCatalogue(path, qtContext)); };
     if (a.files.empty())
         usageError(command, "needs at least one FILE");
     Inputs in;
@@ -533,7 +535,7 @@ int merge(const std::vector<std::string>& args)
     if (a.files.size() < 2)
         usageError("merge", "needs a TEMPLATE and at least one translation FILE");
     const std::string& templPath = a.files[0];
-    const Catalogue templ = readCatalogue(templPath);
+    const Catalogue templ = withI18nextPlurals(readCatalogue(templPath));
     int status = 0;
     for (size_t i = 1; i < a.files.size(); ++i) {
         const std::string& path = a.files[i];
@@ -542,7 +544,7 @@ int merge(const std::vector<std::string>& args)
             if (format == Format::Qorlang || format == Format::Text)
                 fail(path, 0, "merge updates .po, .ts, .xlf, .xliff or .json files; decompile a language file first");
             const std::string temporary = path + ".merge.tmp";
-            const Catalogue before = readCatalogue(path);
+            const Catalogue before = withI18nextPlurals(readCatalogue(path));
             std::string bytes;
             if (format == Format::Po && formatOf(templPath) == Format::Po)
                 bytes = outputOfProgram({requireProgram("msgmerge", "gettext (Debian: apt-get install gettext)"), "--quiet", "--previous",
@@ -550,7 +552,7 @@ int merge(const std::vector<std::string>& args)
                                         temporary, false, path, "msgmerge failed (its message is above)");
             else
                 bytes = writeCatalogue(mergeCatalogue(before, templ), format);
-            const MergeCounts counts = countChanges(before, readCatalogueBytes(path, bytes));
+            const MergeCounts counts = countChanges(before, withI18nextPlurals(readCatalogueBytes(path, bytes)));
             writeFileAtomically(path, bytes);
             std::printf("%s: %zu kept, %zu added, %zu fuzzy, %zu obsolete\n", path.c_str(), counts.kept, counts.added, counts.fuzzy,
                         counts.obsolete);
@@ -574,7 +576,7 @@ int pseudo(const std::vector<std::string>& args)
         usageError("pseudo", "the output of pseudo is a language file, its name ends in .qorlang");
     // A template's key-based entries show their default texts rather than their keys.
     Catalogue c = formatOf(a.files[0]) == Format::Po ? readPo(a.files[0], withDefaultsAsTexts(readFileBytes(a.files[0])))
-                                                     : readCatalogue(a.files[0]);
+                                                     : withI18nextPlurals(readCatalogue(a.files[0]));
     const std::string outputName = fileNameOf(output);
     std::u16string tag = u"zxx-US";
     if (auto given = optionText(a, "--language")) {
@@ -587,15 +589,14 @@ int pseudo(const std::vector<std::string>& args)
     }
     const bool rtl = a.options.count("--rtl") != 0;
     for (Entry& e : c.entries) {
-        std::u16string source = e.text.empty() ? std::u16string(splitKey(e.key).second) : e.text;
-        std::u16string text;
-        // Plural forms are joined by U+0000; each is a text of its own.
-        for (size_t start = 0; start <= source.size();) {
-            const size_t end = std::min(source.find(u'\0', start), source.size());
-            text += (start ? std::u16string(1, u'\0') : std::u16string()) + pseudoText(std::u16string_view(source).substr(start, end - start), rtl);
-            start = end + 1;
-        }
-        e.text = std::move(text);
+        // An untranslated text shows its source: the singular for the first form, else the plural.
+        auto pseudoOf = [&](std::u16string_view text, std::u16string_view source) {
+            return pseudoText(text.empty() ? source : text, rtl);
+        };
+        const std::u16string_view source = splitKey(e.key).second;
+        for (size_t i = 0; i < e.forms.size(); ++i)
+            e.forms[i] = pseudoOf(e.forms[i], i == 0 ? source : std::u16string_view(e.pluralSource));
+        e.text = e.forms.empty() ? pseudoOf(e.text, source) : e.forms.front();
         e.fuzzy = false;
     }
     c.language = tag;

@@ -152,15 +152,19 @@ TEST_F(QorlangTool, TemplateAsReference)
 {
     // A .pot has no texts: translations are checked against its source texts, and keys it no
     // longer has are stale.
-    write("app.pot", "msgid \"\"\nmsgstr \"\"\n\n#, c-format\nmsgid \"%d files in %s\"\nmsgstr \"\"\n\nmsgid \"Open\"\nmsgstr \"\"\n");
+    // A plural form may follow either of the template's sources.
+    write("app.pot", "msgid \"\"\nmsgstr \"\"\n\n#, c-format\nmsgid \"%d files in %s\"\nmsgstr \"\"\n\nmsgid \"Open\"\nmsgstr \"\"\n\n"
+                     "#, c-format\nmsgid \"one file\"\nmsgid_plural \"%d files\"\nmsgstr[0] \"\"\nmsgstr[1] \"\"\n");
     write("de.po", "msgid \"\"\nmsgstr \"Language: de_DE\\n\"\n\nmsgid \"%d files in %s\"\nmsgstr \"%s Dateien\"\n\n"
-                   "msgid \"Close\"\nmsgstr \"Schließen\"\n");
+                   "msgid \"Close\"\nmsgstr \"Schließen\"\n\n"
+                   "msgid \"one file\"\nmsgid_plural \"%d files\"\nmsgstr[0] \"eine Datei\"\nmsgstr[1] \"%s Dateien\"\n");
     const Result r = run("check de.po --reference app.pot");
     EXPECT_EQ(r.status, 1);
     EXPECT_EQ(r.output, "de.po: warning: key \"Open\" of the reference (line 8) has no translation here\n"
                         "de.po:4: error: key \"%d files in %s\": placeholders differ from the reference's source text (line 5): missing %1$d %2$s, extra %1$s\n"
                         "de.po:7: warning: key \"Close\" is not in the reference (stale); qorlang merge marks it obsolete\n"
-                        "1 error, 2 warnings\n");
+                        "de.po:10: error: key \"one file\" form 1: placeholders differ from the reference's source texts (line 12): missing %1$d, extra %1$s\n"
+                        "2 errors, 2 warnings\n");
     EXPECT_EQ(run("stats app.pot").status, 0);
 }
 

@@ -25,7 +25,57 @@ Entry obsolete(std::u16string key, std::u16string text)
     return e;
 }
 
+Entry plural(std::u16string key, std::u16string pluralSource, std::vector<std::u16string> forms)
+{
+    return Entry{std::move(key), forms.front(), 0, false, false, true, false, std::move(pluralSource), std::move(forms)};
+}
+
+// "key: (fuzzy) form|form <plural source>" per entry; plain "key: text" for singular ones.
+std::vector<std::u16string> formsOf(const Catalogue& c)
+{
+    std::vector<std::u16string> out;
+    for (const Entry& e : c.entries) {
+        std::u16string line = e.key + u": " + (e.obsolete ? u"(obsolete) " : e.fuzzy ? u"(fuzzy) " : u"");
+        if (e.forms.empty())
+            line += e.text;
+        for (size_t i = 0; i < e.forms.size(); ++i)
+            line += (i ? u"|" : u"") + e.forms[i];
+        out.push_back(e.forms.empty() ? line : line + u" <" + e.pluralSource + u">");
+    }
+    return out;
+}
+
 } // namespace
+
+TEST(Workflow, PluralFormsThroughMergeAndInit)
+{
+    // The template's plural entries have two empty forms (a .pot); a translation keeps its own
+    // forms, new ones get its language's count, and a changed shape or plural source is fuzzy.
+    const Catalogue templ = withEntries({plural(u"%d file", u"%d files", {u"", u""}), plural(u"%d dir", u"%d dirs found", {u"", u""}),
+                                         plural(u"%d item", u"%d items", {u"", u""}), {u"%d page", u""},
+                                         plural(u"%d new", u"%d new ones", {u"", u""}), plural(u"%d photo", u"%d photos", {u"", u""})});
+    Catalogue translation = withEntries({plural(u"%d file", u"%d files", {u"a", u"b", u"c"}), plural(u"%d dir", u"%d dirs", {u"d", u"e", u"f"}),
+                                         {u"%d item", u"x"}, plural(u"%d page", u"%d pages", {u"p", u"q", u"r"}),
+                                         plural(u"%d photo", u"%d photos", {u"g", u"h", u"i"})});
+    translation.entries.back().obsolete = true;
+    translation.language = u"ru_RU";
+    const Catalogue merged = mergeCatalogue(translation, templ);
+    EXPECT_EQ(formsOf(merged), (std::vector<std::u16string>{u"%d file: a|b|c <%d files>", u"%d dir: (fuzzy) d|e|f <%d dirs found>",
+                                                           u"%d item: (fuzzy) x|| <%d items>", u"%d page: (fuzzy) p",
+                                                           u"%d new: || <%d new ones>", u"%d photo: (fuzzy) g|h|i <%d photos>"}));
+    EXPECT_EQ(formsOf(mergeCatalogue(merged, templ)), formsOf(merged));
+    // A rule of the translation's own wins over its language's.
+    translation.pluralForms = u"nplurals=2; plural=(n != 1);";
+    EXPECT_EQ(formsOf(mergeCatalogue(translation, templ))[4], u"%d new: | <%d new ones>");
+
+    const std::pair<std::u16string, size_t> languages[] = {{u"ru-RU", 3}, {u"fr-FR", 3}, {u"ja-JP", 1}, {u"ar-EG", 6}, {u"xx-YY", 2}};
+    for (const auto& [tag, count] : languages) {
+        const Catalogue started = initCatalogue(templ, tag);
+        EXPECT_EQ(started.entries[0].forms, std::vector<std::u16string>(count)) << encodeUtf8(tag);
+        EXPECT_EQ(started.entries[0].pluralSource, u"%d files");
+        EXPECT_TRUE(started.entries[3].forms.empty());
+    }
+}
 
 TEST(Workflow, MergeFollowsMsgmerge)
 {

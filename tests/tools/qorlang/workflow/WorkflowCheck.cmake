@@ -1,7 +1,8 @@
 cmake_minimum_required(VERSION 3.25)
 
 # The translator's whole cycle on a small C++ program: extract the keys of its first version,
-# start German (PO) and French (TS), translate, change the program, extract and merge again
+# start German (PO) and French (TS, with its three plural forms), translate, change the program and
+# its plural source, extract and merge again
 # (changed texts fuzzy, removed ones obsolete), compile, pseudo-localise, and run the changed
 # program in each language. Then a project whose build checks its translations.
 #   cmake -DQORLANG=<qorlang> -DDEMO=<demo program> -DSOURCES=<this folder> -DCMAKE_DIR=<cmake/>
@@ -60,40 +61,50 @@ expect_in(de.po "Language: de\\n" "Plural-Forms: nplurals=2; plural=(n != 1);")
 replace(de.po "msgid \"app.title\"\nmsgstr \"\"" "msgid \"app.title\"\nmsgstr \"Ablauf-Demo\""
   "msgid \"Open file\"\nmsgstr \"\"" "msgid \"Open file\"\nmsgstr \"Datei öffnen\""
   "msgid \"Delete everything\"\nmsgstr \"\"" "msgid \"Delete everything\"\nmsgstr \"Alles löschen\""
-  "#. TRANSLATORS" "# Anna: short, please\n#. TRANSLATORS")
+  "#. TRANSLATORS" "# Anna: short, please\n#. TRANSLATORS"
+  "msgstr[0] \"\"\nmsgstr[1] \"\"" "msgstr[0] \"%d Datei\"\nmsgstr[1] \"%d Dateien\"")
 replace(fr.ts "<source>app.title</source>\n            <translation type=\"unfinished\"/>" "<source>app.title</source>\n            <translation>Démo du flux</translation>"
   "<source>Open file</source>\n            <translation type=\"unfinished\"/>" "<source>Open file</source>\n            <translation>Ouvrir le fichier</translation>"
   "<source>Quit</source>\n            <comment>menu</comment>\n            <translation type=\"unfinished\"/>"
-  "<source>Quit</source>\n            <comment>menu</comment>\n            <translation>Quitter</translation>")
+  "<source>Quit</source>\n            <comment>menu</comment>\n            <translation>Quitter</translation>"
+  # init gave French's three forms (one, many, other), not the template's two.
+  "<translation type=\"unfinished\">\n                <numerusform/>\n                <numerusform/>\n                <numerusform/>"
+  "<translation>\n                <numerusform>%d fichier</numerusform>\n                <numerusform>%d de fichiers</numerusform>\n                <numerusform>%d fichiers</numerusform>")
 
 # 3. The program changes; the template and both translations follow.
 file(COPY_FILE ${SOURCES}/demo.cpp ${WORK_DIR}/demo.cpp)
 qorlang(extract demo.cpp -o demo.pot)
 # msgmerge (PO) and the catalogue model (TS) must come to the same outcome.
 qorlang(merge demo.pot de.po fr.ts)
-if(NOT out STREQUAL "de.po: 1 kept, 2 added, 1 fuzzy, 1 obsolete\nfr.ts: 1 kept, 2 added, 1 fuzzy, 1 obsolete\n")
+if(NOT out STREQUAL "de.po: 1 kept, 2 added, 2 fuzzy, 1 obsolete\nfr.ts: 1 kept, 2 added, 2 fuzzy, 1 obsolete\n")
   message(SEND_ERROR "merge reported:\n${out}")
 endif()
 expect_in(de.po "# Anna: short, please\n" "#, fuzzy\n#| msgid \"Open file\"\nmsgid \"Open a file\"\nmsgstr \"Datei öffnen\""
-  "#~ msgid \"Delete everything\"\n#~ msgstr \"Alles löschen\"" "msgid \"status.ready\"")
+  "#~ msgid \"Delete everything\"\n#~ msgstr \"Alles löschen\"" "msgid \"status.ready\""
+  # A changed plural source: the forms kept, to be reviewed.
+  "#, fuzzy, c-format\n#| msgid \"%d file\"\n#| msgid_plural \"%d files\"\nmsgid \"%d file\"\nmsgid_plural \"%d files found\"\nmsgstr[0] \"%d Datei\"")
 expect_in(fr.ts "<source>Open a file</source>\n            <translation type=\"unfinished\">Ouvrir le fichier</translation>"
-  "<translation type=\"vanished\">Quitter</translation>")
+  "<translation type=\"vanished\">Quitter</translation>"
+  "<translation type=\"unfinished\">\n                <numerusform>%d fichier</numerusform>\n                <numerusform>%d de fichiers</numerusform>\n                <numerusform>%d fichiers</numerusform>\n            </translation>\n            <extra-po-msgid_plural>%d files found</extra-po-msgid_plural>")
 
 # 4. Reviewed and compiled (language from the output name), pseudo-localised.
 replace(de.po "#, fuzzy\n#| msgid \"Open file\"\nmsgid" "msgid"
   "msgid \"Save %s\"\nmsgstr \"\"" "msgid \"Save %s\"\nmsgstr \"%s speichern\""
-  "msgid \"status.ready\"\nmsgstr \"\"" "msgid \"status.ready\"\nmsgstr \"Bereit\"")
+  "msgid \"status.ready\"\nmsgstr \"\"" "msgid \"status.ready\"\nmsgstr \"Bereit\""
+  "#, fuzzy, c-format\n#| msgid \"%d file\"\n#| msgid_plural \"%d files\"\n" "#, c-format\n"
+  "msgstr[1] \"%d Dateien\"" "msgstr[1] \"%d Dateien gefunden\"")
 qorlang(check de.po --reference demo.pot)
 qorlang(compile de.po -o lang/demo-de-DE.qorlang)
 qorlang(compile fr.ts -o lang/demo-fr-FR.qorlang)
 qorlang(pseudo demo.pot -o lang/demo-zxx-US.qorlang)
 
-# 5. The changed program in each language; fuzzy French is left out, so defaults show.
+# 5. The changed program in each language, its plural for 1 and 2; fuzzy French is left out,
+#    so defaults show.
 foreach(case IN ITEMS
-    "de-DE|Ablauf-Demo\nDatei öffnen\n%s speichern\nBereit\n"
-    "fr-FR|Démo du flux\nOpen a file\nSave %s\nReady\n"
-    "zxx-US|[Ẇǿřķƒŀǿẇ ḓḗḿǿ~~~~~]\n[Ǿƥḗƞ ȧ ƒīŀḗ~~~~]\n[Şȧṽḗ %s~~]\n[Řḗȧḓẏ~~]\n"
-    "en-US|Workflow demo\nOpen a file\nSave %s\nReady\n")
+    "de-DE|Ablauf-Demo\nDatei öffnen\n%s speichern\nBereit\n%d Datei\n%d Dateien gefunden\n"
+    "fr-FR|Démo du flux\nOpen a file\nSave %s\nReady\n%d file\n%d files found\n"
+    "zxx-US|[Ẇǿřķƒŀǿẇ ḓḗḿǿ~~~~~]\n[Ǿƥḗƞ ȧ ƒīŀḗ~~~~]\n[Şȧṽḗ %s~~]\n[Řḗȧḓẏ~~]\n[%d ƒīŀḗ~~]\n[%d ƒīŀḗş ƒǿŭƞḓ~~~~~]\n"
+    "en-US|Workflow demo\nOpen a file\nSave %s\nReady\n%d file\n%d files found\n")
   string(REPLACE "|" ";" case "${case}")
   list(GET case 0 tag)
   list(GET case 1 expected)

@@ -20,5 +20,7 @@ int main(int argc, char** argv)
     QOR_LANG2_CHAR* status = QOR_LANG2_getLocalString(u"status.ready", u"Ready");
     std::printf("%s\n", qor_lang2::toUtf8(status).c_str());
     QOR_LANG2_freeWideString(status);
+    for (unsigned long n : {1ul, 2ul})
+        std::printf("%s\n", qor_lang2::trn("%d file"sv, "%d files found"sv, n).c_str());
     return 0;
 }
