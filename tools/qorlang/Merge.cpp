@@ -23,6 +23,18 @@ std::vector<std::u16string> emptyForms(const std::optional<std::u16string>& rule
     return std::vector<std::u16string>(parsed ? parsed->count() : 2);
 }
 
+// The template's entry `t` untranslated, a plural one with the language's empty forms.
+Entry untranslated(const Entry& t, const std::vector<std::u16string>& languageForms)
+{
+    Entry e = t;
+    e.text.clear();
+    if (!e.forms.empty())
+        e.forms = languageForms;
+    e.fuzzy = false;
+    e.line = 0;
+    return e;
+}
+
 // Puts the translation `from` into the template's entry `e`; true when its shape no longer fits
 // (a plural source added, changed or dropped), so that a translator reviews it.
 bool carryTranslation(Entry& e, const Entry& from, const std::vector<std::u16string>& languageForms)
@@ -82,12 +94,7 @@ Catalogue mergeCatalogue(const Catalogue& translation, const Catalogue& templ)
     for (const Entry& t : templ.entries) {
         if (t.obsolete || !done.insert(t.key).second)
             continue;
-        Entry e = t;
-        e.text.clear();
-        if (!e.forms.empty())
-            e.forms = languageForms;
-        e.fuzzy = false;
-        e.line = 0;
+        Entry e = untranslated(t, languageForms);
         if (auto it = current.find(t.key); it != current.end()) {
             e.fuzzy = carryTranslation(e, *it->second, languageForms) || it->second->fuzzy;
         } else if (auto was = old.find(t.key); was != old.end() && !was->second->text.empty()) {
@@ -153,13 +160,7 @@ Catalogue initCatalogue(const Catalogue& templ, const std::u16string& tag)
     for (const Entry& t : templ.entries) {
         if (t.obsolete)
             continue;
-        Entry e = t;
-        e.text.clear();
-        if (!e.forms.empty())
-            e.forms = forms;
-        e.fuzzy = false;
-        e.line = 0;
-        out.entries.push_back(std::move(e));
+        out.entries.push_back(untranslated(t, forms));
     }
     return out;
 }
