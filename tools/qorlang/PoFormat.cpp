@@ -79,7 +79,9 @@ private:
                     return;
                 // Keyword lines of an obsolete entry: read, and marked so that nothing uses them.
                 line = trimLeft(line);
-                if (line[0] != '"' && complete())
+                // A new entry starts here unless the line continues this one's strings (a
+                // string, or msgstr[N] after msgstr[0]).
+                if (line[0] != '"' && line.rfind("msgstr", 0) != 0 && complete())
                     finishEntry();
                 m_entry.obsolete = true;
                 parseKeywordLine(line);

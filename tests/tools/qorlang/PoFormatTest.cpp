@@ -36,6 +36,8 @@ TEST(PoFormat, ReadsEntriesAsMsgfmtDoes)
         {"fuzzy among other flags", "#, c-format, fuzzy\nmsgid \"x\"\nmsgstr \"y\"\n", u"x", u"y", true},
         {"no-fuzzy is not fuzzy", "#, fuzzyish\nmsgid \"x\"\nmsgstr \"y\"\n", u"x", u"y"},
         {"obsolete", "#~ msgid \"old\"\n#~ msgstr \"alt\"\n", u"old", u"alt", false, true},
+        {"obsolete plural", "#~ msgid \"a file\"\n#~ msgid_plural \"%d files\"\n#~ msgstr[0] \"eine\"\n#~ msgstr[1] \"%d\"\n",
+         u"a file", u"eine", false, true, true},
         {"continued strings", "msgid \"\"\n\"one \"\n  \"two\"\nmsgstr \"eins\"\n\"zwei\"\n", u"one two", u"einszwei"},
         {"escapes", "msgid \"\\t\\\"\\\\\\n\\101\\x42\\a\"\nmsgstr \"x\"\n", u"\t\"\\\nAB\a", u"x"},
         {"CR LF line ends", "msgid \"a\"\r\nmsgstr \"b\"\r\n", u"a", u"b"},
@@ -125,12 +127,14 @@ TEST(PoFormat, WrittenFileReadsBackAndPassesMsgfmtCheck)
         {u"long\nmulti\nline", u"lang\nmehr\nzeilig"},
         {u"𝄞 and 日本", u"non-BMP 𝄞"},
         {u"ctx\x04gone\nfor good", u"weg\nfür immer", 0, true, true}, // what merge leaves behind
+        {u"%d old file", u"%d alte Datei", 0, false, true, true, true, u"%d old files", {u"%d alte Datei", u"%d alte Dateien"}},
     };
     const std::string po = writePo(c);
     const Catalogue back = readPo("w.po", po);
     EXPECT_EQ(back.language, u"de_DE");
     expectSameDescription(back, c);
     EXPECT_EQ(pairsOf(back), pairsOf(c));
+    EXPECT_EQ(back.entries.back().forms, c.entries.back().forms);
 
 #ifndef _WIN32
     if (std::system("command -v msgfmt >/dev/null 2>&1") != 0)
