@@ -216,6 +216,18 @@ TEST_F(QorlangTool, CheckExitsNonZeroOnErrorsOnly)
                             "fr-FR.txt        2          2      0        0   100.0%\n");
 }
 
+TEST_F(QorlangTool, I18nextPluralsSurviveInitAndMerge)
+{
+    // init writes Russian's three categories; merge joins them again, so nothing turns obsolete.
+    write("t.pot", "msgid \"\"\nmsgstr \"\"\n\nmsgid \"a\"\nmsgid_plural \"as\"\nmsgstr[0] \"\"\nmsgstr[1] \"\"\n");
+    ASSERT_EQ(run("init t.pot -o ru.json").status, 0);
+    EXPECT_NE(m_folder.readFile("ru.json").find("\"a_one\": \"\",\n\t\"a_few\": \"\",\n\t\"a_many\": \"\""), std::string::npos);
+    write("ru.json", R"({"@qorlang": {"language": "ru-RU"}, "a_one": "x", "a_few": "y", "a_many": "z"})");
+    EXPECT_EQ(run("merge t.pot ru.json").output, "ru.json: 1 kept, 0 added, 0 fuzzy, 0 obsolete\n");
+    const std::string json = m_folder.readFile("ru.json");
+    EXPECT_NE(json.find("\"a_one\": \"x\",\n\t\"a_few\": \"y\",\n\t\"a_many\": \"z\""), std::string::npos) << json;
+}
+
 TEST_F(QorlangTool, I18nextPluralsJoinByTheLanguageGivenToCompile)
 {
     // Without the language the keys read as English's: "_few" and "_many" are no forms there.
