@@ -1,7 +1,8 @@
 """Checks a generated, checked-in C++ source against what its generator makes now, or writes it.
 
-Shared by the table generators (gen_language_tables.py, gen_plural_rules.py): --check must fail with
-a readable diff when the data moved on, and a plain run must write the file byte for byte.
+Shared by the table generators (gen_language_tables.py, gen_plural_rules.py, gen_default_countries.py):
+--check must fail with a readable diff when the data moved on, and a plain run must write the file byte
+for byte.
 """
 
 import difflib

@@ -21,10 +21,10 @@ packages=(
   g++-mingw-w64-x86-64-posix    # Windows x64 cross compiler (posix threads)
   wine wine64                   # runs the Windows tests and example
   python3 iso-codes             # table generators' up-to-date checks (optional tests)
-  unicode-cldr-core             # CLDR plural rules: the plural rule table's up-to-date check (optional test)
+  unicode-cldr-core             # CLDR plural rules, likely subtags: plural and default-country tables' checks (optional tests)
   clang libfuzzer-14-dev        # fuzz targets (linux-fuzz preset): clang 14 with libFuzzer
   libclang-rt-14-dev            # clang's sanitizer and libFuzzer runtimes
-  gettext                       # msgfmt/msgunfmt: qorlang's comparison with gettext (optional tests)
+  gettext                       # xgettext/msginit/msgmerge: qorlang extract, init, merge; msgfmt/msgunfmt in the tests
   qttools5-dev-tools            # lconvert: the same catalogue as TS and XLIFF (optional tests)
   pkg-config                    # the install check builds a C application through pkg-config
 )

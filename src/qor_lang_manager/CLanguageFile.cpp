@@ -202,4 +202,14 @@ void CLanguageFile::readEntries(chf::IStream& stream, const kore::IURI* source,
     });
 }
 
+void CLanguageFile::readEntries(
+    chf::IStream& stream, const kore::IURI* source,
+    const std::function<void(const std::u16string&, const std::u16string&, const std::u16string&)>& visit)
+{
+    withStringTable(stream, source, [&](CStringTableReader& reader, const LanguageDocument&) {
+        reader.readEntries(visit);
+        return 0;
+    });
+}
+
 } // namespace qor_lang

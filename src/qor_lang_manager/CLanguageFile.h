@@ -50,6 +50,10 @@ public:
     // Every string entry's key and text in file order, duplicates included (for tools).
     static void readEntries(chf::IStream& stream, const kore::IURI* source,
                             const std::function<void(const std::u16string& key, const std::u16string& text)>& visit);
+    // The same with each entry's third string, empty when absent.
+    static void readEntries(chf::IStream& stream, const kore::IURI* source,
+                            const std::function<void(const std::u16string& key, const std::u16string& text,
+                                                     const std::u16string& third)>& visit);
 
 private:
     void load(chf::IStream& stream);

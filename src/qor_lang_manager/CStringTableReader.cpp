@@ -206,10 +206,10 @@ CTextTable::CBuilder CStringTableReader::readChunk(const DataChunk& chunk, int64
         cursor.readUInt32(); // the entry's value: kept in the file, not used
         const CTextTable::Span key = cursor.readCountedString();
         const CTextTable::Span text = cursor.readCountedString();
-        cursor.readCountedString();
+        const CTextTable::Span third = cursor.readCountedString();
         cursor.readCountedString();
         const uint64_t rank = ((era ^ doublings) & 1) ? kTailSide + i : kTailSide - 1 - i;
-        visit(table, key, text, rank);
+        visit(table, key, text, rank, third);
     }
     if (count == next)
         buckets *= 2; // the last insertion doubled the table too
@@ -233,7 +233,7 @@ kore::P<CTextTable> CStringTableReader::readTexts(std::u16string_view pluralRule
 {
     bool plural = false;
     CTextTable::CBuilder table = readLastChunk([&](CTextTable::CBuilder& builder, CTextTable::Span key,
-                                                    CTextTable::Span text, uint64_t rank) {
+                                                    CTextTable::Span text, uint64_t rank, CTextTable::Span) {
         if (key.units != 0) {
             const uint8_t* last = builder.block() + key.offset + 2 * (key.units - 1);
             plural = plural || (last[0] == kPluralMark && last[1] == 0);
@@ -249,14 +249,21 @@ kore::P<CTextTable> CStringTableReader::readTexts(std::u16string_view pluralRule
 void CStringTableReader::readEntries(
     const std::function<void(const std::u16string& key, const std::u16string& text)>& visit)
 {
+    readEntries([&](const std::u16string& key, const std::u16string& text, const std::u16string&) { visit(key, text); });
+}
+
+void CStringTableReader::readEntries(
+    const std::function<void(const std::u16string& key, const std::u16string& text, const std::u16string& third)>& visit)
+{
     auto units = [](const uint8_t* block, CTextTable::Span span) {
         std::u16string text(span.units, u'\0');
         for (uint32_t i = 0; i < span.units; ++i)
             text[i] = static_cast<char16_t>(block[span.offset + 2 * i] | block[span.offset + 2 * i + 1] << 8);
         return text;
     };
-    readLastChunk([&](CTextTable::CBuilder& table, CTextTable::Span key, CTextTable::Span text, uint64_t) {
-        visit(units(table.block(), key), units(table.block(), text));
+    readLastChunk([&](CTextTable::CBuilder& table, CTextTable::Span key, CTextTable::Span text, uint64_t,
+                      CTextTable::Span third) {
+        visit(units(table.block(), key), units(table.block(), text), units(table.block(), third));
     });
 }
 

@@ -43,6 +43,9 @@ public:
     kore::P<kore::CTextTable> readTexts(std::u16string_view pluralRule = {});
     // Every entry of the last "data" chunk in file order (duplicates included): its key and text.
     void readEntries(const std::function<void(const std::u16string& key, const std::u16string& text)>& visit);
+    // The same with each entry's third string (a plural entry's source for n != 1), empty when absent.
+    void readEntries(const std::function<void(const std::u16string& key, const std::u16string& text,
+                                              const std::u16string& third)>& visit);
 
 private:
     struct DataChunk {
@@ -56,7 +59,7 @@ private:
     void checkExtent(uint32_t id, int64_t header, int64_t size) const;
     std::vector<DataChunk> findDataChunks();
     // Reads one "data" chunk into a block and hands each entry to `visit` (builder holding the
-    // block, key, text, rank). `buckets`: the file table's bucket count, carried from chunk to chunk.
+    // block, key, text, rank, third string). `buckets`: the file table's bucket count, carried from chunk to chunk.
     template <class Visit>
     kore::CTextTable::CBuilder readChunk(const DataChunk& chunk, int64_t& buckets, const Visit& visit);
     template <class Visit>

@@ -3,6 +3,8 @@
 // source order (untranslated, fuzzy and obsolete ones included, so that check and stats can
 // count them) and the descriptive data a language file carries.
 
+#include "qor_lang_manager/PluralLookup.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -13,6 +15,11 @@ namespace qorlang {
 
 // Separates a context from the source text in a key, as gettext does.
 inline constexpr char16_t kContextSeparator = u'\x04';
+// A plural entry K is stored twice: K answers its first form (so that tr(K) works), K + U+0005
+// answers every form, each ended but the last by U+0000, with the plural source as third string;
+// the catalogue's rule is the "xdid" pair kPluralFormsExtra.
+using qor_lang::kPluralFormsExtra;
+using qor_lang::kPluralMark;
 
 struct Entry {
     std::u16string key;  // what the library looks up: [context U+0004] source
@@ -22,7 +29,17 @@ struct Entry {
     bool obsolete = false;
     bool plural = false;  // the text is the first of several plural forms
     bool cFormat = false; // marked as a C format string (PO flag "c-format")
+    // A plural entry's source for n != 1 (msgid_plural) and every form in the rule's order
+    // (forms[0] == text); both empty for other entries.
+    std::u16string pluralSource = {};
+    std::vector<std::u16string> forms = {};
 
+    // What a translator wrote: every plural form, else the one text.
+    std::vector<std::u16string_view> texts() const
+    {
+        return forms.empty() ? std::vector<std::u16string_view>{text}
+                             : std::vector<std::u16string_view>(forms.begin(), forms.end());
+    }
     // Entries a compiled file keeps (an empty text would read as missing anyway).
     bool usable(bool useFuzzy) const { return !obsolete && !text.empty() && (useFuzzy || !fuzzy); }
 };
@@ -39,6 +56,9 @@ struct Catalogue {
     std::optional<std::u16string> nativeName;
     std::optional<std::u16string> nativeSubName;
     std::optional<uint32_t> version;
+    // The catalogue's plural rule in gettext's spelling ("nplurals=2; plural=(n != 1);").
+    std::optional<std::u16string> pluralForms;
+    int pluralFormsLine = 0;
 };
 
 // Splits a key into its context (absent when the key has none) and its source text.

@@ -1,6 +1,10 @@
 #include "Checks.h"
 #include "Formats.h"
+#include "Language.h"
 #include "Unicode.h"
+
+#include "qor_lang_manager/PluralLookup.h"
+#include "qor_lang_manager/PluralRule.h"
 
 #include <algorithm>
 #include <map>
@@ -70,6 +74,40 @@ size_t readPrintf(std::u16string_view text, size_t i, std::string& conversion, i
     return j + 1 - i;
 }
 
+// i18next's "{{name}}", "{{- name}}" (unescaped) and "{{name, format}}" all pass the value
+// `name`; they count as the field "{name}" so that a translation may choose another format.
+bool i18nextField(std::u16string_view text, size_t& i, std::vector<std::string>& named)
+{
+    const size_t close = text.find(u"}}", i + 2);
+    if (close == std::u16string_view::npos)
+        return false;
+    std::u16string_view inner = text.substr(i + 2, close - i - 2);
+    auto trim = [](std::u16string_view s) {
+        while (!s.empty() && s.front() == u' ')
+            s.remove_prefix(1);
+        while (!s.empty() && s.back() == u' ')
+            s.remove_suffix(1);
+        return s;
+    };
+    inner = trim(inner);
+    if (!inner.empty() && inner.front() == u'-')
+        inner = trim(inner.substr(1));
+    inner = trim(inner.substr(0, inner.find(u',')));
+    if (inner.empty() || !std::all_of(inner.begin(), inner.end(), [](char16_t c) { return isIdentifierChar(c) || c == u'.' || c == u'$'; }))
+        return false;
+    named.push_back("{" + encodeUtf8(inner) + "}");
+    i = close + 2;
+    return true;
+}
+
+bool endsInLonePercent(std::u16string_view text)
+{
+    size_t percents = 0;
+    while (percents < text.size() && text[text.size() - 1 - percents] == u'%')
+        ++percents;
+    return percents % 2 == 1;
+}
+
 } // namespace
 
 Placeholders placeholdersOf(std::u16string_view text)
@@ -101,6 +139,8 @@ Placeholders placeholdersOf(std::u16string_view text)
                 continue;
             }
             ++i;
+        } else if (text.substr(i, 2) == u"{{" && i18nextField(text, i, out.named)) {
+            continue;
         } else if (text[i] == u'{') {
             size_t end = i + 1;
             while (end < text.size() && (isIdentifierChar(text[end]) || text[end] == u'.' || text[end] == u'-' || text[end] == u'$'))
@@ -173,11 +213,14 @@ std::vector<Finding> checkCatalogue(const Catalogue& c, const Catalogue* referen
     std::optional<std::u16string> tag;
     if (!c.language || c.language->empty()) {
         out.push_back({0, compiled, compiled ? "the file names no language" : "the file names no language; compile needs --language"});
-    } else if (!(tag = normalisedTag(*c.language))) {
-        out.push_back({c.languageLine, compiled,
+    } else if (compiled && !(tag = normalisedTag(*c.language))) {
+        out.push_back({c.languageLine, true,
                        "the language " + quoted(*c.language) +
-                           " is not a tag QOR_LANG2_setCurrentLanguage accepts (it needs language-COUNTRY, such as de-DE)" +
-                           (compiled ? "" : "; compile needs --language")});
+                           " is not a tag QOR_LANG2_setCurrentLanguage accepts (it needs language-COUNTRY, such as de-DE)"});
+    } else if (!compiled) {
+        const TagChoice choice = tagFor(*c.language);
+        if (!choice.tag)
+            out.push_back({c.languageLine, false, choice.problem});
     }
     if (compiled && tag) {
         const std::u16string expected = languageFileName(c.appId.value_or(u""), *tag);
@@ -236,37 +279,134 @@ std::vector<Finding> checkCatalogue(const Catalogue& c, const Catalogue* referen
                        std::to_string(untranslated) + " untranslated and " + std::to_string(fuzzy) +
                            " fuzzy entries; compile leaves them out (fuzzy ones stay with --use-fuzzy)"});
 
-    // Placeholders against the reference's text of the same key, or, as msgfmt --check-format
-    // does, a c-format entry's against its own source text (PO and TS; plural forms follow their
-    // own rules).
+    // Placeholders against the reference's text of the same key, or without a reference, as
+    // msgfmt --check-format does, against the entry's own source text where the format has one:
+    // every printf field of a c-format entry, the positional and named fields ({0}, {name}) of the
+    // others. Each plural form may follow the singular or the plural source.
     std::map<std::u16string_view, const Entry*> referenceTexts;
     if (reference) {
         for (const Entry& e : reference->entries)
             if (!e.obsolete)
                 referenceTexts[e.key] = &e;
     }
-    const bool sourceKeyed = !compiled && (formatOf(c.path) == Format::Po || formatOf(c.path) == Format::Ts);
+    const Format format = formatOf(c.path);
+    const bool sourceKeyed = !compiled && (format == Format::Po || format == Format::Ts || format == Format::Xliff);
     for (const Entry& e : c.entries) {
         if (!e.usable(true))
             continue;
-        std::u16string_view expectedText;
+        std::vector<std::u16string_view> expectedTexts;
         std::string against;
+        bool bracesOnly = false;
         if (reference) {
             auto it = referenceTexts.find(e.key);
-            if (it == referenceTexts.end() || it->second->text.empty())
+            if (it == referenceTexts.end())
                 continue;
-            expectedText = it->second->text;
-            against = "the reference's text" + (it->second->line ? " (line " + std::to_string(it->second->line) + ")" : std::string());
-        } else if (sourceKeyed && e.cFormat && !e.plural) {
-            expectedText = splitKey(e.key).second;
-            against = "the source text";
+            const Entry& r = *it->second;
+            against = "the reference's text";
+            if (!r.text.empty()) {
+                expectedTexts.push_back(r.text);
+                for (const std::u16string& form : r.forms)
+                    expectedTexts.push_back(form);
+            } else if (formatOf(reference->path) == Format::Po) {
+                expectedTexts.push_back(splitKey(e.key).second); // a template: its source texts
+                if (!r.forms.empty())
+                    expectedTexts.push_back(r.pluralSource);
+                against = r.forms.empty() ? "the reference's source text" : "the reference's source texts";
+            }
+            if (expectedTexts.empty())
+                continue;
+            against += r.line ? " (line " + std::to_string(r.line) + ")" : std::string();
+        } else if (sourceKeyed && (e.cFormat || !looksLikeKey(splitKey(e.key).second))) {
+            expectedTexts.push_back(splitKey(e.key).second);
+            if (!e.forms.empty())
+                expectedTexts.push_back(e.pluralSource);
+            against = e.forms.empty() ? "the source text" : "the source texts";
+            bracesOnly = !e.cFormat;
         } else {
             continue;
         }
-        const Placeholders want = placeholdersOf(expectedText);
-        const Placeholders have = placeholdersOf(e.text);
-        if (!(want == have))
-            out.push_back({e.line, true, "key " + quoted(e.key) + ": placeholders differ from " + against + ": " + describeDifference(want, have)});
+        auto fields = [&](std::u16string_view text) {
+            Placeholders p = placeholdersOf(text);
+            if (bracesOnly) {
+                p.printf.clear();
+                std::erase_if(p.named, [](const std::string& name) { return name[0] != '{'; });
+            }
+            return p;
+        };
+        const std::vector<std::u16string_view> texts = e.texts();
+        for (size_t i = 0; i < texts.size(); ++i) {
+            if (texts[i].empty())
+                continue;
+            const Placeholders have = fields(texts[i]);
+            bool matches = false;
+            for (std::u16string_view expected : expectedTexts)
+                matches = matches || fields(expected) == have;
+            if (!matches)
+                out.push_back({e.line, true,
+                               "key " + quoted(e.key) + (e.forms.empty() ? "" : " form " + std::to_string(i)) +
+                                   ": placeholders differ from " + against + ": " +
+                                   describeDifference(fields(expectedTexts.back()), have)});
+        }
+    }
+
+    // Plural entries against the rule that picks their forms: the catalogue's own, else the
+    // language's, as the library chooses.
+    const bool anyPlural = std::any_of(c.entries.begin(), c.entries.end(), [](const Entry& e) { return !e.forms.empty(); });
+    std::optional<qor_lang::PluralRule> rule;
+    std::string ruleText;
+    if (c.pluralForms) {
+        ruleText = encodeUtf8(*c.pluralForms);
+        rule = qor_lang::PluralRule::parse(ruleText);
+        if (!rule)
+            out.push_back({c.pluralFormsLine, true,
+                           "the plural rule " + quoted(*c.pluralForms) +
+                               " is not one the library reads (nplurals=N; plural=EXPRESSION; with N from 1 to 6)"});
+    } else if (anyPlural) {
+        ruleText = encodeUtf8(qor_lang::pluralRuleText(std::nullopt, tag.value_or(c.language.value_or(u""))));
+        rule = qor_lang::PluralRule::parse(ruleText);
+    }
+    for (const Entry& e : c.entries) {
+        if (!rule || e.forms.empty() || !e.usable(true))
+            continue;
+        if (e.forms.size() != rule->count())
+            out.push_back({e.line, true,
+                           "key " + quoted(e.key) + " has " + std::to_string(e.forms.size()) + " plural forms, the rule \"" +
+                               ruleText + "\" counts " + std::to_string(rule->count())});
+        for (size_t i = 0; i < e.forms.size(); ++i) {
+            if (e.forms[i].empty())
+                out.push_back({e.line, false,
+                               "key " + quoted(e.key) + " form " + std::to_string(i) +
+                                   " is empty; the numbers that take it get the caller's default"});
+        }
+    }
+
+    // Keys no call reaches: qor_lang2::tr takes a key, trc a context and a key; a Qt context kept
+    // as "Name|comment" is a context no program spells.
+    for (const Entry& e : c.entries) {
+        if (!e.usable(true))
+            continue;
+        const auto [context, source] = splitKey(e.key);
+        if (e.key.find(kPluralMark) != std::u16string::npos)
+            out.push_back({e.line, false, "key " + quoted(e.key) + " holds U+0005, which marks plural forms: no call reaches it"});
+        else if (context && context->find(u'|') != std::u16string_view::npos && format != Format::Po)
+            out.push_back({e.line, false,
+                           "key " + quoted(e.key) + " keeps the Qt context \"" + encodeUtf8(context->substr(0, context->find(u'|'))) +
+                               "\": qor_lang2::tr(" + quoted(source) + ") does not find it (compile a TS file with --qt-context drop)"});
+    }
+
+    // A lone "%" at the end: printf takes the terminating zero for a conversion.
+    for (const Entry& e : c.entries) {
+        if (!e.usable(true))
+            continue;
+        auto it = referenceTexts.find(e.key);
+        const std::u16string_view source = it != referenceTexts.end() ? std::u16string_view(it->second->text) : splitKey(e.key).second;
+        const std::vector<std::u16string_view> texts = e.texts();
+        for (size_t i = 0; i < texts.size(); ++i) {
+            if (endsInLonePercent(texts[i]) && !endsInLonePercent(source))
+                out.push_back({e.line, e.cFormat || !placeholdersOf(source).printf.empty(),
+                               "key " + quoted(e.key) + (e.forms.empty() ? "" : " form " + std::to_string(i)) +
+                                   ": the text ends in a lone %, which printf reads as the start of a field; write %% for a percent sign"});
+        }
     }
 
     // Reference keys without a translation here.
@@ -283,6 +423,16 @@ std::vector<Finding> checkCatalogue(const Catalogue& c, const Catalogue* referen
                            "key " + quoted(e.key) + " of the reference" + (e.line ? " (line " + std::to_string(e.line) + ")" : std::string()) +
                                " has no translation here"});
         }
+    }
+    // Keys here that the reference no longer has: the program does not ask for them.
+    if (reference) {
+        std::set<std::u16string_view> wanted;
+        for (const Entry& e : reference->entries)
+            if (!e.obsolete)
+                wanted.insert(e.key);
+        for (const Entry& e : c.entries)
+            if (e.usable(true) && !wanted.count(e.key))
+                out.push_back({e.line, false, "key " + quoted(e.key) + " is not in the reference (stale); qorlang merge marks it obsolete"});
     }
     std::stable_sort(out.begin(), out.end(), [](const Finding& a, const Finding& b) { return a.line < b.line; });
     return out;

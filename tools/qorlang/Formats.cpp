@@ -7,9 +7,8 @@
 #include "qor_lang_manager/LanguageId.h"
 
 #include <filesystem>
-#include <fstream>
+#include <memory>
 #include <random>
-#include <sstream>
 
 namespace qorlang {
 
@@ -50,7 +49,7 @@ std::string lowerExtension(const std::string& path)
 Format formatOf(const std::string& path)
 {
     const std::string ext = lowerExtension(path);
-    if (ext == ".po")
+    if (ext == ".po" || ext == ".pot")
         return Format::Po;
     if (ext == ".xlf" || ext == ".xliff")
         return Format::Xliff;
@@ -62,40 +61,86 @@ Format formatOf(const std::string& path)
         return Format::Text;
     if (ext == ".qorlang")
         return Format::Qorlang;
-    fail(path, 0, "unknown format (the extension must be .po, .xlf, .xliff, .ts, .json, .txt or .qorlang)");
+    fail(path, 0, "unknown format (the extension must be .po, .pot, .xlf, .xliff, .ts, .json, .txt or .qorlang)");
 }
+
+namespace {
+
+kore::P<kore::IString> nativeName(const std::string& path)
+{
+    return kore::CString::fromUTF16(decodedOrFail(path, 0, path));
+}
+
+// "what went wrong: the system's reason; what to do".
+[[noreturn]] void failFile(const std::string& path, const std::string& what, const kore::platform::NativeError& error,
+                           const std::string& advice)
+{
+    std::string message = what;
+    if (!error.message.empty())
+        message += ": " + error.message;
+    fail(path, 0, message + "; " + advice);
+}
+
+std::string readAdvice(const kore::platform::NativeError& error)
+{
+    switch (error.kind) {
+    case kore::platform::NativeErrorKind::kNotFound:
+        return "check the name and the folder";
+    case kore::platform::NativeErrorKind::kAccessDenied:
+        return "check that it is a file you may read, not a folder";
+    default:
+        return "check the file and try again";
+    }
+}
+
+} // namespace
 
 std::string readFileBytes(const std::string& path)
 {
-    std::ifstream in(pathOf(path), std::ios::binary);
-    if (!in)
-        fail(path, 0, "cannot open the file for reading");
-    std::ostringstream bytes;
-    bytes << in.rdbuf();
-    if (in.bad())
-        fail(path, 0, "cannot read the file");
-    return std::move(bytes).str();
+    kore::platform::NativeError error;
+    std::unique_ptr<kore::platform::INativeFile> file = kore::platform::openNativeFile(*nativeName(path), kore::platform::kNativeRead, error);
+    if (!file)
+        failFile(path, "cannot open the file for reading", error, readAdvice(error));
+    std::string bytes;
+    char buffer[65536];
+    for (uint32_t done = 0;; bytes.append(buffer, done)) {
+        if (!file->readAt(static_cast<int64_t>(bytes.size()), buffer, sizeof buffer, done, error))
+            failFile(path, "cannot read the file", error, "check the disk or the network share it is on");
+        if (done == 0)
+            break;
+    }
+    return bytes;
 }
 
 void writeFileAtomically(const std::string& path, std::string_view bytes)
 {
+    if (isFolder(path))
+        fail(path, 0, "is a folder; give the name of the file to write in it");
     const std::string temporary = path + ".tmp" + std::to_string(std::random_device()() % 1000000);
-    const kore::P<kore::IString> temporaryName = kore::CString::fromUTF16(decodedOrFail(path, 0, temporary));
+    const kore::P<kore::IString> temporaryName = nativeName(temporary);
+    const std::string advice = "check that the folder exists and that you may write in it";
     kore::platform::NativeError error;
-    std::ofstream out(pathOf(temporary), std::ios::binary | std::ios::trunc);
+    std::unique_ptr<kore::platform::INativeFile> out = kore::platform::openNativeFile(*temporaryName, kore::platform::kNativeWrite, error);
     if (!out)
-        fail(path, 0, "cannot create the file");
-    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    out.close();
-    if (!out) {
+        failFile(path, "cannot create the file", error, advice);
+    const bool written = out->writeAt(0, bytes.data(), static_cast<uint32_t>(bytes.size()), error) && out->close(error);
+    if (!written) {
+        const kore::platform::NativeError reason = error;
+        out.reset();
         kore::platform::removeNativeFile(*temporaryName, error);
-        fail(path, 0, "cannot write the file");
+        failFile(path, "cannot write the file", reason, "check the free space on the disk");
     }
-    if (!kore::platform::replaceNativeFile(*temporaryName, *kore::CString::fromUTF16(decodedOrFail(path, 0, path)), error)) {
-        const std::string reason = error.message;
+    if (!kore::platform::replaceNativeFile(*temporaryName, *nativeName(path), error)) {
+        const kore::platform::NativeError reason = error;
         kore::platform::removeNativeFile(*temporaryName, error);
-        fail(path, 0, "cannot write the file: " + reason);
+        failFile(path, "cannot replace the file", reason, advice);
     }
+}
+
+bool isFolder(const std::string& path)
+{
+    std::error_code ignored;
+    return fs::is_directory(pathOf(path), ignored);
 }
 
 std::string fileNameOf(const std::string& path)
@@ -119,17 +164,26 @@ std::optional<uint32_t> versionOf(std::string_view digits)
     return static_cast<uint32_t>(std::stoul(std::string(digits)));
 }
 
-Catalogue readCatalogue(const std::string& path)
+Catalogue readCatalogue(const std::string& path, QtContext qtContext)
 {
-    const Format format = formatOf(path);
-    const std::string bytes = readFileBytes(path);
+    const Format format = formatOf(path); // an unknown extension fails before the file is opened
+    return readCatalogueBytes(path, readFileBytes(path), format, qtContext);
+}
+
+Catalogue readCatalogueBytes(const std::string& path, const std::string& bytes, QtContext qtContext)
+{
+    return readCatalogueBytes(path, bytes, formatOf(path), qtContext);
+}
+
+Catalogue readCatalogueBytes(const std::string& path, const std::string& bytes, Format format, QtContext qtContext)
+{
     switch (format) {
     case Format::Po:
         return readPo(path, bytes);
     case Format::Xliff:
         return readXliff(path, bytes);
     case Format::Ts:
-        return readTs(path, bytes);
+        return readTs(path, bytes, qtContext);
     case Format::Json:
         return readJson(path, bytes);
     case Format::Text:
@@ -167,6 +221,9 @@ std::optional<std::u16string> versionText(std::optional<uint32_t> version)
 
 std::optional<std::u16string> normalisedTag(std::u16string_view written)
 {
+    // A modifier such as "@latin" names a variant a two-part tag cannot hold; "@euro" a currency.
+    if (const size_t at = written.find(u'@'); at != std::u16string_view::npos && written.substr(at) != u"@euro")
+        return std::nullopt;
     std::u16string tag(written.substr(0, written.find_first_of(u".@")));
     for (char16_t& c : tag)
         if (c == u'_')
@@ -175,6 +232,25 @@ std::optional<std::u16string> normalisedTag(std::u16string_view written)
     if (tag.empty() || !id.isValid())
         return std::nullopt;
     return id.getTag();
+}
+
+bool looksLikeKey(std::u16string_view source)
+{
+    size_t parts = 1, partLength = 0;
+    for (char16_t c : source) {
+        if (c == u'.') {
+            if (partLength == 0)
+                return false;
+            ++parts;
+            partLength = 0;
+        } else if ((c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z') || (c >= u'0' && c <= u'9') || c == u'_' ||
+                   c == u'-') {
+            ++partLength;
+        } else {
+            return false;
+        }
+    }
+    return parts >= 2 && partLength > 0;
 }
 
 std::u16string languageFileName(std::u16string_view appId, std::u16string_view tag)

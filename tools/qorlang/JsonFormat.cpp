@@ -1,8 +1,10 @@
 // i18next JSON (v4): nested objects give dotted keys ("menu": {"open": "Open"} is "menu.open"),
-// array elements their index ("steps.0"), plural and context suffixes ("item_one", "friend_male")
-// stay part of the key. A top-level "@qorlang" object carries the descriptive data of a
-// decompiled file. Read through the framework's JSON parser.
+// array elements their index ("steps.0"), context suffixes ("friend_male") stay part of the key.
+// Plural keys ("item_one", "item_other") become one plural entry "item" once the language is known
+// (joinI18nextPlurals). A top-level "@qorlang" object carries the descriptive data of a decompiled
+// file. Read through the framework's JSON parser.
 #include "Formats.h"
+#include "PluralCategories.h"
 #include "Unicode.h"
 
 #include "framework/CBool.h"
@@ -15,7 +17,9 @@
 #include "framework/CVariantMap.h"
 #include "framework/Cast.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <map>
 
 namespace qorlang {
 
@@ -106,6 +110,8 @@ private:
                 m_c.nativeName = text;
             else if (name == u"native-sub-name")
                 m_c.nativeSubName = text;
+            else if (name == u"plural-forms")
+                m_c.pluralForms = text;
             else if (name == u"version") {
                 m_c.version = versionOf(encodeUtf8(text));
                 if (!m_c.version)
@@ -192,16 +198,77 @@ std::string writeJson(const Catalogue& c)
     meta(u"native-name", c.nativeName);
     meta(u"native-sub-name", c.nativeSubName);
     meta(u"version", versionText(c.version));
+    meta(u"plural-forms", c.pluralForms);
     out += "\n\t}";
     // Flat dotted keys: they read back as the same keys (as i18next finds them too), where
     // nesting would clash for "a" next to "a.b".
+    const std::vector<std::string> categories = pluralCategories(c.language.value_or(u""));
     for (const Entry& e : c.entries) {
+        if (e.obsolete)
+            continue; // i18next has no mark for them
         out += ",\n";
         first = true;
-        member(e.key, e.text, "\t");
+        if (e.forms.empty()) {
+            member(e.key, e.text, "\t");
+            continue;
+        }
+        for (size_t i = 0; i < e.forms.size() && i < categories.size(); ++i)
+            member(e.key + u'_' + std::u16string(categories[i].begin(), categories[i].end()), e.forms[i], "\t");
     }
     out += "\n}\n";
     return out;
+}
+
+void joinI18nextPlurals(Catalogue& c, std::u16string_view tag)
+{
+    static const std::u16string_view kSuffixes[] = {u"_zero", u"_one", u"_two", u"_few", u"_many", u"_other"};
+    const std::vector<std::string> categories = pluralCategories(tag);
+    // Base key -> category -> entry index.
+    std::map<std::u16string, std::map<std::string, size_t>> groups;
+    for (size_t i = 0; i < c.entries.size(); ++i) {
+        const std::u16string& key = c.entries[i].key;
+        for (std::u16string_view suffix : kSuffixes) {
+            if (key.size() > suffix.size() && std::u16string_view(key).substr(key.size() - suffix.size()) == suffix)
+                groups[key.substr(0, key.size() - suffix.size())][encodeUtf8(suffix.substr(1))] = i;
+        }
+    }
+    std::vector<bool> joined(c.entries.size());
+    std::map<size_t, Entry> plurals; // by the position of the group's first entry
+    for (const auto& [base, members] : groups) {
+        // A group holds the language's last form (i18next's fallback for every count), and a
+        // second one of the language unless it has only that one: "show_other" alone stays a key.
+        const auto own = std::count_if(categories.begin(), categories.end(), [&](const std::string& category) {
+            return members.count(category) != 0;
+        });
+        if (!members.count(categories.back()) || (own < 2 && categories.size() > 1))
+            continue;
+        Entry entry;
+        entry.key = base;
+        entry.plural = true;
+        entry.pluralSource = base;
+        size_t firstAt = c.entries.size();
+        for (const std::string& category : categories) {
+            auto it = members.find(category);
+            entry.forms.push_back(it == members.end() ? std::u16string() : c.entries[it->second].text);
+            if (it != members.end()) {
+                joined[it->second] = true;
+                firstAt = std::min(firstAt, it->second);
+            }
+        }
+        if (firstAt == c.entries.size())
+            continue;
+        entry.text = entry.forms.front();
+        entry.line = c.entries[firstAt].line;
+        plurals.emplace(firstAt, std::move(entry));
+    }
+    std::vector<Entry> out;
+    for (size_t i = 0; i < c.entries.size(); ++i) {
+        if (auto it = plurals.find(i); it != plurals.end())
+            out.push_back(std::move(it->second));
+        if (!joined[i])
+            out.push_back(std::move(c.entries[i]));
+    }
+    c.entries = std::move(out);
 }
 
 } // namespace qorlang

@@ -3,6 +3,7 @@
 #include "Formats.h"
 #include "Unicode.h"
 
+#include "chunk_file/CChunkFile.h"
 #include "chunk_file/CMemoryStream.h"
 #include "chunk_file/TChunkRef.h"
 #include "framework/CException.h"
@@ -10,6 +11,7 @@
 #include "framework/IString.h"
 #include "qor_lang_manager/CLanguageFile.h"
 #include "qor_lang_manager/CLanguageFileWriter.h"
+#include "qor_lang_manager/LanguageChunks.h"
 
 #include <cstring>
 #include <exception>
@@ -45,6 +47,39 @@ auto guarded(const std::string& path, const F& read)
     }
 }
 
+// The "xdid" value under `key`, read as the library reads the chunk: the last pair wins.
+std::optional<std::u16string> extraValue(const std::vector<uint8_t>& bytes, std::u16string_view key)
+{
+    auto stream = streamOver(bytes);
+    chf::TChunkRef<chf::CChunkFile> file(chf::CChunkFile::open(stream.get()));
+    if (!file->findFirstChunk(qor_lang::kChunkXdid))
+        return std::nullopt;
+    chf::TChunkRef<chf::CChunkStream> chunk(file->openChunkStream());
+    qor_lang::CLanguageChunkReader reader(*chunk, stream->getLength(), nullptr);
+    const uint32_t pairs = reader.readUInt32();
+    reader.require(8ull * pairs);
+    std::optional<std::u16string> value;
+    for (uint32_t i = 0; i < pairs; ++i) {
+        const qor_lang::CountedString name = reader.readCountedString();
+        qor_lang::CountedString text = reader.readCountedString();
+        if (name.value_or(u"") == key)
+            value = text.value_or(u"");
+    }
+    return value;
+}
+
+std::vector<std::u16string> splitForms(std::u16string_view joined)
+{
+    std::vector<std::u16string> forms(1);
+    for (char16_t c : joined) {
+        if (c == u'\0')
+            forms.emplace_back();
+        else
+            forms.back().push_back(c);
+    }
+    return forms;
+}
+
 } // namespace
 
 Catalogue readQorlang(const std::string& path, const std::vector<uint8_t>& bytes)
@@ -63,10 +98,32 @@ Catalogue readQorlang(const std::string& path, const std::vector<uint8_t>& bytes
             c.nativeSubName = utf16Of(file->getNativeSubName());
             c.version = file->getVersion();
         }
+        c.pluralForms = extraValue(bytes, kPluralFormsExtra);
+        // A plural entry's "K U+0005" entry joins its "K" entry as its forms; one without a "K"
+        // entry stands alone.
+        std::map<std::u16string, size_t> byKey;
+        std::vector<std::pair<std::u16string, std::pair<std::u16string, std::u16string>>> plurals;
         auto stream = streamOver(bytes);
-        qor_lang::CLanguageFile::readEntries(*stream, nullptr, [&](const std::u16string& key, const std::u16string& text) {
-            c.entries.push_back(Entry{key, text});
-        });
+        qor_lang::CLanguageFile::readEntries(
+            *stream, nullptr, [&](const std::u16string& key, const std::u16string& text, const std::u16string& third) {
+                if (!key.empty() && key.back() == kPluralMark) {
+                    plurals.push_back({key.substr(0, key.size() - 1), {text, third}});
+                    return;
+                }
+                byKey[key] = c.entries.size();
+                c.entries.push_back(Entry{key, text});
+            });
+        for (auto& [key, value] : plurals) {
+            auto it = byKey.find(key);
+            if (it == byKey.end()) {
+                it = byKey.emplace(key, c.entries.size()).first;
+                c.entries.push_back(Entry{key, splitForms(value.first).front()});
+            }
+            Entry& e = c.entries[it->second];
+            e.plural = true;
+            e.forms = splitForms(value.first);
+            e.pluralSource = value.second;
+        }
         return c;
     });
 }
@@ -96,8 +153,24 @@ std::vector<uint8_t> compileLanguageFile(const Catalogue& c, const CompileOption
     if (c.author)
         writer.setAuthor(*c.author);
     writer.setVersion(c.version.value_or(1));
-    for (const Entry* e : compiledEntries(c, options))
+    if (c.pluralForms)
+        writer.addExtra(std::u16string(kPluralFormsExtra), *c.pluralForms);
+    for (const Entry* e : compiledEntries(c, options)) {
         writer.addString(e->key, e->text);
+        if (e->forms.empty())
+            continue;
+        std::u16string joined;
+        for (size_t i = 0; i < e->forms.size(); ++i) {
+            if (i > 0)
+                joined.push_back(u'\0');
+            joined += e->forms[i];
+        }
+        qor_lang::CLanguageFileWriter::Entry forms;
+        forms.key = e->key + kPluralMark;
+        forms.text = std::move(joined);
+        forms.third = e->pluralSource;
+        writer.addEntry(std::move(forms));
+    }
     chf::TChunkRef<chf::CMemoryStream> stream(new chf::CMemoryStream());
     writer.write(*stream);
     return stream->getBytes();

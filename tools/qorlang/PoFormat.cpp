@@ -1,8 +1,10 @@
 // gettext PO: read as msgfmt reads it (contexts, plural forms, fuzzy and obsolete entries, the
 // header entry), written so that msgfmt --check accepts it.
+#include "Charset.h"
 #include "Formats.h"
 #include "Unicode.h"
 
+#include <algorithm>
 #include <cctype>
 #include <cstring>
 #include <ctime>
@@ -77,7 +79,9 @@ private:
                     return;
                 // Keyword lines of an obsolete entry: read, and marked so that nothing uses them.
                 line = trimLeft(line);
-                if (line[0] != '"' && complete())
+                // A new entry starts here unless the line continues this one's strings (a
+                // string, or msgstr[N] after msgstr[0]).
+                if (line[0] != '"' && line.rfind("msgstr", 0) != 0 && complete())
                     finishEntry();
                 m_entry.obsolete = true;
                 parseKeywordLine(line);
@@ -226,13 +230,27 @@ private:
 
     std::u16string decode(const std::string& text) const
     {
-        if (m_latin1) {
-            std::u16string out; // Latin-1 bytes are their code points
-            for (char c : text)
-                out.push_back(static_cast<unsigned char>(c));
-            return out;
+        if (m_charset) {
+            if (auto decoded = m_charset->decode(text))
+                return std::move(*decoded);
+            fail(m_path, m_entryLine, "not valid " + m_charset->name() + "; the header's Content-Type must name the file's real charset");
         }
-        return decodedOrFail(m_path, m_entryLine, text);
+        if (auto decoded = decodeUtf8(text))
+            return std::move(*decoded);
+        fail(m_path, firstLineNotUtf8(), "not valid UTF-8; convert the file to UTF-8 (iconv, msgconv) or name its real charset in the header's Content-Type");
+    }
+
+    // An entry spans lines; the message names the one holding the bad bytes.
+    int firstLineNotUtf8() const
+    {
+        size_t pos = 0;
+        for (int number = 1; pos < m_bytes.size(); ++number) {
+            const size_t end = std::min(m_bytes.find('\n', pos), m_bytes.size());
+            if (number >= m_entryLine && !decodeUtf8(std::string_view(m_bytes).substr(pos, end - pos)))
+                return number;
+            pos = end + 1;
+        }
+        return m_entryLine;
     }
 
     void readHeader(const std::string& header)
@@ -256,12 +274,13 @@ private:
                 std::string charset = at == std::string::npos ? "" : value.substr(at + 8);
                 for (char& c : charset)
                     c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-                if (charset == "ISO-8859-1" || charset == "LATIN1")
-                    m_latin1 = true;
-                else if (!charset.empty() && charset != "UTF-8" && charset != "CHARSET" && charset != "ASCII" &&
-                         charset != "US-ASCII")
-                    fail(m_path, m_entryLine,
-                         "charset " + charset + " is not supported; convert the file with msgconv --to-code=UTF-8");
+                // UTF-8 and its subset ASCII are read directly, "CHARSET" is a template's placeholder.
+                if (!charset.empty() && charset != "UTF-8" && charset != "CHARSET" && charset != "ASCII" && charset != "US-ASCII") {
+                    m_charset = CCharset::open(charset);
+                    if (!m_charset)
+                        fail(m_path, m_entryLine,
+                             "charset " + charset + " is not known to this system's converter; convert the file with msgconv --to-code=UTF-8");
+                }
             }
             m_headerFields.emplace_back(name, value);
         }
@@ -298,9 +317,19 @@ private:
             context = decode(*entry.context);
         out.key = joinKey(context, decode(*entry.id));
         out.text = decode(entry.strs.begin()->first == 0 ? entry.strs.begin()->second : std::string());
+        if (entry.idPlural) {
+            out.pluralSource = decode(*entry.idPlural);
+            // msgstr[N] for every N up to the last one given; a gap is a missing form.
+            out.forms.resize(size_t(entry.strs.rbegin()->first) + 1);
+            for (const auto& [index, text] : entry.strs)
+                out.forms[size_t(index)] = decode(text);
+        }
         if (entry.cFormat) {
             out.key = expandSystemDependent(out.key);
             out.text = expandSystemDependent(out.text);
+            out.pluralSource = expandSystemDependent(out.pluralSource);
+            for (std::u16string& form : out.forms)
+                form = expandSystemDependent(form);
         }
         m_catalogue.entries.push_back(std::move(out));
     }
@@ -312,8 +341,12 @@ private:
             if (name == "Language" && !text.empty()) {
                 m_catalogue.language = text;
                 m_catalogue.languageLine = header.line;
-            } else if (name == "Last-Translator" && !text.empty() && value.find("FULL NAME") == std::string::npos) {
+            } else if (name == "Last-Translator" && !text.empty() && value.find("FULL NAME") == std::string::npos &&
+                       value != "Automatically generated") { // msginit --no-translator
                 m_catalogue.author = text;
+            } else if (name == "Plural-Forms" && !text.empty()) {
+                m_catalogue.pluralForms = text;
+                m_catalogue.pluralFormsLine = header.line;
             } else if (name == "X-Qorlang-Application") {
                 m_catalogue.appId = text;
             } else if (name == "X-Qorlang-Native-Name") {
@@ -339,7 +372,7 @@ private:
     int m_entryLine = 0;
     int m_commentLines = 0;
     bool m_sawHeader = false;
-    bool m_latin1 = false;
+    std::optional<CCharset> m_charset;
     std::vector<std::pair<std::string, std::string>> m_headerFields;
 };
 
@@ -414,6 +447,8 @@ std::string writePo(const Catalogue& c)
     field(u"MIME-Version", u"1.0");
     field(u"Content-Type", u"text/plain; charset=UTF-8");
     field(u"Content-Transfer-Encoding", u"8bit");
+    if (c.pluralForms)
+        field(u"Plural-Forms", *c.pluralForms);
     if (c.appId)
         field(u"X-Qorlang-Application", *c.appId);
     if (c.nativeName)
@@ -428,13 +463,29 @@ std::string writePo(const Catalogue& c)
         const auto [context, source] = splitKey(e.key);
         if (!context && source.empty())
             continue; // it would read as a second header
-        out += "\n";
+        std::string entry;
         if (e.fuzzy)
-            out += "#, fuzzy\n";
+            entry += "#, fuzzy\n";
         if (context)
-            appendString(out, "msgctxt", *context);
-        appendString(out, "msgid", source);
-        appendString(out, "msgstr", e.text);
+            appendString(entry, "msgctxt", *context);
+        appendString(entry, "msgid", source);
+        if (e.forms.empty()) {
+            appendString(entry, "msgstr", e.text);
+        } else {
+            appendString(entry, "msgid_plural", e.pluralSource);
+            for (size_t i = 0; i < e.forms.size(); ++i)
+                appendString(entry, ("msgstr[" + std::to_string(i) + "]").c_str(), e.forms[i]);
+        }
+        out += "\n";
+        if (!e.obsolete) {
+            out += entry;
+            continue;
+        }
+        for (size_t pos = 0; pos < entry.size();) { // "#~ " before every line of an obsolete entry
+            const size_t end = entry.find('\n', pos) + 1;
+            out += (entry.compare(pos, 2, "#,") == 0 ? "" : "#~ ") + entry.substr(pos, end - pos);
+            pos = end;
+        }
     }
     return out;
 }

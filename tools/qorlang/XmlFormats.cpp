@@ -1,9 +1,10 @@
 // XLIFF (1.2 and 2.0) and Qt TS through TinyXML-2. Keys follow what Qt's lconvert makes of a PO
 // file, so that a catalogue compiles to the same entries in any of the three forms: a gettext
 // context travels as XLIFF's "x-gettext-msgctxt" context or as the TS comment, a Qt context name
-// N becomes the context "N|comment" (lconvert's own PO spelling), plural groups give their first
-// form, and lconvert's obsolete (translate="no", "vanished") and fuzzy ("needs-review-...",
-// "unfinished") marks mean what they meant in the PO.
+// N becomes the context "N|comment" (lconvert's own PO spelling) unless the reader drops it, plural
+// groups (numerus forms in TS) give one entry with every form, and lconvert's obsolete
+// (translate="no", "vanished") and fuzzy ("needs-review-...", "unfinished") marks mean what they
+// meant in the PO.
 #include "Formats.h"
 #include "Unicode.h"
 
@@ -83,11 +84,40 @@ std::string protectWhiteSpace(const std::string& bytes)
     return out;
 }
 
+// What a translator can act on, instead of the parser's own error names.
+std::string xmlProblem(tinyxml2::XMLError error)
+{
+    switch (error) {
+    case tinyxml2::XML_ERROR_EMPTY_DOCUMENT:
+        return "the file holds no XML element; it may be empty or cut short";
+    case tinyxml2::XML_ERROR_MISMATCHED_ELEMENT:
+        return "an end tag does not match the element it closes";
+    case tinyxml2::XML_ERROR_PARSING_ELEMENT:
+        return "a tag is not closed or not spelt right";
+    case tinyxml2::XML_ERROR_PARSING_ATTRIBUTE:
+        return "an attribute is broken (a value needs quotes; write \" as &quot;)";
+    case tinyxml2::XML_ERROR_PARSING_TEXT:
+        return "text or a tag is broken (write < as &lt; and & as &amp; in texts)";
+    case tinyxml2::XML_ERROR_PARSING_CDATA:
+        return "a CDATA section is not closed with ]]>";
+    case tinyxml2::XML_ERROR_PARSING_COMMENT:
+        return "a comment is not closed with -->";
+    case tinyxml2::XML_ERROR_PARSING_DECLARATION:
+        return "the <?xml ...?> declaration is broken";
+    case tinyxml2::XML_ERROR_PARSING_UNKNOWN:
+        return "a <! ...> construct is not closed";
+    case tinyxml2::XML_ELEMENT_DEPTH_EXCEEDED:
+        return "elements are nested too deeply";
+    default:
+        return "the file ends before the document does, or is not XML";
+    }
+}
+
 void parseDocument(XMLDocument& doc, const std::string& path, const std::string& original)
 {
     const std::string bytes = protectWhiteSpace(original);
     if (doc.Parse(bytes.data(), bytes.size()) != tinyxml2::XML_SUCCESS)
-        fail(path, doc.ErrorLineNum(), std::string("not well-formed XML: ") + doc.ErrorStr());
+        fail(path, doc.ErrorLineNum(), "not well-formed XML: " + xmlProblem(doc.ErrorID()) + "; fix it in an XML editor or the tool that wrote it");
 }
 
 bool named(const XMLElement* e, const char* name) { return std::strcmp(e->Name(), name) == 0; }
@@ -176,6 +206,11 @@ void readProperty(Catalogue& c, std::string_view name, std::u16string value, int
         c.nativeName = std::move(value);
     } else if (name == "native-sub-name") {
         c.nativeSubName = std::move(value);
+    } else if (name == "plural-forms" || name == "po-header-plural_forms") {
+        if (!c.pluralForms && !value.empty()) {
+            c.pluralForms = std::move(value);
+            c.pluralFormsLine = line;
+        }
     } else if (name == "version") {
         c.version = versionOf(encodeUtf8(value));
         if (!c.version)
@@ -193,6 +228,9 @@ void cFormatFlags(Entry& entry, const XMLElement* flags)
             entry.cFormat = true;
             entry.key = expandSystemDependent(entry.key);
             entry.text = expandSystemDependent(entry.text);
+            entry.pluralSource = expandSystemDependent(entry.pluralSource);
+            for (std::u16string& form : entry.forms)
+                form = expandSystemDependent(form);
             return;
         }
     }
@@ -201,6 +239,30 @@ void cFormatFlags(Entry& entry, const XMLElement* flags)
 std::u16string qtContext(const std::u16string& name, const std::optional<std::u16string>& comment)
 {
     return name + u'|' + comment.value_or(u"");
+}
+
+bool attributeIs(const XMLElement* e, const char* name, const char* value)
+{
+    const char* given = e->Attribute(name);
+    return given && std::strcmp(given, value) == 0;
+}
+
+// What lupdate names the context of qor_lang2::tr calls.
+constexpr std::u16string_view kTrContext = u"qor_lang2";
+
+// Auto keeps a Qt context name only where the sources read as texts: a context whose every source
+// looks like a key ("app.title") is a grouping, not part of the key tr is called with.
+QtContext qtContextFor(const std::string& path, const XMLElement* context, const std::u16string& name, QtContext mode)
+{
+    if (mode != QtContext::Auto || name.empty() || name == kTrContext)
+        return mode == QtContext::Auto ? QtContext::Drop : mode;
+    bool any = false;
+    for (const XMLElement* m = context->FirstChildElement("message"); m; m = m->NextSiblingElement("message")) {
+        if (!looksLikeKey(textOf(path, m->FirstChildElement("source"))))
+            return QtContext::Keep;
+        any = true;
+    }
+    return any ? QtContext::Drop : QtContext::Keep;
 }
 
 class CXliffReader {
@@ -245,16 +307,27 @@ private:
                 }
             }
             if (const XMLElement* body = file->FirstChildElement("body"))
-                readUnits(body, u"", false);
+                readUnits(body, u"");
         } else {
-            readUnits(file, u"", false);
+            readUnits(file, u"");
         }
     }
 
-    // `pluralGroup`: the plural group whose first unit is read; lconvert puts the entry's flags
-    // and context on the group.
-    void readUnits(const XMLElement* parent, const std::u16string& qtName, bool firstOnly,
-                   const XMLElement* pluralGroup = nullptr)
+    // lconvert's plural group: one unit per form, the first with the singular source, the others
+    // with the plural source. They become one entry.
+    void joinPluralUnits(size_t first)
+    {
+        Entry& entry = m_c.entries[first];
+        entry.plural = true;
+        for (size_t i = first; i < m_c.entries.size(); ++i)
+            entry.forms.push_back(m_c.entries[i].text);
+        entry.pluralSource = splitKey(m_c.entries[first + (m_c.entries.size() > first + 1 ? 1 : 0)].key).second;
+        m_c.entries.resize(first + 1);
+    }
+
+    // `pluralGroup`: the plural group whose units are read; lconvert puts the entry's flags and
+    // context on the group.
+    void readUnits(const XMLElement* parent, const std::u16string& qtName, const XMLElement* pluralGroup = nullptr)
     {
         for (const XMLElement* e = parent->FirstChildElement(); e; e = e->NextSiblingElement()) {
             if (named(e, "group")) {
@@ -262,18 +335,18 @@ private:
                 std::u16string name = qtName;
                 if (restype && std::strcmp(restype, "x-trolltech-linguist-context") == 0)
                     name = attribute(m_c.path, e, "resname").value_or(u"");
-                const bool plurals = restype && std::strcmp(restype, "x-gettext-plurals") == 0;
+                // XLIFF 2.0 has no plural groups of its own: the same group, typed "x-gettext:plurals".
+                const bool plurals = (restype && std::strcmp(restype, "x-gettext-plurals") == 0) ||
+                                     (m_version2 && attributeIs(e, "type", "x-gettext:plurals"));
                 const size_t before = m_c.entries.size();
-                readUnits(e, name, plurals, plurals ? e : nullptr);
+                readUnits(e, name, plurals ? e : nullptr);
                 if (plurals && m_c.entries.size() > before)
-                    m_c.entries.back().plural = true;
+                    joinPluralUnits(before);
             } else if (named(e, m_version2 ? "unit" : "trans-unit")) {
                 if (m_version2)
                     readUnit2(e);
                 else
                     readTransUnit(e, qtName, pluralGroup);
-                if (firstOnly)
-                    return;
             }
         }
     }
@@ -445,28 +518,50 @@ std::string writeXliff(const Catalogue& c)
     prop("native-name", c.nativeName);
     prop("native-sub-name", c.nativeSubName);
     prop("version", versionText(c.version));
+    prop("plural-forms", c.pluralForms);
     p.CloseElement();
     p.CloseElement();
     p.OpenElement("body");
     int id = 0;
-    for (const Entry& e : c.entries) {
-        const auto [context, source] = splitKey(e.key);
+    auto contextGroup = [&](const std::optional<std::u16string_view>& context) {
+        if (!context)
+            return;
+        requireXmlText(c.path, *context);
+        p.OpenElement("context-group");
+        p.OpenElement("context");
+        p.PushAttribute("context-type", "x-gettext-msgctxt");
+        p.PushText(encodeUtf8(*context).c_str());
+        p.CloseElement();
+        p.CloseElement();
+    };
+    auto unit = [&](const std::string& unitId, std::u16string_view source, std::u16string_view text, const Entry& e) {
         p.OpenElement("trans-unit");
-        p.PushAttribute("id", ++id);
+        p.PushAttribute("id", unitId.c_str());
+        if (e.obsolete)
+            p.PushAttribute("translate", "no");
         pushElement(p, "source", source, false, true);
         p.OpenElement("target");
         p.PushAttribute("xml:space", "preserve");
         if (e.fuzzy)
             p.PushAttribute("state", "needs-review-translation");
-        pushText(p, e.text, false);
+        pushText(p, text, false);
         p.CloseElement(true);
-        if (context) {
-            requireXmlText(c.path, *context);
-            p.OpenElement("context-group");
-            p.OpenElement("context");
-            p.PushAttribute("context-type", "x-gettext-msgctxt");
-            p.PushText(encodeUtf8(*context).c_str());
+    };
+    for (const Entry& e : c.entries) {
+        const auto [context, source] = splitKey(e.key);
+        const std::string unitId = std::to_string(++id);
+        if (e.forms.empty()) {
+            unit(unitId, source, e.text, e);
+            contextGroup(context);
             p.CloseElement();
+            continue;
+        }
+        // lconvert's plural group: a unit per form, the context on the group.
+        p.OpenElement("group");
+        p.PushAttribute("restype", "x-gettext-plurals");
+        contextGroup(context);
+        for (size_t i = 0; i < e.forms.size(); ++i) {
+            unit(unitId + "[" + std::to_string(i) + "]", i == 0 ? source : std::u16string_view(e.pluralSource), e.forms[i], e);
             p.CloseElement();
         }
         p.CloseElement();
@@ -477,7 +572,7 @@ std::string writeXliff(const Catalogue& c)
     return p.CStr();
 }
 
-Catalogue readTs(const std::string& path, const std::string& bytes)
+Catalogue readTs(const std::string& path, const std::string& bytes, QtContext contextMode)
 {
     Catalogue c;
     c.path = path;
@@ -490,6 +585,9 @@ Catalogue readTs(const std::string& path, const std::string& bytes)
         c.language = *language;
         c.languageLine = root->GetLineNum();
     }
+    // A TS file decompiled by this tool spells its keys out: a name it wrote is part of a key.
+    if (contextMode == QtContext::Auto && root->FirstChildElement("extra-qorlang-application"))
+        contextMode = QtContext::Keep;
     for (const XMLElement* e = root->FirstChildElement(); e; e = e->NextSiblingElement()) {
         const std::string_view name = e->Name();
         if (name.rfind("extra-qorlang-", 0) == 0)
@@ -499,23 +597,38 @@ Catalogue readTs(const std::string& path, const std::string& bytes)
         if (!named(e, "context"))
             continue;
         const std::u16string qtName = textOf(path, e->FirstChildElement("name"));
+        const QtContext mode = qtContextFor(path, e, qtName, contextMode);
         for (const XMLElement* m = e->FirstChildElement("message"); m; m = m->NextSiblingElement("message")) {
             Entry entry;
             entry.line = m->GetLineNum();
             std::optional<std::u16string> comment;
             if (const XMLElement* ce = m->FirstChildElement("comment"))
                 comment = textOf(path, ce);
-            std::optional<std::u16string> context = qtName.empty() ? comment : qtContext(qtName, comment);
-            entry.key = joinKey(context, textOf(path, m->FirstChildElement("source")));
+            std::optional<std::u16string> context = comment;
+            if (qtName == kTrContext && mode != QtContext::Keep)
+                context.reset(); // lupdate takes qor_lang2::tr's default text for a comment
+            else if (!qtName.empty() && mode == QtContext::Keep)
+                context = qtContext(qtName, comment);
+            const std::u16string source = textOf(path, m->FirstChildElement("source"));
+            entry.key = joinKey(context, source);
             if (const XMLElement* t = m->FirstChildElement("translation")) {
-                // A plural or length-variant translation answers with its first form.
+                // A length-variant translation answers with its first variant.
                 const XMLElement* form = t->FirstChildElement("numerusform");
-                entry.plural = form != nullptr;
+                entry.plural = form != nullptr || attributeIs(m, "numerus", "yes");
+                if (entry.plural) {
+                    for (; form; form = form->NextSiblingElement("numerusform"))
+                        entry.forms.push_back(textOf(path, form));
+                    if (entry.forms.empty())
+                        entry.forms.emplace_back();
+                    const XMLElement* plural = m->FirstChildElement("extra-po-msgid_plural");
+                    entry.pluralSource = plural ? textOf(path, plural) : source;
+                }
                 if (!form)
                     form = t->FirstChildElement("lengthvariant");
-                entry.text = textOf(path, form ? form : t);
+                entry.text = entry.plural ? entry.forms.front() : textOf(path, form ? form : t);
                 const char* type = t->Attribute("type");
-                entry.fuzzy = type && std::strcmp(type, "unfinished") == 0;
+                // Qt marks untranslated messages "unfinished" too; only a text can be unreviewed.
+                entry.fuzzy = type && std::strcmp(type, "unfinished") == 0 && !entry.text.empty();
                 entry.obsolete = type && (std::strcmp(type, "vanished") == 0 || std::strcmp(type, "obsolete") == 0);
             }
             if (const XMLElement* flags = m->FirstChildElement("extra-po-flags"))
@@ -545,6 +658,7 @@ std::string writeTs(const Catalogue& c)
     extra("native-name", c.nativeName);
     extra("native-sub-name", c.nativeSubName);
     extra("version", versionText(c.version));
+    extra("plural-forms", c.pluralForms);
     // Messages grouped by Qt context name, names in order of first appearance.
     std::vector<std::u16string> names;
     std::map<std::u16string, std::vector<const Entry*>> byName;
@@ -566,16 +680,25 @@ std::string writeTs(const Catalogue& c)
         for (const Entry* e : byName[name]) {
             const auto [context, source] = splitKey(e->key);
             p.OpenElement("message");
+            if (!e->forms.empty())
+                p.PushAttribute("numerus", "yes");
             pushElement(p, "source", source, true);
             if (context) {
                 const std::u16string_view comment = name.empty() ? *context : context->substr(name.size() + 1);
                 pushElement(p, "comment", comment, true);
             }
             p.OpenElement("translation");
-            if (e->fuzzy)
-                p.PushAttribute("type", "unfinished");
-            pushText(p, e->text, true);
-            p.CloseElement(true);
+            if (e->obsolete)
+                p.PushAttribute("type", "vanished");
+            else if (e->fuzzy || e->text.empty())
+                p.PushAttribute("type", "unfinished"); // Linguist shows an empty one as done otherwise
+            if (e->forms.empty())
+                pushText(p, e->text, true);
+            for (const std::u16string& form : e->forms)
+                pushElement(p, "numerusform", form, true);
+            p.CloseElement(e->forms.empty());
+            if (!e->forms.empty())
+                pushElement(p, "extra-po-msgid_plural", e->pluralSource, true);
             p.CloseElement();
         }
         p.CloseElement();

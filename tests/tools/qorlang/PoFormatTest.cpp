@@ -36,6 +36,8 @@ TEST(PoFormat, ReadsEntriesAsMsgfmtDoes)
         {"fuzzy among other flags", "#, c-format, fuzzy\nmsgid \"x\"\nmsgstr \"y\"\n", u"x", u"y", true},
         {"no-fuzzy is not fuzzy", "#, fuzzyish\nmsgid \"x\"\nmsgstr \"y\"\n", u"x", u"y"},
         {"obsolete", "#~ msgid \"old\"\n#~ msgstr \"alt\"\n", u"old", u"alt", false, true},
+        {"obsolete plural", "#~ msgid \"a file\"\n#~ msgid_plural \"%d files\"\n#~ msgstr[0] \"eine\"\n#~ msgstr[1] \"%d\"\n",
+         u"a file", u"eine", false, true, true},
         {"continued strings", "msgid \"\"\n\"one \"\n  \"two\"\nmsgstr \"eins\"\n\"zwei\"\n", u"one two", u"einszwei"},
         {"escapes", "msgid \"\\t\\\"\\\\\\n\\101\\x42\\a\"\nmsgstr \"x\"\n", u"\t\"\\\nAB\a", u"x"},
         {"CR LF line ends", "msgid \"a\"\r\nmsgstr \"b\"\r\n", u"a", u"b"},
@@ -91,8 +93,11 @@ TEST(PoFormat, ErrorsNameFileAndLine)
         {"msgid \"a\"\nmsgstr \"x\"\nmsgtext \"y\"\n", "t.po:3: unknown keyword 'msgtext'"},
         {"msgid \"a\" b\nmsgstr \"x\"\n", "t.po:1: unexpected text after the string"},
         {"\n\nmsgid \"a\\q\"\nmsgstr \"x\"\n", "t.po:3: unknown escape \\q"},
-        {"msgid \"\"\nmsgstr \"Content-Type: text/plain; charset=EUC-JP\\n\"\n", "t.po:1: charset EUC-JP is not supported"},
-        {"msgid \"a\"\nmsgstr \"\xC3\"\n", "t.po:1: not valid UTF-8"},
+        {"msgid \"\"\nmsgstr \"Content-Type: text/plain; charset=NO-SUCH\\n\"\n",
+         "t.po:1: charset NO-SUCH is not known to this system's converter; convert the file with msgconv --to-code=UTF-8"},
+        {"msgid \"\"\nmsgstr \"Content-Type: text/plain; charset=EUC-JP\\n\"\n\nmsgid \"a\"\nmsgstr \"\xA4\"\n",
+         "t.po:4: not valid EUC-JP; the header's Content-Type must name the file's real charset"},
+        {"msgid \"a\"\nmsgstr \"\xC3\"\n", "t.po:2: not valid UTF-8"},
         {"\"x\"\n", "t.po:1: a string continues nothing"},
     };
     for (const auto& [po, expected] : cases) {
@@ -121,12 +126,15 @@ TEST(PoFormat, WrittenFileReadsBackAndPassesMsgfmtCheck)
         {u"quote \" backslash \\ tab \t bell \a", u"x \" y \\ z \t \a"},
         {u"long\nmulti\nline", u"lang\nmehr\nzeilig"},
         {u"𝄞 and 日本", u"non-BMP 𝄞"},
+        {u"ctx\x04gone\nfor good", u"weg\nfür immer", 0, true, true}, // what merge leaves behind
+        {u"%d old file", u"%d alte Datei", 0, false, true, true, true, u"%d old files", {u"%d alte Datei", u"%d alte Dateien"}},
     };
     const std::string po = writePo(c);
     const Catalogue back = readPo("w.po", po);
     EXPECT_EQ(back.language, u"de_DE");
     expectSameDescription(back, c);
     EXPECT_EQ(pairsOf(back), pairsOf(c));
+    EXPECT_EQ(back.entries.back().forms, c.entries.back().forms);
 
 #ifndef _WIN32
     if (std::system("command -v msgfmt >/dev/null 2>&1") != 0)
@@ -135,4 +143,21 @@ TEST(PoFormat, WrittenFileReadsBackAndPassesMsgfmtCheck)
     folder.writeFile("w.po", po);
     EXPECT_EQ(std::system(("msgfmt --check -o /dev/null '" + folder.utf8("w.po") + "'").c_str()), 0) << po;
 #endif
+}
+
+TEST(PoFormat, RealCataloguesInTheirOwnCharsets)
+{
+    // Real catalogues of this machine as shipped (ISO-8859-2, ISO-8859-8, EUC-JP) or converted by
+    // msgconv (KOI8-R) read as their UTF-8 forms do; tests/tools/qorlang/charsets/regenerate.sh.
+    for (const char* language : {"cs", "he", "ja", "ru"}) {
+        SCOPED_TRACE(language);
+        const std::string folder = QORLANG_CHARSETS "/";
+        const Catalogue encoded = readCatalogue(folder + language + ".po");
+        const Catalogue utf8 = readCatalogue(folder + language + ".utf8.po");
+        EXPECT_EQ(qorlang_test::pairsOf(encoded), qorlang_test::pairsOf(utf8));
+        EXPECT_EQ(encoded.author, utf8.author);
+        ASSERT_GE(encoded.entries.size(), 3u);
+        EXPECT_TRUE(std::any_of(encoded.entries.begin(), encoded.entries.end(),
+                                [](const Entry& e) { return std::any_of(e.text.begin(), e.text.end(), [](char16_t c) { return c > 0x7F; }); }));
+    }
 }

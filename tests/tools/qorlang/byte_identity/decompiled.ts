@@ -13,6 +13,19 @@
             <source>Open "%s"</source>
             <translation>„%s“ öffnen</translation>
         </message>
+        <message numerus="yes">
+            <source>%d file</source>
+            <translation>
+                <numerusform>%d Datei</numerusform>
+                <numerusform>%d Dateien</numerusform>
+            </translation>
+            <extra-po-msgid_plural>%d files</extra-po-msgid_plural>
+        </message>
+        <message>
+            <source>Open</source>
+            <comment>menu</comment>
+            <translation>Öffnen</translation>
+        </message>
         <message>
             <source>Size &amp; &lt;width&gt;</source>
             <translation>Größe &amp; &lt;Breite&gt;</translation>

@@ -1,0 +1,168 @@
+// merge against msgmerge's rules, pseudo-localisation as a property over many texts, and the
+// pairing of extracted keys with their default texts.
+#include "CatalogueTestSupport.h"
+#include "Checks.h"
+#include "Unicode.h"
+#include "Workflow.h"
+
+using namespace qorlang;
+using namespace qorlang_test;
+
+namespace {
+
+Catalogue withEntries(std::vector<Entry> entries)
+{
+    Catalogue c;
+    c.path = "x.ts";
+    c.entries = std::move(entries);
+    return c;
+}
+
+Entry obsolete(std::u16string key, std::u16string text)
+{
+    Entry e{std::move(key), std::move(text)};
+    e.obsolete = true;
+    return e;
+}
+
+Entry plural(std::u16string key, std::u16string pluralSource, std::vector<std::u16string> forms)
+{
+    return Entry{std::move(key), forms.front(), 0, false, false, true, false, std::move(pluralSource), std::move(forms)};
+}
+
+// "key: (fuzzy) form|form <plural source>" per entry; plain "key: text" for singular ones.
+std::vector<std::u16string> formsOf(const Catalogue& c)
+{
+    std::vector<std::u16string> out;
+    for (const Entry& e : c.entries) {
+        std::u16string line = e.key + u": " + (e.obsolete ? u"(obsolete) " : e.fuzzy ? u"(fuzzy) " : u"");
+        if (e.forms.empty())
+            line += e.text;
+        for (size_t i = 0; i < e.forms.size(); ++i)
+            line += (i ? u"|" : u"") + e.forms[i];
+        out.push_back(e.forms.empty() ? line : line + u" <" + e.pluralSource + u">");
+    }
+    return out;
+}
+
+} // namespace
+
+TEST(Workflow, PluralFormsThroughMergeAndInit)
+{
+    // The template's plural entries have two empty forms (a .pot); a translation keeps its own
+    // forms, new ones get its language's count, and a changed shape or plural source is fuzzy.
+    const Catalogue templ = withEntries({plural(u"%d file", u"%d files", {u"", u""}), plural(u"%d dir", u"%d dirs found", {u"", u""}),
+                                         plural(u"%d item", u"%d items", {u"", u""}), {u"%d page", u""},
+                                         plural(u"%d new", u"%d new ones", {u"", u""}), plural(u"%d photo", u"%d photos", {u"", u""})});
+    Catalogue translation = withEntries({plural(u"%d file", u"%d files", {u"a", u"b", u"c"}), plural(u"%d dir", u"%d dirs", {u"d", u"e", u"f"}),
+                                         {u"%d item", u"x"}, plural(u"%d page", u"%d pages", {u"p", u"q", u"r"}),
+                                         plural(u"%d photo", u"%d photos", {u"g", u"h", u"i"})});
+    translation.entries.back().obsolete = true;
+    translation.language = u"ru_RU";
+    const Catalogue merged = mergeCatalogue(translation, templ);
+    EXPECT_EQ(formsOf(merged), (std::vector<std::u16string>{u"%d file: a|b|c <%d files>", u"%d dir: (fuzzy) d|e|f <%d dirs found>",
+                                                           u"%d item: (fuzzy) x|| <%d items>", u"%d page: (fuzzy) p",
+                                                           u"%d new: || <%d new ones>", u"%d photo: (fuzzy) g|h|i <%d photos>"}));
+    EXPECT_EQ(formsOf(mergeCatalogue(merged, templ)), formsOf(merged));
+    // A rule of the translation's own wins over its language's.
+    translation.pluralForms = u"nplurals=2; plural=(n != 1);";
+    EXPECT_EQ(formsOf(mergeCatalogue(translation, templ))[4], u"%d new: | <%d new ones>");
+
+    const std::pair<std::u16string, size_t> languages[] = {{u"ru-RU", 3}, {u"fr-FR", 3}, {u"ja-JP", 1}, {u"ar-EG", 6}, {u"xx-YY", 2}};
+    for (const auto& [tag, count] : languages) {
+        const Catalogue started = initCatalogue(templ, tag);
+        EXPECT_EQ(started.entries[0].forms, std::vector<std::u16string>(count)) << encodeUtf8(tag);
+        EXPECT_EQ(started.entries[0].pluralSource, u"%d files");
+        EXPECT_TRUE(started.entries[3].forms.empty());
+    }
+}
+
+TEST(Workflow, MergeFollowsMsgmerge)
+{
+    const Catalogue templ = withEntries({{u"Open a file", u""}, {u"Save", u""}, {u"menu\x04Quit", u""}, {u"Print", u""}, {u"Back", u""}, {u"Save", u""}});
+    Entry reviewed{u"Print", u"Drucken"};
+    reviewed.fuzzy = true;
+    const Catalogue translation = withEntries({
+        {u"Open file", u"Datei öffnen"},   // source changed: kept as fuzzy under the new key
+        {u"Save", u"Speichern"},           // kept
+        {u"Quit", u"Beenden"},             // another context: no match, obsolete
+        reviewed,                          // still fuzzy
+        {u"Delete everything", u"Alles löschen"}, // gone: obsolete
+        {u"Unused", u""},                  // gone and never translated: dropped
+        obsolete(u"Back", u"Zurück"),      // back again: revived for review
+    });
+    const Catalogue merged = mergeCatalogue(translation, templ);
+    const MergeCounts counts = countChanges(translation, merged);
+    EXPECT_EQ(pairsOf(merged), (Pairs{{u"Open a file", u"(fuzzy) Datei öffnen"},
+                                      {u"Save", u"Speichern"},
+                                      {u"menu\x04Quit", u""},
+                                      {u"Print", u"(fuzzy) Drucken"},
+                                      {u"Back", u"(fuzzy) Zurück"},
+                                      {u"Quit", u"(obsolete)"},
+                                      {u"Delete everything", u"(obsolete)"}}));
+    EXPECT_EQ(counts.kept, 2u);
+    EXPECT_EQ(counts.added, 1u);
+    EXPECT_EQ(counts.fuzzy, 2u);
+    EXPECT_EQ(counts.obsolete, 2u);
+    // Merging again changes nothing.
+    EXPECT_EQ(pairsOf(mergeCatalogue(merged, templ)), pairsOf(merged));
+
+    EXPECT_DOUBLE_EQ(similarity(u"abc", u"abc"), 1.0);
+    EXPECT_DOUBLE_EQ(similarity(u"", u"abc"), 0.0);
+    EXPECT_GE(similarity(u"Open file", u"Open a file"), 0.6);
+    EXPECT_LT(similarity(u"Open file", u"Print"), 0.6);
+}
+
+TEST(Workflow, PseudoKeepsPlaceholdersAndMarkup)
+{
+    // Property over texts mixing every kind of placeholder with words: the placeholders and the
+    // markup survive unchanged, no plain ASCII letter is left outside them, the text grows by a
+    // third and is bracketed; mirrored, every run of letters is wrapped in RLO ... PDF.
+    const std::u16string pieces[] = {u"Open ", u"%s", u"%1$d", u"%-5.2ld", u"%%", u"%USER%", u"{name}", u"{{count}}",
+                                     u"<b>", u"</b>", u"&amp;", u"\n", u" files in ", u"%<PRIu64>", u"Zz!", u"{{- x}}"};
+    for (unsigned seed = 1; seed < 400; ++seed) {
+        std::u16string text;
+        for (unsigned k = seed, n = 0; n < 1 + seed % 6; ++n, k = k * 1103515245u + 12345u)
+            text += pieces[(k >> 8) % std::size(pieces)];
+        for (const bool rtl : {false, true}) {
+            const std::u16string pseudo = pseudoText(text, rtl);
+            SCOPED_TRACE(encodeUtf8(text));
+            ASSERT_GE(pseudo.size(), 2u);
+            EXPECT_EQ(pseudo.front(), u'[');
+            EXPECT_EQ(pseudo.back(), u']');
+            EXPECT_EQ(placeholdersOf(pseudo), placeholdersOf(text));
+            for (const char* kept : {"<b>", "</b>", "&amp;", "%<PRIu64>"})
+                EXPECT_EQ(encodeUtf8(text).find(kept) == std::string::npos, encodeUtf8(pseudo).find(kept) == std::string::npos) << kept;
+            size_t plain = 0;
+            for (char16_t c : pseudo)
+                plain += (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z');
+            size_t protectedLetters = 0;
+            for (const std::u16string& piece : pieces)
+                if (piece != u"Open " && piece != u" files in " && piece != u"Zz!")
+                    for (size_t at = text.find(piece); at != std::u16string::npos; at = text.find(piece, at + piece.size()))
+                        for (char16_t c : piece)
+                            protectedLetters += (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z');
+            EXPECT_LE(plain, protectedLetters);
+            const size_t marks = rtl ? std::count(pseudo.begin(), pseudo.end(), u'\x202E') : 0;
+            EXPECT_EQ(marks, rtl ? size_t(std::count(pseudo.begin(), pseudo.end(), u'\x202C')) : 0u);
+        }
+    }
+    EXPECT_EQ(pseudoText(u"Open %s now", false), u"[Ǿƥḗƞ %s ƞǿẇ~~~~]");
+    EXPECT_EQ(pseudoText(u"ab", true), u"[\x202Eȧƀ\x202C~]");
+}
+
+TEST(Workflow, DefaultTextsJoinTheirKeysByReference)
+{
+    const std::string keys = "msgid \"\"\nmsgstr \"\"\n\n#. TRANSLATORS: title\n#: a.cpp:3\nmsgid \"app.title\"\nmsgstr \"\"\n\n"
+                             "#: a.cpp:4 b.cpp:9\nmsgid \"Open\"\nmsgstr \"\"\n\n#: a.cpp:5\nmsgid \"two\"\nmsgstr \"\"\n";
+    const std::string defaults = "msgid \"\"\nmsgstr \"\"\n\n#: a.cpp:3\nmsgid \"\"\n\"My \\\"app\\\"\"\nmsgstr \"\"\n\n"
+                                 "#: a.cpp:4\nmsgid \"Open\"\nmsgstr \"\"\n\n#: a.cpp:5\nmsgid \"one\"\nmsgstr \"\"\n\n"
+                                 "#: a.cpp:5\nmsgid \"other\"\nmsgstr \"\"\n";
+    EXPECT_EQ(addDefaultComments(keys, defaults),
+              "msgid \"\"\nmsgstr \"\"\n\n#. TRANSLATORS: title\n#. default: \"My \\\"app\\\"\"\n#: a.cpp:3\nmsgid \"app.title\"\nmsgstr \"\"\n\n"
+              "#: a.cpp:4 b.cpp:9\nmsgid \"Open\"\nmsgstr \"\"\n\n"
+              "#. default: \"one\"\n#. default: \"other\"\n#: a.cpp:5\nmsgid \"two\"\nmsgstr \"\"\n");
+    // pseudo reads a template with the defaults as texts: the program's words, not its keys.
+    const Catalogue withDefaults = readPo("t.pot", withDefaultsAsTexts(addDefaultComments(keys, defaults)));
+    EXPECT_EQ(pairsOf(withDefaults), (Pairs{{u"app.title", u"My \"app\""}, {u"Open", u""}, {u"two", u"one"}}));
+}
