@@ -1,0 +1,179 @@
+// Plural forms against glibc's ngettext: real catalogues of this machine with plural entries are
+// turned into PO (msgunfmt), compiled by qorlang and loaded through the library; for every plural
+// entry and every n in 0..1000, qor_lang2::trn (trnc for an entry with a context) must answer what
+// dngettext answers from the .mo msgfmt makes of the same PO.
+//
+//   qorlang_ngettext_differential <qorlang> <language> <tag>
+//
+// Each catalogue is compared twice: compiled with its own rule, and without it, when the library
+// answers by the language's CLDR rule.
+// Takes the largest catalogues under /usr/share/locale/<language> that hold plural entries, until
+// they hold 20 of them or five catalogues are taken, each in a process of its own (the library has
+// one current language per process). QOR_TEST_MO names one catalogue instead.
+// Exit 77 (skipped) when msgunfmt, msgfmt or a catalogue with plural entries is missing.
+#include "qor_lang2.hpp"
+
+#include <libintl.h>
+
+#include <algorithm>
+#include <clocale>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <sstream>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr int kSkip = 77;
+constexpr unsigned long kLastN = 1000;
+
+bool run(const std::string& command) { return std::system(command.c_str()) == 0; }
+bool have(const char* program) { return run("command -v " + std::string(program) + " >/dev/null 2>&1"); }
+std::string quote(const fs::path& p) { return "'" + p.string() + "'"; }
+
+std::string readAll(const fs::path& path)
+{
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream out;
+    out << in.rdbuf();
+    return out.str();
+}
+
+// The originals of a .mo file that hold a plural pair: "[context EOT] singular NUL plural".
+std::vector<std::string> pluralOriginals(const std::string& mo)
+{
+    auto u32 = [&](size_t at) {
+        uint32_t v = 0;
+        if (at + 4 <= mo.size())
+            std::memcpy(&v, mo.data() + at, 4);
+        return v;
+    };
+    std::vector<std::string> out;
+    if (mo.size() < 28 || u32(0) != 0x950412de)
+        return out;
+    const uint32_t count = u32(8), originals = u32(12);
+    for (uint32_t i = 0; i < count; ++i) {
+        const uint32_t length = u32(originals + 8 * i), offset = u32(originals + 8 * i + 4);
+        if (offset > mo.size() || length > mo.size() - offset)
+            break;
+        std::string original = mo.substr(offset, length);
+        if (original.find('\0') != std::string::npos)
+            out.push_back(std::move(original));
+    }
+    return out;
+}
+
+std::vector<fs::path> pickCatalogues(const std::string& language)
+{
+    std::vector<std::pair<uintmax_t, fs::path>> all;
+    std::error_code ignored;
+    for (const auto& e : fs::directory_iterator("/usr/share/locale/" + language + "/LC_MESSAGES", ignored)) {
+        if (e.path().extension() == ".mo")
+            all.emplace_back(e.file_size(ignored), e.path());
+    }
+    std::sort(all.rbegin(), all.rend());
+    std::vector<fs::path> picked;
+    size_t entries = 0;
+    for (const auto& [size, path] : all) {
+        const size_t plurals = pluralOriginals(readAll(path)).size();
+        if (plurals == 0)
+            continue;
+        picked.push_back(path);
+        entries += plurals;
+        if (entries >= 20 || picked.size() == 5)
+            break;
+    }
+    return picked;
+}
+
+// One catalogue, in this process. Returns the number of mismatches, or -1 when a step failed.
+// withoutRule: the language file gets no rule of its own, so the library answers by the language's CLDR rule.
+long compareOne(const std::string& qorlang, const std::string& language, const std::string& tag, const fs::path& mo,
+                bool withoutRule)
+{
+    const fs::path dir = fs::temp_directory_path() / ("qorlang_ngettext_" + std::to_string(std::random_device()()));
+    fs::create_directories(dir / "qor");
+    fs::create_directories(dir / "gettext" / language / "LC_MESSAGES");
+    const fs::path po = dir / "catalogue.po";
+    const fs::path gettextMo = dir / "gettext" / language / "LC_MESSAGES" / "app.mo";
+    if (!run("msgunfmt -o " + quote(po) + " " + quote(mo)) || !run("msgfmt -o " + quote(gettextMo) + " " + quote(po)) ||
+        (withoutRule && !run("sed -i '/^\"Plural-Forms:/d' " + quote(po))) ||
+        !run(quote(qorlang) + " compile " + quote(po) + " -o " + quote(dir / "qor" / ("app-" + tag + ".qorlang")) +
+             " --app-id app --language " + tag)) {
+        std::printf("FAILED: a command failed for %s (files kept in %s)\n", mo.c_str(), dir.c_str());
+        return -1;
+    }
+    setenv("LANGUAGE", language.c_str(), 1);
+    std::setlocale(LC_ALL, "C.UTF-8");
+    bindtextdomain("app", (dir / "gettext").c_str());
+    bind_textdomain_codeset("app", "UTF-8");
+    if (qor_lang2::add((dir / "qor").string(), "app") != 0 || qor_lang2::setCurrentLanguage(tag) != 0) {
+        std::printf("FAILED: the library did not take %s\n", dir.c_str());
+        return -1;
+    }
+
+    long mismatches = 0;
+    size_t translated = 0; // answers that are not the untranslated fallback: the comparison is not vacuous
+    const std::vector<std::string> originals = pluralOriginals(readAll(gettextMo));
+    for (const std::string& original : originals) {
+        const size_t nul = original.find('\0'), eot = original.find('\x04');
+        const bool hasContext = eot != std::string::npos && eot < nul;
+        const std::string context = hasContext ? original.substr(0, eot) : std::string();
+        const std::string singular = original.substr(hasContext ? eot + 1 : 0, nul - (hasContext ? eot + 1 : 0));
+        const std::string plural = original.substr(nul + 1);
+        const std::string key = hasContext ? context + '\x04' + singular : singular;
+        for (unsigned long n = 0; n <= kLastN; ++n) {
+            const std::string expected = dngettext("app", key.c_str(), plural.c_str(), n);
+            const std::string actual = hasContext ? qor_lang2::trnc(context, singular, plural, n)
+                                                  : qor_lang2::trn(singular, plural, n);
+            translated += expected != (n == 1 ? singular : plural);
+            if (actual != expected && ++mismatches <= 5)
+                std::printf("mismatch: \"%s\" n=%lu: ngettext \"%s\", trn \"%s\"\n", singular.c_str(), n,
+                            expected.c_str(), actual.c_str());
+        }
+    }
+    std::printf("%s%s: %zu plural entries, %zu answers compared (n = 0..%lu), %zu of them translated, %ld mismatches\n",
+                mo.c_str(), withoutRule ? " (CLDR rule)" : "", originals.size(), originals.size() * (kLastN + 1), kLastN, translated, mismatches);
+    if (mismatches == 0)
+        fs::remove_all(dir);
+    return translated == 0 ? -1 : mismatches;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    if (argc != 4) {
+        std::fprintf(stderr, "usage: %s <qorlang> <language> <tag>\n", argv[0]);
+        return 2;
+    }
+    const std::string qorlang = argv[1], language = argv[2], tag = argv[3];
+    if (const char* one = std::getenv("QOR_TEST_MO"))
+        return compareOne(qorlang, language, tag, one, std::getenv("QOR_TEST_WITHOUT_RULE") != nullptr) == 0 ? 0 : 1;
+
+    const std::vector<fs::path> catalogues = pickCatalogues(language);
+    if (!have("msgunfmt") || !have("msgfmt") || catalogues.empty()) {
+        std::printf("skipped: needs msgunfmt, msgfmt and a catalogue with plural entries under /usr/share/locale/%s\n",
+                    language.c_str());
+        return kSkip;
+    }
+    int status = 0;
+    for (const fs::path& mo : catalogues) {
+        std::fflush(stdout);
+        const std::string self = quote(fs::canonical("/proc/self/exe"));
+        for (const char* mode : {"", "QOR_TEST_WITHOUT_RULE=1 "}) {
+            if (!run(mode + ("QOR_TEST_MO=" + quote(mo)) + " " + self + " " + quote(qorlang) + " " + language + " " + tag))
+                status = 1;
+        }
+    }
+    return status;
+}
