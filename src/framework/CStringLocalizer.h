@@ -8,6 +8,9 @@
 // change builds a new content, swaps it in, waits until no reader can hold the old one and frees
 // it; changes are serialised by a mutex that readers never touch. So a look-up sees the old or
 // the new text of a key, never a torn or freed one, and a language switch costs readers nothing.
+//
+// The process-wide localizer is never destroyed: look-ups may still run on other threads while
+// the process exits and the factory destroys its services, and they must find their texts.
 
 #include "framework/CObject.h"
 #include "framework/CReaderSlots.h"
@@ -24,6 +27,9 @@ class CStringLocalizer : public CObject, public IStringLocalizer {
 public:
     // The process-wide localizer, created empty on first use.
     static P<IStringLocalizer>& instance();
+    // The same localizer for look-ups: once it exists, reached without the factory, and valid
+    // until the process ends, also after unload.
+    static const IStringLocalizer& forLookups();
 
     CStringLocalizer();
     ~CStringLocalizer() override;

@@ -1,10 +1,13 @@
 #pragma once
 // The one object behind the exported interface: one language pack per application id, the
 // current language of the whole process, and the listeners told when it changes. It also finds
-// language-specific companion files. No lock of its own: hosts must not add, reload or set the
-// language on one thread while another queries.
+// language-specific companion files. Any thread may call any method at any time: changes (add,
+// reload, a language switch) run one at a time under the change lock, and the state that queries
+// read (packs, current language, listeners) is guarded by a short state lock that no file access
+// holds. Look-ups never come here: they read the string localizer without locks.
 
 #include "framework/CObject.h"
+#include "framework/IMutex.h"
 #include "framework/IString.h"
 #include "framework/IURI.h"
 #include "framework/P.h"
@@ -28,7 +31,7 @@ public:
     // The process's manager, created on first request and destroyed at unload.
     static kore::P<CLanguageManager>& instance();
 
-    CLanguageManager() = default;
+    CLanguageManager();
 
     // Registers a folder for an application id; the first registration of an id wins.
     void add(kore::P<kore::IURI> folder, const kore::CStringArg& appId);
@@ -37,9 +40,10 @@ public:
     // Logs the change, stores the language, has every pack read its file for it and, when at
     // least one could, makes their texts the string localizer's whole content (of two packs with
     // one key, the later in map order answers); then traces and tells the listeners. The caller
-    // has checked that the id is valid.
+    // has checked that the id is valid. The new language becomes current once its texts are in
+    // place, so a thread that reads the new tag also finds its texts.
     bool setCurrentLanguage(const LanguageId& language);
-    LanguageId getCurrentLanguage() const { return m_current; }
+    LanguageId getCurrentLanguage() const;
     int32_t getLanguageCount(const kore::CStringArg& appId);
     // Null for an unknown id or an index not below the count.
     kore::P<CLanguageFile> getLanguageFile(const kore::CStringArg& appId, int32_t index);
@@ -71,7 +75,9 @@ private:
         }
     };
 
-    CLanguagePack* findPack(const kore::CStringArg& appId) const;
+    kore::P<CLanguagePack> findPack(const kore::CStringArg& appId) const;
+    // The packs in map order, for a change that must not hold the state lock while it reads files.
+    std::vector<kore::P<CLanguagePack>> packs() const;
     kore::P<kore::IURI> findFile(const kore::IURI& folder, const kore::CStringArg& prefix,
                                  const LanguageId& language, const kore::CStringArg& infix,
                                  const kore::CStringArg& suffix);
@@ -79,6 +85,10 @@ private:
     std::map<kore::P<kore::IString>, kore::P<CLanguagePack>, ByText> m_packs;
     LanguageId m_current;
     std::vector<ILanguageChangeListener*> m_listeners;
+    // Held by each change from start to end (recursive: a listener may change the language again).
+    kore::P<kore::IMutex> m_changeLock;
+    // Guards the three members above, held only while they are read or written.
+    kore::P<kore::IMutex> m_stateLock;
 };
 
 } // namespace qor_lang
