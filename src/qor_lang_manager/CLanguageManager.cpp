@@ -85,7 +85,9 @@ void CLanguageManager::reload()
 
 LanguageId CLanguageManager::getCurrentLanguage() const
 {
-    CMutexLock state(*m_stateLock);
+    // Waits for a switch in progress: its texts may already answer look-ups, and a thread that
+    // has seen them must not be told the tag before it.
+    CMutexLock changing(*m_changeLock);
     return m_current;
 }
 
@@ -108,11 +110,11 @@ bool CLanguageManager::setCurrentLanguage(const LanguageId& language)
         pack->setLanguage(tag.c_str(), texts);
     if (!texts.empty())
         kore::CStringLocalizer::instance()->setTexts(texts);
+    m_current = language;
     // A copy: a listener may remove itself while being told.
     std::vector<ILanguageChangeListener*> listeners;
     {
         CMutexLock state(*m_stateLock);
-        m_current = language;
         listeners = m_listeners;
     }
     if (kore::isTraceEnabled())

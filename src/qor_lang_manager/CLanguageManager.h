@@ -2,9 +2,10 @@
 // The one object behind the exported interface: one language pack per application id, the
 // current language of the whole process, and the listeners told when it changes. It also finds
 // language-specific companion files. Any thread may call any method at any time: changes (add,
-// reload, a language switch) run one at a time under the change lock, and the state that queries
-// read (packs, current language, listeners) is guarded by a short state lock that no file access
-// holds. Look-ups never come here: they read the string localizer without locks.
+// reload, a language switch) run one at a time under the change lock, which also guards the
+// current language; packs and listeners are guarded by a short state lock that no file access
+// holds, so listing languages never waits for a switch. Look-ups never come here: they read the
+// string localizer without locks.
 
 #include "framework/CObject.h"
 #include "framework/IMutex.h"
@@ -40,9 +41,9 @@ public:
     // Logs the change, stores the language, has every pack read its file for it and, when at
     // least one could, makes their texts the string localizer's whole content (of two packs with
     // one key, the later in map order answers); then traces and tells the listeners. The caller
-    // has checked that the id is valid. The new language becomes current once its texts are in
-    // place, so a thread that reads the new tag also finds its texts.
+    // has checked that the id is valid.
     bool setCurrentLanguage(const LanguageId& language);
+    // Waits for a switch in progress, so the answer and the texts look-ups find never disagree.
     LanguageId getCurrentLanguage() const;
     int32_t getLanguageCount(const kore::CStringArg& appId);
     // Null for an unknown id or an index not below the count.
@@ -85,9 +86,10 @@ private:
     std::map<kore::P<kore::IString>, kore::P<CLanguagePack>, ByText> m_packs;
     LanguageId m_current;
     std::vector<ILanguageChangeListener*> m_listeners;
-    // Held by each change from start to end (recursive: a listener may change the language again).
+    // Held by each change from start to end (recursive: a listener may change the language again
+    // or ask for it); guards m_current.
     kore::P<kore::IMutex> m_changeLock;
-    // Guards the three members above, held only while they are read or written.
+    // Guards m_packs and m_listeners, held only while they are read or written.
     kore::P<kore::IMutex> m_stateLock;
 };
 
