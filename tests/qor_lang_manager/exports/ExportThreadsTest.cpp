@@ -66,7 +66,7 @@ private:
 TEST_F(ExportThreads, ThreadsAskingForTheListTogetherAfterAReloadSeeOneWholeList)
 {
     writeLanguages({u"de-DE", u"fr-FR", u"it-IT", u"ja-JP"});
-    constexpr int kThreads = 4, kRounds = 1000;
+    constexpr int kThreads = 4, kRounds = 300;
     CStartLine start(kThreads);
     std::atomic<int> wrong{0}, lastWrongCount{4};
     std::vector<std::thread> askers;
@@ -99,7 +99,7 @@ TEST_F(ExportThreads, TwoSwitchersLeaveATagAndTextsOfOneLanguageAndReadersSeeOnl
     // switch that starts during the first overtakes it unless switches run one at a time.
     const std::u16string tags[] = {u"de-DE", u"fr-FR", u"it-IT", u"ja-JP"};
     std::vector<std::pair<std::u16string, std::u16string>> many;
-    for (int i = 0; i < 5000; ++i)
+    for (int i = 0; i < 3000; ++i)
         many.emplace_back(m_app + u"." + u16(std::to_string(i)), u"filler text of some length");
     for (int t = 0; t < 4; ++t) {
         many.emplace_back(m_key, tags[t]);
@@ -116,7 +116,7 @@ TEST_F(ExportThreads, TwoSwitchersLeaveATagAndTextsOfOneLanguageAndReadersSeeOnl
         while (!done)
             unknownTags += !set.count(currentLanguage().value_or(u"(null)"));
     });
-    constexpr int kRounds = 50;
+    constexpr int kRounds = 30;
     CStartLine start(2);
     std::thread switchers[2];
     for (int s = 0; s < 2; ++s) {
@@ -207,7 +207,7 @@ constexpr char kChildMark[] = "exit";
 // processes, since what a look-up meets depends on how far the exit has come.
 TEST(ExportThreadsExit, LookUpsInFlightWhenTheHostReturnsFromMain)
 {
-    for (int run = 0; run < 6; ++run) {
+    for (int run = 0; run < 5; ++run) {
         kore_test::CChildProcess child("ExportThreadsChild.DISABLED_ReturnWhileLookingUp", kChildMark);
         ASSERT_EQ(child.wait(60000), 0) << "run " << run << ": the child's output says more";
     }
