@@ -17,11 +17,8 @@ namespace {
 using namespace export_test;
 namespace fs = std::filesystem;
 
-class ExportThreads : public ::testing::Test {
+class ExportThreads : public CExportTest {
 protected:
-    kore_test::CTempFolder m_temp;
-    const fs::path m_folder = m_temp.path();
-    const std::u16string m_app = testName();
     const std::u16string m_key = m_app + u".key";
 
     // One file per tag whose text of m_key is the tag itself, so a text names its language.
