@@ -63,7 +63,7 @@ private:
 TEST_F(ExportThreads, ThreadsAskingForTheListTogetherAfterAReloadSeeOneWholeList)
 {
     writeLanguages({u"de-DE", u"fr-FR", u"it-IT", u"ja-JP"});
-    constexpr int kThreads = 4, kRounds = 300;
+    constexpr int kThreads = 4, kRounds = 200;
     CStartLine start(kThreads);
     std::atomic<int> wrong{0}, lastWrongCount{4};
     std::vector<std::thread> askers;
