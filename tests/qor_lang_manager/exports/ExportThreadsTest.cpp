@@ -152,8 +152,20 @@ TEST_F(ExportThreads, IdsAddedDuringSwitchesAreAllKept)
         for (int i = 0; !done; ++i)
             setLanguage(i % 2 ? u"nl-NL" : u"sv-SE");
     });
-    for (int i = 0; i < kIds; ++i)
-        EXPECT_EQ(addFolder(m_folder, id(i)), 0);
+    // Two adders: ids added at the same moment must not lose each other either.
+    CStartLine start(2);
+    std::thread adders[2];
+    for (int a = 0; a < 2; ++a) {
+        adders[a] = std::thread([&, a] {
+            start.await(0);
+            for (int i = a; i < kIds; i += 2)
+                EXPECT_EQ(addFolder(m_folder, id(i)), 0);
+            start.finished();
+        });
+    }
+    start.run(0);
+    for (std::thread& adder : adders)
+        adder.join();
     done = true;
     switcher.join();
 
