@@ -5,6 +5,8 @@
 #include "framework/CEndOfEnumError.h"
 #include "framework/CGlobalObjFactory.h"
 #include "framework/CInvalidArgError.h"
+#include "framework/CLogManager.h"
+#include "framework/CStringFormat.h"
 #include "framework/CString.h"
 #include "framework/CURITypeNotSupportedError.h"
 #include "framework/FileSystemSupport.h"
@@ -19,6 +21,9 @@
 namespace kore {
 
 namespace {
+
+constexpr int32_t kWarningLevel = 2;
+constexpr const char* kLogModule = "kore::CFileSystemManager";
 
 P<IFileSystemManager> create()
 {
@@ -165,11 +170,15 @@ P<IFileEnum> CFileSystemManager::enumerate(const IURI& folder, const CStringArg&
     const std::u32string patternPoints = codePoints(pattern.get());
     std::vector<Match> matched;
     for (const platform::NativeFolderEntry& entry : listed) {
-        P<IString> name = CString::fromUTF8(entry.name);
         // A name that is not UTF-8 has no faithful text form, and a URI made from a mangled
-        // name would open a different file (or none).
-        if (name->toUTF8() != entry.name)
+        // name would open a different file (or none): it is left out, and said so.
+        P<IString> name = CString::tryFromUTF8(entry.name);
+        if (!name) {
+            CLogManager::instance()->log(kWarningLevel, kLogModule,
+                                         *formatString("skipped an entry of '%s': its name is not UTF-8", *path),
+                                         0, -1);
             continue;
+        }
         std::u32string points = codePoints(*name);
         if (matchCodePoints(points, patternPoints, ignoreCase))
             matched.push_back({std::move(name), std::move(points), entry.isFolder});

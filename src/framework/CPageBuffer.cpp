@@ -4,15 +4,45 @@
 #include "framework/PlatformSupport.h"
 
 #include <cstring>
+#include <new>
 #include <utility>
 
 namespace kore {
+
+namespace {
+
+constexpr std::align_val_t kHeapAlignment{64};
+
+// Small blocks (the tables of single setString calls, say) come from the heap: a system call to
+// map and one to unmap each would cost far more than the block's use.
+bool fromHeap(std::size_t bytes)
+{
+    return bytes < CPageBuffer::kHeapLimit;
+}
+
+void release(uint8_t* data, std::size_t size) noexcept
+{
+    if (!data)
+        return;
+    if (fromHeap(size))
+        ::operator delete(data, kHeapAlignment);
+    else
+        platform::freePages(data, size);
+}
+
+} // namespace
 
 CPageBuffer::CPageBuffer(std::size_t bytes) : m_size(bytes)
 {
     if (bytes == 0)
         return;
-    m_data = static_cast<uint8_t*>(platform::allocatePages(bytes));
+    if (fromHeap(bytes)) {
+        m_data = static_cast<uint8_t*>(::operator new(bytes, kHeapAlignment, std::nothrow));
+        if (m_data)
+            std::memset(m_data, 0, bytes);
+    } else {
+        m_data = static_cast<uint8_t*>(platform::allocatePages(bytes));
+    }
     if (!m_data)
         throw COutOfmemoryException();
 }
@@ -25,7 +55,7 @@ CPageBuffer::CPageBuffer(CPageBuffer&& other) noexcept
 CPageBuffer& CPageBuffer::operator=(CPageBuffer&& other) noexcept
 {
     if (this != &other) {
-        platform::freePages(m_data, m_size);
+        release(m_data, m_size);
         m_data = std::exchange(other.m_data, nullptr);
         m_size = std::exchange(other.m_size, 0);
     }
@@ -34,7 +64,7 @@ CPageBuffer& CPageBuffer::operator=(CPageBuffer&& other) noexcept
 
 CPageBuffer::~CPageBuffer()
 {
-    platform::freePages(m_data, m_size);
+    release(m_data, m_size);
 }
 
 void CPageBuffer::grow(std::size_t bytes)

@@ -2,7 +2,8 @@
 // A block of memory straight from the operating system, owned by one object and moved, never
 // copied. The large arrays behind a loaded language live in such blocks: freed pages go back to
 // the system at once instead of staying in the heap, so a thousand language switches leave the
-// process's memory where one switch leaves it.
+// process's memory where one switch leaves it. Blocks below kHeapLimit come from the heap
+// instead (64-byte aligned): for them a system call would cost more than the block's whole use.
 
 #include <cstddef>
 #include <cstdint>
@@ -11,6 +12,8 @@ namespace kore {
 
 class CPageBuffer {
 public:
+    static constexpr std::size_t kHeapLimit = 64 * 1024;
+
     CPageBuffer() = default;
     // Zero-filled. Throws COutOfmemoryException when the system refuses; 0 bytes allocate nothing.
     explicit CPageBuffer(std::size_t bytes);
@@ -22,7 +25,7 @@ public:
 
     uint8_t* data() const noexcept { return m_data; }
     std::size_t size() const noexcept { return m_size; }
-    // The block viewed as an array of `T` (the block is page aligned).
+    // The block viewed as an array of `T` (the block is at least 64-byte aligned).
     template <class T>
     T* as() const noexcept
     {

@@ -6,6 +6,7 @@
 #include "framework/CInvalidArgError.h"
 #include "framework/COutOfmemoryException.h"
 #include "framework/Cast.h"
+#include "framework/UTF8Decoding.h"
 
 #include <algorithm>
 #include <cstring>
@@ -116,15 +117,45 @@ P<IString> buildString(ICharEncoding& encoding, const ForEach& forEach)
     }
 }
 
-// Concatenation and replacement keep the encoding when it can hold any text, else use UTF-16.
-ICharEncoding& resultEncoding(const IString& a, const IString& b)
+// Whether a string in the encoding `id` reads `cp` back after writing it. The UTF-8 class cannot
+// read U+0800-U+0FFF and U+10000-U+3FFFF (it refuses leads 0xE0 and 0xF0); a code page is
+// trusted only with its own strings.
+bool holds(uint32_t id, uint32_t cp)
+{
+    switch (id) {
+    case CUTF32CharEncoding::kId:
+        return true;
+    case CUTF16CharEncoding::kId:
+        return cp < 0x110000 && (cp < 0xD800 || cp > 0xDFFF);
+    case CUTF8CharEncoding::kId:
+        return cp < 0x110000 && (cp < 0x800 || cp >= 0x1000) && (cp < 0x10000 || cp >= 0x40000);
+    case CLatin1CharEncoding::kId:
+        return cp < 0x100;
+    default:
+        return false;
+    }
+}
+
+// Concatenation and replacement keep the left operand's encoding when it holds every character
+// of `added` too (both share it, or each added character reads back), so no character is ever
+// lost; else UTF-32 when either operand is UTF-32 (it may carry code points nothing else
+// stores), else UTF-16.
+ICharEncoding& resultEncoding(const IString& a, const IString& added)
 {
     ICharEncoding* enc = a.getEncoding();
     const uint32_t id = enc->getId();
-    if (id == b.getEncoding()->getId() || id == CUTF8CharEncoding::kId ||
-        id == CUTF16CharEncoding::kId || id == CUTF32CharEncoding::kId)
+    const uint32_t addedId = added.getEncoding()->getId();
+    if (id == addedId)
         return *enc;
-    return *CUTF16CharEncoding::instance();
+    bool all = true;
+    CCharCursor cursor(added);
+    for (uint32_t cp = 0; all && cursor.next(cp);)
+        all = holds(id, cp);
+    if (all)
+        return *enc;
+    if (addedId == CUTF32CharEncoding::kId)
+        return *added.getEncoding();
+    return id == CUTF32CharEncoding::kId ? *enc : *CUTF16CharEncoding::instance();
 }
 
 } // namespace
@@ -247,9 +278,30 @@ P<IString> CString::empty()
     return make<CString>();
 }
 
+namespace {
+
+// Text without bytes 0xE0 and 0xF0 reads the same through the UTF-8 class (which refuses them as
+// leads) as through the complete decoder, and stays UTF-8; other text becomes UTF-16, so that no
+// character is lost.
+bool utf8ClassReadsAll(std::string_view text)
+{
+    return text.find_first_of("\xE0\xF0") == std::string_view::npos;
+}
+
+} // namespace
+
 P<IString> CString::fromUTF8(std::string_view text)
 {
-    return make<CUTF8String>(text);
+    if (utf8ClassReadsAll(text))
+        return make<CUTF8String>(text);
+    std::u16string units;
+    decodeUTF8Lenient(text, units);
+    return make<CUTF16String>(units);
+}
+
+P<IString> CString::tryFromUTF8(std::string_view text)
+{
+    return isValidUTF8(text) ? fromUTF8(text) : nullptr;
 }
 
 P<IString> CString::fromUTF16(std::u16string_view text)
@@ -270,6 +322,48 @@ int32_t CString::compareString(const IString& other, bool ignoreCase, uint32_t l
     return compareCursors(a, b, ignoreCase, limit, prefix);
 }
 
+namespace {
+
+// The code units of a string whose every unit is one character (no multi-unit sequence, no
+// invalid byte: the byte length is the count times the unit), else 0. Such text is searched and
+// indexed directly.
+uint32_t fixedUnit(const ICharEncoding& enc, uint32_t byteLength, uint32_t charCount)
+{
+    uint32_t unit = 0;
+    switch (enc.getId()) {
+    case CUTF16CharEncoding::kId:
+        unit = 2;
+        break;
+    case CUTF32CharEncoding::kId:
+        unit = 4;
+        break;
+    default:
+        unit = 1; // UTF-8 (then ASCII), Latin-1, code page: one byte per character
+        break;
+    }
+    return uint64_t(charCount) * unit == byteLength ? unit : 0;
+}
+
+// Searches units of type T for `needle` from unit `from`. `limit` is the largest value a unit
+// holds as a character by itself; a needle character beyond it cannot occur.
+template <class T>
+uint32_t findUnits(const uint8_t* buffer, uint32_t units, const std::vector<uint32_t>& needle,
+                   uint32_t from, uint32_t limit)
+{
+    std::basic_string<T> want;
+    want.reserve(needle.size());
+    for (uint32_t cp : needle) {
+        if (cp > limit || (sizeof(T) == 2 && cp >= 0xD800 && cp <= 0xDFFF))
+            return IString::kNotFound;
+        want.push_back(static_cast<T>(cp));
+    }
+    const std::basic_string_view<T> hay(reinterpret_cast<const T*>(buffer), units);
+    const size_t at = hay.find(want, from);
+    return at == std::basic_string_view<T>::npos ? IString::kNotFound : static_cast<uint32_t>(at);
+}
+
+} // namespace
+
 uint32_t CString::findString(const IString& what, uint32_t from, bool ignoreCase) const
 {
     if (from > m_charCount)
@@ -277,12 +371,32 @@ uint32_t CString::findString(const IString& what, uint32_t from, bool ignoreCase
     const std::vector<uint32_t> needle = decodeAll(what);
     if (needle.size() > m_charCount - from)
         return kNotFound;
-    const std::vector<uint32_t> hay = decodeAll(*this);
-    for (size_t at = from; at + needle.size() <= hay.size(); ++at) {
-        if (matchesAt(hay, at, needle, ignoreCase))
-            return static_cast<uint32_t>(at);
+    const uint32_t unit = fixedUnit(*m_encoding, m_byteLength, m_charCount);
+    const uint32_t id = m_encoding->getId();
+    if (unit != 0 && !ignoreCase) {
+        if (unit == 2)
+            return findUnits<char16_t>(m_buffer, m_charCount, needle, from, 0xFFFF);
+        if (unit == 4)
+            return findUnits<char32_t>(m_buffer, m_charCount, needle, from, 0xFFFFFFFF);
+        if (id == CLatin1CharEncoding::kId)
+            return findUnits<char>(m_buffer, m_charCount, needle, from, 0xFF);
+        if (id == CUTF8CharEncoding::kId)
+            return findUnits<char>(m_buffer, m_charCount, needle, from, 0x7F);
     }
-    return kNotFound;
+    // Decodes only as far as the match: a loop over every match reads the string once.
+    const uint32_t start = charOffset(from);
+    if (start == ICharEncoding::kFail)
+        return kNotFound;
+    CCharCursor cursor(*this, start);
+    std::vector<uint32_t> hay;
+    for (size_t at = 0;; ++at) {
+        for (uint32_t cp = 0; hay.size() < at + needle.size(); hay.push_back(cp)) {
+            if (!cursor.next(cp))
+                return kNotFound;
+        }
+        if (matchesAt(hay, at, needle, ignoreCase))
+            return from + static_cast<uint32_t>(at);
+    }
 }
 
 uint32_t CString::findLastString(const IString& what, uint32_t from, bool ignoreCase) const
@@ -337,7 +451,7 @@ bool CString::endsWithString(const IString& what, bool ignoreCase) const
     const uint32_t n = what.getLength();
     if (n > m_charCount)
         return false;
-    const uint32_t start = m_encoding->getCharOffset(m_buffer, m_byteLength, m_charCount - n);
+    const uint32_t start = charOffset(m_charCount - n);
     if (start == ICharEncoding::kFail)
         return false;
     CCharCursor a(*this, start);
@@ -351,12 +465,11 @@ P<IString> CString::slice(uint32_t start, uint32_t count) const
         start = m_charCount;
     if (count > m_charCount - start)
         count = m_charCount - start;
-    const uint32_t begin = m_encoding->getCharOffset(m_buffer, m_byteLength, start);
-    uint32_t end = m_encoding->getCharOffset(m_buffer, m_byteLength, start + count);
+    const uint32_t begin = charOffset(start);
+    // To the end: the whole rest, invalid trailing bytes and all (reading skips them anyway).
+    const uint32_t end = start + count == m_charCount ? m_byteLength : charOffset(start + count);
     if (begin == ICharEncoding::kFail || end == ICharEncoding::kFail)
         return make<CStringSlice>(*this, 0, 0, 0); // a count given by the creator was too high
-    if (start + count == m_charCount)
-        end = m_byteLength; // keep invalid trailing bytes out of the question: they are skipped anyway
     return make<CStringSlice>(*this, begin, end, count);
 }
 
@@ -395,12 +508,53 @@ uint32_t CString::getCharAt(uint32_t index) const
 {
     if (index >= m_charCount)
         return kNotFound;
-    const uint32_t off = m_encoding->getCharOffset(m_buffer, m_byteLength, index);
+    // Where every unit is a character, the unit is the answer (a code page still decodes).
+    const uint32_t id = m_encoding->getId();
+    switch (fixedUnit(*m_encoding, m_byteLength, m_charCount)) {
+    case 2: {
+        char16_t unit;
+        std::memcpy(&unit, m_buffer + 2 * size_t(index), 2);
+        return unit;
+    }
+    case 4: {
+        uint32_t unit;
+        std::memcpy(&unit, m_buffer + 4 * size_t(index), 4);
+        return unit;
+    }
+    case 1:
+        if (id == CLatin1CharEncoding::kId || id == CUTF8CharEncoding::kId)
+            return m_buffer[index];
+        break;
+    default:
+        break;
+    }
+    const uint32_t off = charOffset(index);
     if (off == ICharEncoding::kFail)
         return kNotFound;
     uint32_t cp = 0;
     return m_encoding->decodeChar(cp, m_buffer, m_byteLength, off) == ICharEncoding::kFail ? kNotFound
                                                                                           : cp;
+}
+
+uint32_t CString::charOffset(uint32_t index) const
+{
+    const uint32_t unit = fixedUnit(*m_encoding, m_byteLength, m_charCount);
+    if (unit != 0)
+        return index <= m_charCount ? index * unit : ICharEncoding::kFail;
+    // Walk on from the last place asked for when it lies before `index`, so that reading a string
+    // front to back by index costs one pass in all. Any pair another thread stored is as good.
+    const uint64_t last = m_lastPlace.load(std::memory_order_relaxed);
+    uint32_t known = static_cast<uint32_t>(last >> 32);
+    uint32_t knownOffset = static_cast<uint32_t>(last);
+    if (known > index || knownOffset > m_byteLength)
+        known = knownOffset = 0;
+    const uint32_t rest = m_encoding->getCharOffset(m_buffer + knownOffset, m_byteLength - knownOffset,
+                                                    index - known);
+    if (rest == ICharEncoding::kFail)
+        return rest;
+    const uint32_t offset = knownOffset + rest;
+    m_lastPlace.store(uint64_t(index) << 32 | offset, std::memory_order_relaxed);
+    return offset;
 }
 
 uint32_t CString::hash() const
@@ -448,6 +602,7 @@ std::u16string IString::toU16() const
 
 std::string IString::toUTF8() const
 {
+    // The UTF-8 class writes every character right (only its reading is partial).
     CUTF8String utf8(*this);
     return std::string(reinterpret_cast<const char*>(utf8.getBuffer()), utf8.getByteLength());
 }

@@ -12,6 +12,7 @@
 #include "framework/IString.h"
 #include "framework/P.h"
 
+#include <atomic>
 #include <string_view>
 
 namespace kore {
@@ -42,8 +43,14 @@ public:
 
     // A new empty string.
     static P<IString> empty();
-    // New strings (copy mode) from raw text.
+    // New strings (copy mode) from raw text. UTF-8 is read completely (U+0800-U+0FFF and
+    // U+10000-U+3FFFF too, which the UTF-8 encoding class refuses) and bytes that do not form a
+    // character are skipped; the result is in UTF-8 or, where that class could not read the
+    // text back, in UTF-16.
     static P<IString> fromUTF8(std::string_view text);
+    // The same for text that must arrive whole (names from the file system): null when `text`
+    // is not well-formed UTF-8.
+    static P<IString> tryFromUTF8(std::string_view text);
     static P<IString> fromUTF16(std::u16string_view text);
 
     const uint8_t* getBuffer() const override { return m_buffer; }
@@ -78,6 +85,8 @@ protected:
             ICharEncoding& encoding);
 
 private:
+    // The byte offset at which character `index` (up to the count: the end) begins, or kFail.
+    uint32_t charOffset(uint32_t index) const;
     void initFrom(const void* buffer, uint32_t byteLength, uint32_t charCount, bool terminated,
                   StorageMode mode);
 
@@ -87,6 +96,8 @@ private:
     bool m_owned = false;
     P<ICharEncoding> m_encoding;
     uint32_t m_charCount = 0;
+    // The last (character index << 32 | byte offset) charOffset found; (0, 0) to begin with.
+    mutable std::atomic<uint64_t> m_lastPlace{0};
 };
 
 } // namespace kore

@@ -134,9 +134,9 @@ int32_t readCount(const char16_t* f, size_t n, size_t& pos, bool& overflow)
     int64_t value = 0;
     for (; pos < n && f[pos] >= u'0' && f[pos] <= u'9'; ++pos) {
         value = value * 10 + (f[pos] - u'0');
-        if (value > INT32_MAX) {
+        if (value > CStringFormat::kMaxCount) {
             overflow = true;
-            value = INT32_MAX;
+            value = CStringFormat::kMaxCount;
         }
     }
     return static_cast<int32_t>(value);
@@ -377,7 +377,7 @@ void CStringFormat::doInt(uint64_t bits, bool isSigned)
 {
     if (m_widthPending || m_precisionPending) {
         const bool negative = isSigned && static_cast<int64_t>(bits) < 0;
-        if (!negative && bits > static_cast<uint64_t>(INT32_MAX))
+        if (!negative && bits > static_cast<uint64_t>(kMaxCount))
             fail("CStringFormat::doInt", m_widthPending ? kWidthRange : kPrecisionRange);
         const int32_t count = negative ? 0 : static_cast<int32_t>(bits);
         if (m_widthPending) {

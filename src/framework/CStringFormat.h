@@ -11,7 +11,7 @@
 // ["." precision: digits (none means 0) or "*"] [length modifier l ll L h hh z j t I64, ignored]
 // letter: c C (character), d i o x X u (integer), e E f g G (floating point), s S (string).
 // "%%" is a literal "%". A "*" takes its value from an integer pushed before the field's own
-// argument; a negative value counts as 0.
+// argument; a negative value counts as 0. Widths and precisions go up to kMaxCount.
 //
 // Where the output differs from C's printf, on purpose:
 // - the sign is not counted against the width ("%5d" of -42 gives "   -42", "%05d" gives "-00042");
@@ -55,6 +55,10 @@ public:
     static constexpr uint32_t kEnd = 0xFFFFFFFF;
     // Width or precision not given.
     static constexpr int32_t kNotGiven = -1;
+    // The largest width or precision, written or from "*" (a million characters of padding);
+    // a larger one is refused with "field width out of range in '" (or "field precision ...")
+    // before anything is allocated.
+    static constexpr int32_t kMaxCount = 1 << 20;
 
     // Copies the format; literal text before the first field is in the output at once.
     explicit CStringFormat(const CStringArg& format);

@@ -7,6 +7,8 @@
 #include "framework/IMutexFactory.h"
 #include "framework/IString.h"
 
+#include <cstring>
+#include <mutex>
 #include <string>
 #include <utility>
 
@@ -44,23 +46,152 @@ char16_t* copyUTF16(const IString& text, TextCopier copy)
     return withUTF16(text, [copy](const void* units, uint32_t count) { return copy(units, count); });
 }
 
-// What the localizer knows at one moment. Never changed once published.
+// The texts of setString: an open-addressing hash table of immutable entries that the writer
+// (one at a time, under the localizer's write lock) changes in place while readers look keys up
+// without locks. A slot only ever goes from empty to an entry, or from an entry to a newer entry
+// of the same key, so a reader's probe sees the old or the new text of a key and never loses
+// one. What a reader may still hold (a replaced entry, the slot array before a growth) is kept as
+// garbage until the writer has waited for the readers, which it does once the garbage is as
+// large as the table: one set costs a constant amortised time, with no system call.
+class CStringLocalizer::CSetTexts {
+public:
+    CSetTexts() : m_slots(new Slots(16)) {}
+    ~CSetTexts()
+    {
+        const Slots* slots = m_slots.load(std::memory_order_relaxed);
+        for (size_t i = 0; i <= slots->mask; ++i)
+            ::operator delete(const_cast<Entry*>(slots->slot[i].load(std::memory_order_relaxed)));
+        delete slots;
+        reclaim();
+    }
+    CSetTexts(const CSetTexts&) = delete;
+    CSetTexts& operator=(const CSetTexts&) = delete;
+
+    bool find(const void* key, uint32_t units, uint64_t hash, CTextTable::Text& text) const noexcept
+    {
+        const Slots* slots = m_slots.load(std::memory_order_seq_cst);
+        for (size_t i = start(hash, slots->mask);; i = (i + 1) & slots->mask) {
+            const Entry* e = slots->slot[i].load(std::memory_order_seq_cst);
+            if (!e)
+                return false;
+            if (e->hash == hash && e->keyUnits == units && std::memcmp(e->units(), key, 2 * size_t(units)) == 0) {
+                text = {reinterpret_cast<const uint8_t*>(e->units() + units), e->textUnits};
+                return true;
+            }
+        }
+    }
+
+    // Adds or replaces the text of the key. The writer only.
+    void set(const void* key, uint32_t keyUnits, const void* text, uint32_t textUnits)
+    {
+        const uint64_t hash = CTextTable::hash(key, keyUnits);
+        const size_t bytes = sizeof(Entry) + 2 * (size_t(keyUnits) + textUnits);
+        std::unique_ptr<Entry, Deleter> entry(static_cast<Entry*>(::operator new(bytes)));
+        entry->hash = hash;
+        entry->keyUnits = keyUnits;
+        entry->textUnits = textUnits;
+        std::memcpy(entry->units(), key, 2 * size_t(keyUnits));
+        std::memcpy(entry->units() + keyUnits, text, 2 * size_t(textUnits));
+
+        m_retired.reserve(m_retired.size() + 1);
+        Slots* slots = m_slots.load(std::memory_order_relaxed);
+        if (2 * (m_count + 1) > slots->mask + 1)
+            slots = grow(slots);
+        for (size_t i = start(hash, slots->mask);; i = (i + 1) & slots->mask) {
+            const Entry* e = slots->slot[i].load(std::memory_order_relaxed);
+            if (!e) {
+                slots->slot[i].store(entry.release(), std::memory_order_seq_cst);
+                ++m_count;
+                return;
+            }
+            if (e->hash == hash && e->keyUnits == keyUnits &&
+                std::memcmp(e->units(), key, 2 * size_t(keyUnits)) == 0) {
+                slots->slot[i].store(entry.release(), std::memory_order_seq_cst);
+                m_retired.push_back(e); // reserved above
+                ++m_garbage;
+                return;
+            }
+        }
+    }
+
+    // True when enough is kept for readers that the writer should wait for them and reclaim().
+    bool wantsReclaim() const noexcept { return m_garbage > m_count + 64; }
+    // Frees the garbage; only once no reader can hold any of it.
+    void reclaim() noexcept
+    {
+        for (const Entry* e : m_retired)
+            ::operator delete(const_cast<Entry*>(e));
+        m_retired.clear();
+        m_oldSlots.clear();
+        m_garbage = 0;
+    }
+
+private:
+    struct Entry {
+        uint64_t hash;
+        uint32_t keyUnits;
+        uint32_t textUnits;
+        // The key's units, then the text's.
+        char16_t* units() noexcept { return reinterpret_cast<char16_t*>(this + 1); }
+        const char16_t* units() const noexcept { return reinterpret_cast<const char16_t*>(this + 1); }
+    };
+    struct Deleter {
+        void operator()(Entry* e) const noexcept { ::operator delete(e); }
+    };
+    struct Slots {
+        explicit Slots(size_t count) : mask(count - 1), slot(new std::atomic<const Entry*>[count]()) {}
+        size_t mask;
+        std::unique_ptr<std::atomic<const Entry*>[]> slot;
+    };
+
+    static size_t start(uint64_t hash, size_t mask) noexcept { return static_cast<size_t>(hash ^ (hash >> 32)) & mask; }
+
+    // Twice the slots, every entry placed again; the old array stays for the readers on it.
+    Slots* grow(Slots* old)
+    {
+        auto bigger = std::make_unique<Slots>(2 * (old->mask + 1));
+        m_oldSlots.reserve(m_oldSlots.size() + 1);
+        for (size_t i = 0; i <= old->mask; ++i) {
+            const Entry* e = old->slot[i].load(std::memory_order_relaxed);
+            if (!e)
+                continue;
+            size_t at = start(e->hash, bigger->mask);
+            while (bigger->slot[at].load(std::memory_order_relaxed))
+                at = (at + 1) & bigger->mask;
+            bigger->slot[at].store(e, std::memory_order_relaxed);
+        }
+        m_slots.store(bigger.get(), std::memory_order_seq_cst);
+        m_oldSlots.emplace_back(old); // reserved above
+        m_garbage += old->mask + 1;
+        return bigger.release();
+    }
+
+    std::atomic<Slots*> m_slots;
+    size_t m_count = 0;
+    std::vector<const Entry*> m_retired;
+    std::vector<std::unique_ptr<Slots>> m_oldSlots;
+    size_t m_garbage = 0;
+};
+
+// What the localizer knows at one moment. Never changed once published, except for the texts of
+// setString, which change in place (CSetTexts).
 struct CStringLocalizer::CContent {
-    // The tables of setString, newest first.
-    std::vector<P<CTextTable>> set;
+    // The texts of setString; shared with the content that replaces this one, unless that drops
+    // them (clear, setTexts).
+    std::shared_ptr<CSetTexts> set = std::make_shared<CSetTexts>();
     // The language's tables, the one that answers first first.
     std::vector<P<CTextTable>> language;
     P<IStringLocalizer> fallback;
 
-    // The first table that holds the key decides: its text, or a miss when that text is empty
-    // (a later text replaces an earlier one even when it is empty).
+    // The texts of setString answer first, then the first table that holds the key: its text, or
+    // a miss when that text is empty (a later text replaces an earlier one even when it is empty).
     bool find(const void* key, uint32_t units, uint64_t hash, CTextTable::Text& text) const noexcept
     {
-        for (const auto* tables : {&set, &language}) {
-            for (const P<CTextTable>& table : *tables) {
-                if (table->find(key, units, hash, text))
-                    return text.units != 0;
-            }
+        if (set->find(key, units, hash, text))
+            return text.units != 0;
+        for (const P<CTextTable>& table : language) {
+            if (table->find(key, units, hash, text))
+                return text.units != 0;
         }
         return false;
     }
@@ -104,45 +235,42 @@ void CStringLocalizer::clear()
 
 void CStringLocalizer::setFallback(IStringLocalizer* fallback)
 {
-    if (fallback == this)
-        throw CInvalidArgError(nullptr, "CStringLocalizer::setFallback",
-                               "fallback (the localizer itself)", "CStringLocalizer");
+    // One chain is checked and changed at a time, so two calls cannot close a cycle between
+    // them (A -> B here while B -> A there).
+    static std::mutex chains;
+    const std::lock_guard<std::mutex> chain(chains);
+    for (P<IStringLocalizer> next(fallback); next; next = next->getFallback()) {
+        if (next.get() == this)
+            throw CInvalidArgError(nullptr, "CStringLocalizer::setFallback",
+                                   "fallback (leads back to the localizer itself)", "CStringLocalizer");
+    }
     CMutexLock lock(*m_writeLock);
     auto next = std::make_unique<CContent>(*m_content.load());
     next->fallback = fallback;
     publish(std::move(next));
 }
 
+P<IStringLocalizer> CStringLocalizer::getFallback() const
+{
+    CReaderSlots::CScope reading(m_readers);
+    return m_content.load(std::memory_order_seq_cst)->fallback;
+}
+
 void CStringLocalizer::setString(const CStringArg& key, const CStringArg& text)
 {
-    CTextTable::CBuilder single;
     withUTF16(key.get(), [&](const void* keyUnits, uint32_t keyCount) {
         withUTF16(text.get(), [&](const void* textUnits, uint32_t textCount) {
-            single.addCopy(keyUnits, keyCount, textUnits, textCount, 0);
+            CMutexLock lock(*m_writeLock);
+            CSetTexts& set = *m_content.load()->set;
+            set.set(keyUnits, keyCount, textUnits, textCount);
+            if (set.wantsReclaim()) {
+                m_readers.waitForReaders();
+                set.reclaim();
+            }
             return 0;
         });
         return 0;
     });
-    CMutexLock lock(*m_writeLock);
-    auto next = std::make_unique<CContent>(*m_content.load());
-    std::vector<P<CTextTable>>& set = next->set;
-    set.insert(set.begin(), single.build());
-    // Like a binary counter: a table is merged into the one below once it is as large, so there
-    // are a logarithmic number of tables and each key is copied a logarithmic number of times.
-    while (set.size() >= 2 && set[0]->getCount() >= set[1]->getCount()) {
-        CTextTable::CBuilder merged;
-        merged.reserve(set[0]->getCount() + set[1]->getCount());
-        auto addAll = [&merged](const CTextTable& table, uint64_t rank) {
-            table.forEach([&](const uint8_t* k, uint32_t kUnits, const uint8_t* t, uint32_t tUnits) {
-                merged.addCopy(k, kUnits, t, tUnits, rank);
-            });
-        };
-        addAll(*set[1], 0);
-        addAll(*set[0], 1); // the newer text of a key wins
-        set.erase(set.begin());
-        set[0] = merged.build();
-    }
-    publish(std::move(next));
 }
 
 void CStringLocalizer::setTexts(const std::vector<P<CTextTable>>& tables)

@@ -8,6 +8,8 @@
 // change builds a new content, swaps it in, waits until no reader can hold the old one and frees
 // it; changes are serialised by a mutex that readers never touch. So a look-up sees the old or
 // the new text of a key, never a torn or freed one, and a language switch costs readers nothing.
+// The one part changed in place is the table of setString's texts, whose slots move atomically
+// from empty to an entry or from one entry of a key to a newer one (CSetTexts).
 //
 // The process-wide localizer is never destroyed: look-ups may still run on other threads while
 // the process exits and the factory destroys its services, and they must find their texts.
@@ -37,11 +39,14 @@ public:
     CStringLocalizer& operator=(const CStringLocalizer&) = delete;
 
     void clear() override;
-    // Throws CInvalidArgError when `fallback` is this localizer (every miss would recurse).
+    // Throws CInvalidArgError when `fallback` is this localizer or its chain of fallbacks leads
+    // back here (every miss would recurse until the stack runs out).
     void setFallback(IStringLocalizer* fallback) override;
-    // Meant for a few framework texts, not for loading languages (setTexts): the keys set this
-    // way live in a few tables that are merged as they grow, so each key is copied a logarithmic
-    // number of times. Dropped, like everything else, by setTexts and clear.
+    P<IStringLocalizer> getFallback() const override;
+    // Constant amortised time, no system call: the texts set this way live in one hash table that
+    // grows by doubling and is changed in place under the write lock (readers stay lock-free).
+    // They answer before the language's texts and are dropped, like everything else, by
+    // setTexts and clear.
     void setString(const CStringArg& key, const CStringArg& text) override;
     // The answer is a new string (a copy of the text or of the default).
     P<IString> getString(const CStringArg& key, const CStringArg& defaultText) const override;
@@ -49,6 +54,7 @@ public:
     char16_t* copyString(const char16_t* key, const char16_t* defaultText, TextCopier copy) const override;
 
 private:
+    class CSetTexts;
     struct CContent;
 
     // Swaps `next` in and frees the old content once no reader holds it. Under m_writeLock.

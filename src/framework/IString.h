@@ -143,6 +143,8 @@ public:
 
     // --- Conveniences for code at the edges (exports, tests, the C runtime)
     std::u16string toU16() const;
+    // The UTF-8 of every character (a surrogate code point, which UTF-8 and UTF-32 strings may
+    // hold, as its three bytes).
     std::string toUTF8() const;
 };
 

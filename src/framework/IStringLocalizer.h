@@ -28,8 +28,11 @@ public:
     // Removes every text; a fallback stays installed.
     virtual void clear() = 0;
     // Installs the localizer that answers keys missing here (null removes it). It is called in
-    // the middle of a look-up here, so it must never call back into this localizer.
+    // the middle of a look-up here, so it must never call back into this localizer: a fallback
+    // whose own chain of fallbacks leads back here is refused.
     virtual void setFallback(IStringLocalizer* fallback) = 0;
+    // The installed fallback, or null.
+    virtual P<IStringLocalizer> getFallback() const = 0;
     // Adds the text or replaces the text of an existing key; both are copied.
     virtual void setString(const CStringArg& key, const CStringArg& text) = 0;
     // The text of `key`; when it is absent or empty, the fallback's answer, or without a

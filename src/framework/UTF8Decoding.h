@@ -15,8 +15,18 @@ namespace kore {
 // given) at the first byte of the offending sequence; `out` then holds the text before it.
 bool decodeUTF8(std::string_view in, std::u16string& out, size_t* errorOffset = nullptr);
 
+// True when `in` is well-formed UTF-8 by the rules of decodeUTF8.
+bool isValidUTF8(std::string_view in);
+
+// Appends the text of `in` to `out`, skipping every byte that does not begin a well-formed
+// sequence (the way strings read invalid bytes).
+void decodeUTF8Lenient(std::string_view in, std::u16string& out);
+
 // The UTF-8 bytes of `in`; unpaired surrogates are written as U+FFFD.
 std::string encodeUTF8(std::u16string_view in);
+
+// Appends the UTF-8 form of `cp` (at most U+10FFFF, not a surrogate) to `out`.
+void appendUTF8(char32_t cp, std::string& out);
 
 // Appends code point `cp` (at most U+10FFFF) to `out`: one unit, or a surrogate pair above U+FFFF.
 inline void appendUTF16(char32_t cp, std::u16string& out)

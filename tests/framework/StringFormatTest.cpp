@@ -3,7 +3,6 @@
 
 #include "framework/CInvalidArgError.h"
 #include "framework/CInvalidObjectStateError.h"
-#include "framework/COutOfmemoryException.h"
 #include "framework/CString.h"
 #include "framework/CStringFormat.h"
 
@@ -184,16 +183,24 @@ TEST(StringFormat, ResultOnlyWhenCompleteAndConsistentAfterAnError)
     EXPECT_EQ(utf8(done.getResult()), "end");
 }
 
-TEST(StringFormat, OutputBeyondAStringIsRefusedBeforeAllocating)
+// Widths and precisions stop at kMaxCount: one more is refused before anything is allocated,
+// whether written in the format or pushed for a "*" (2^31 used to ask for gigabytes).
+TEST(StringFormat, WidthsAndPrecisionsAreBounded)
 {
-    CStringFormat wide("%2147483647d");
-    EXPECT_THROW(wide.pushInt(1), COutOfmemoryException);
-    EXPECT_EQ(wide.getFieldKind(), CStringFormat::kInteger);
-    CStringFormat precise("%.2147483647f");
-    EXPECT_THROW(precise.pushDouble(1.0), COutOfmemoryException);
-    CStringFormat padded("%*s");
-    padded.pushInt(INT32_MAX);
-    EXPECT_THROW(padded.pushString("x"), COutOfmemoryException);
+    const int64_t max = CStringFormat::kMaxCount;
+    const std::string over = std::to_string(max + 1);
+    const std::string bad = "goToNextFormatField: invalid format string in '";
+    for (const std::string& field : {"%" + over + "d", "%." + over + "f", "%" + over + "s", std::string("%.2147483647f")})
+        EXPECT_EQ(argFailure(field.c_str()), "CStringFormat::" + bad + field + "'") << field;
+    for (const auto& [format, value, message] :
+         {std::tuple{"%*s", max + 1, "field width"}, {"%.*s", max + 1, "field precision"},
+          {"%*d", int64_t(INT32_MAX), "field width"}, {"%.*f", int64_t(0x7FFFFFF0), "field precision"}})
+        EXPECT_EQ(argFailure(format, 'i', value),
+                  std::string("CStringFormat::doInt: ") + message + " out of range in '" + format + "'");
+    // The limit itself is allowed, written or pushed.
+    EXPECT_EQ(formatString(("%" + std::to_string(max) + "d").c_str(), 7)->getLength(), uint32_t(max));
+    EXPECT_EQ(formatString("%-*s|", max, "x")->getLength(), uint32_t(max + 1));
+    EXPECT_EQ(formatString("%.*d", max, 1)->getLength(), uint32_t(max));
 }
 
 } // namespace kore_test

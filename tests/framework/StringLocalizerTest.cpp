@@ -7,6 +7,8 @@
 #include <atomic>
 #include <chrono>
 #include <cstring>
+#include <map>
+#include <random>
 #include <thread>
 
 namespace {
@@ -69,6 +71,27 @@ TEST(StringLocalizer, FallbackAnswersOnlyWhatIsMissingHere)
     EXPECT_EQ(other->getRefCount(), 1);
     EXPECT_EQ(text(loc->getString("both", "d")), "d");
     EXPECT_THROW(loc->setFallback(loc.get()), CInvalidArgError);
+}
+
+// A chain of fallbacks that leads back to where it starts would recurse on every miss until the
+// stack overflows (and keep every member alive): the link that closes it is refused, whatever
+// the length of the ring, and the chain stays as it was.
+TEST(StringLocalizer, FallbackCyclesAreRefused)
+{
+    for (size_t ring = 1; ring <= 4; ++ring) {
+        std::vector<P<CStringLocalizer>> chain;
+        for (size_t i = 0; i < ring; ++i)
+            chain.push_back(make<CStringLocalizer>());
+        for (size_t i = 0; i + 1 < ring; ++i)
+            chain[i]->setFallback(chain[i + 1].get());
+        chain.back()->setString("last", "from the end");
+        EXPECT_THROW(chain.back()->setFallback(chain.front().get()), CInvalidArgError) << ring;
+        EXPECT_EQ(chain.back()->getFallback(), nullptr) << ring;
+        EXPECT_EQ(text(chain.front()->getString("missing", "d")), "d") << ring;
+        EXPECT_EQ(text(chain.front()->getString("last", "d")), "from the end") << ring;
+        for (auto& loc : chain)
+            loc->setFallback(nullptr);
+    }
 }
 
 P<CTextTable> table(std::initializer_list<std::pair<std::u16string, std::u16string>> entries)
@@ -165,14 +188,30 @@ TEST(StringLocalizer, TablesReplaceEverythingAndTheLaterOfTwoAnswers)
     EXPECT_EQ(copied(*loc, u"both", u"d"), u"d");
 }
 
-TEST(StringLocalizer, ManyKeysSetOneByOneAllAnswer)
+// setString against a map: new keys (the table grows), the same few keys again and again (the
+// replaced texts are reclaimed), empty texts, and clear now and then.
+TEST(StringLocalizer, SetStringAgreesWithAMap)
 {
     auto loc = make<CStringLocalizer>();
-    for (int k = 0; k < 3000; ++k)
-        loc->setString(("key." + std::to_string(k % 2000)).c_str(), ("text " + std::to_string(k)).c_str());
-    for (int k = 0; k < 2000; ++k) {
-        const int last = k < 1000 ? k + 2000 : k;
-        EXPECT_EQ(text(loc->getString(("key." + std::to_string(k)).c_str(), "d")), "text " + std::to_string(last));
+    std::map<std::string, std::string> model;
+    std::mt19937 random(7);
+    for (int step = 0; step < 40000; ++step) {
+        const uint32_t r = random();
+        if (r % 9973 == 0) {
+            loc->clear();
+            model.clear();
+            continue;
+        }
+        const std::string key = "key." + std::to_string(r % 8 == 0 ? r % 5 : r % 6000);
+        const std::string value = r % 13 == 0 ? "" : "text " + std::to_string(step);
+        loc->setString(key.c_str(), value.c_str());
+        model[key] = value;
+    }
+    for (int k = 0; k < 6000; ++k) {
+        const std::string key = "key." + std::to_string(k);
+        const auto found = model.find(key);
+        const std::string want = found == model.end() || found->second.empty() ? "d" : found->second;
+        ASSERT_EQ(text(loc->getString(key.c_str(), "d")), want) << key;
     }
 }
 

@@ -2,6 +2,7 @@
 // whatever the encodings of the strings and whichever argument variant carries the text.
 
 #include "framework/CCPCharEncoding.h"
+#include "framework/CCharCursor.h"
 #include "framework/CLatin1CharEncoding.h"
 #include "framework/CMethodNotImplementedError.h"
 #include "framework/CString.h"
@@ -396,6 +397,120 @@ TEST(StringReplace, ReplaceAllAndConcat)
               "UTF-16 \xC3\xA9\xE4\xB8\x80, 4 bytes, 2 chars, owned, terminated");
     EXPECT_EQ(CString().concat("")->getLength(), 0u);
     EXPECT_TRUE(CUTF8String("A\xFF", 2).concat("B")->equals("AB"));
+}
+
+} // namespace kore_test
+
+namespace kore_test {
+namespace {
+
+using namespace kore;
+
+// Text in many scripts, each character chosen so that the UTF-8 class's refusal of leads 0xE0 and
+// 0xF0 (U+0800-U+0FFF, U+10000-U+3FFFF) is crossed: Devanagari, Thai and emoji lie there.
+const char16_t* const kScripts[] = {u"caf\u00E9", u"\u0395\u03BB\u03BB\u03AC\u03B4\u03B1", u"\u0420\u0443\u0441\u044C",
+                                    u"\u0939\u093F\u0928\u094D\u0926\u0940", u"\u0E44\u0E17\u0E22", u"\u65E5\u672C\u8A9E",
+                                    u"\uD55C\uAD6D\uC5B4", u"smile \U0001F600", u"e\u0301\u0308", u"\u05E2\u05D1\u05E8\u05D9\u05EA"};
+
+std::u32string model(const IString& s)
+{
+    std::u32string out;
+    CCharCursor cursor(s);
+    for (uint32_t cp = 0; cursor.next(cp);)
+        out.push_back(cp);
+    return out;
+}
+
+std::u32string model(std::u16string_view s)
+{
+    return model(CUTF16String(s));
+}
+
+} // namespace
+
+// Joining or replacing never loses a character, whatever the two encodings: the result is in an
+// encoding that reads back every character of both operands.
+TEST(StringReplace, NoCharacterIsLostAcrossEncodings)
+{
+    ICharEncoding* const encodings[] = {CUTF8CharEncoding::instance().get(), CUTF16CharEncoding::instance().get(),
+                                        CUTF32CharEncoding::instance().get(), CLatin1CharEncoding::instance().get()};
+    for (ICharEncoding* left : encodings)
+        for (ICharEncoding* right : encodings)
+            for (const char16_t* a : kScripts)
+                for (const char16_t* b : kScripts) {
+                    const P<IString> x = in(*left, a);
+                    const P<IString> y = in(*right, b);
+                    const std::string where = left->getName() + std::string(" + ") + right->getName();
+                    EXPECT_EQ(model(*x->concat(y)), model(*x) + model(*y)) << where;
+                    std::u32string replaced = model(*x);
+                    if (!replaced.empty()) {
+                        const P<IString> first = x->slice(0, 1);
+                        const std::u32string one = model(*first), with = model(*y);
+                        for (size_t at = 0; (at = replaced.find(one, at)) != std::u32string::npos; at += with.size())
+                            replaced.replace(at, 1, with);
+                        EXPECT_EQ(model(*x->replaceAll(first, y)), replaced) << where;
+                    }
+                }
+}
+
+// Finding every match, reading by index and slicing from the front, in every encoding, agree with
+// the same work on the decoded text (they walk on from the last place instead of the start).
+TEST(StringFind, EveryMatchByIndexAndSliceAgreeWithTheText)
+{
+    std::u16string text;
+    for (int round = 0; round < 3; ++round)
+        for (const char16_t* s : kScripts)
+            text += std::u16string(s) + u"-ab ";
+    for (ICharEncoding* enc : allEncodings()) {
+        const P<IString> s = in(*enc, text.c_str());
+        const std::u32string all = model(*s);
+        for (const char16_t* needleText : {u"-ab", u"a", u"\u0E17\u0E22", u"\U0001F600", u"x"}) {
+            const P<IString> needle = CUTF16String(needleText).convertTo(*enc);
+            const std::u32string want = model(*needle);
+            if (want.empty())
+                continue;
+            std::vector<uint32_t> got, expected;
+            for (uint32_t at = 0; (at = s->find(needle, at)) != kNotFound; ++at)
+                got.push_back(at);
+            for (size_t at = 0; (at = all.find(want, at)) != std::u32string::npos; ++at)
+                expected.push_back(static_cast<uint32_t>(at));
+            EXPECT_EQ(got, expected) << enc->getName();
+        }
+        ASSERT_EQ(s->getLength(), all.size()) << enc->getName();
+        for (uint32_t i = 0; i < all.size(); ++i)
+            ASSERT_EQ(s->getCharAt(i), all[i]) << enc->getName() << " " << i;
+        EXPECT_EQ(s->getCharAt(static_cast<uint32_t>(all.size())), kNotFound);
+        P<IString> rest = s;
+        for (size_t i = 0; i < all.size(); i += 7) {
+            ASSERT_EQ(model(*s->slice(static_cast<uint32_t>(i))), all.substr(i)) << enc->getName() << " " << i;
+            ASSERT_EQ(model(*rest), all.substr(i)) << enc->getName() << " " << i;
+            rest = rest->slice(7);
+        }
+        // Backwards by index still answers right after the walk went forwards.
+        for (uint32_t i = static_cast<uint32_t>(all.size()); i-- > 0;)
+            ASSERT_EQ(s->getCharAt(i), all[i]) << enc->getName() << " " << i;
+    }
+    // A slice of a slice holds the owner of the text, not a chain of slices whose release would
+    // recurse once per link: slicing a long text one character at a time ends without a crash.
+    P<IString> rest = CString::fromUTF16(std::u16string(300000, u'x'));
+    while (rest->getLength() != 0)
+        rest = rest->slice(1);
+}
+
+// Text from UTF-8 keeps every character; text that must arrive whole (a file name) is refused
+// when it is not well-formed.
+TEST(StringConversion, FromUTF8KeepsEveryCharacter)
+{
+    for (const char16_t* script : kScripts) {
+        const std::string bytes = CUTF16String(script).toUTF8();
+        EXPECT_EQ(model(*CString::fromUTF8(bytes)), model(script)) << bytes;
+        EXPECT_EQ(model(*CString::tryFromUTF8(bytes)), model(script)) << bytes;
+        EXPECT_EQ(CString::fromUTF8(bytes)->toUTF8(), bytes);
+    }
+    for (const char* bad : {"a\xFF", "\xE0\xA4", "\xC0\x80", "\xED\xA0\x80", "\xF4\x90\x80\x80", "\xE0\x80\x80"})
+        EXPECT_EQ(CString::tryFromUTF8(bad), nullptr) << bad;
+    // Leniently, a bad byte is skipped and the rest kept.
+    EXPECT_EQ(CString::fromUTF8("\xE0\xA4\xB9\xFF!")->toU16(), u"\u0939!");
 }
 
 } // namespace kore_test

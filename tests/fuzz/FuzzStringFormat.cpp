@@ -18,8 +18,8 @@ namespace {
 
 constexpr uint64_t kLargestCount = 4096;
 
-// True when a run of digits in the text means a count between kLargestCount and 2^31 - 1 (larger
-// ones are refused by the formatter, which is worth fuzzing).
+// True when a run of digits in the text means a count between kLargestCount and the formatter's
+// limit (larger ones are refused by the formatter, which is worth fuzzing).
 bool asksForHugePadding(const std::u16string& format)
 {
     uint64_t value = 0;
@@ -28,7 +28,7 @@ bool asksForHugePadding(const std::u16string& format)
             value = std::min<uint64_t>(value * 10 + (format[i] - u'0'), uint64_t(1) << 40);
             continue;
         }
-        if (value > kLargestCount && value <= 0x7FFFFFFF)
+        if (value > kLargestCount && value <= static_cast<uint64_t>(kore::CStringFormat::kMaxCount))
             return true;
         value = 0;
     }
