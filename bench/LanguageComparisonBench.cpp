@@ -525,6 +525,17 @@ int main(int argc, char** argv)
         row("miss ns", "miss", "%.0f");
         row("hit, 2 threads: wall ns per look-up", "hit x2", "%.0f");
         row("miss, 2 threads: wall ns per look-up", "miss x2", "%.0f");
+        // Two threads' wall time per look-up over one thread's: 0.5 when nothing is shared.
+        for (const char* measure : {"hit", "miss"}) {
+            for (int who = 0; who < 3; ++who) {
+                const std::string tail = "/" + c.name + "/" + g_contenders[who]->name();
+                const auto one = g_results.find(measure + tail), two = g_results.find(measure + std::string(" x2") + tail);
+                if (one != g_results.end() && two != g_results.end() && one->second > 0)
+                    g_results[measure + std::string(" scaling") + tail] = two->second / one->second;
+            }
+        }
+        row("hit, 2 threads / 1 thread (0.5 ideal)", "hit scaling", "%.2f");
+        row("miss, 2 threads / 1 thread (0.5 ideal)", "miss scaling", "%.2f");
         row("switch + first answer, ms", "switch", "%.2f");
         row("operator new calls per switch", "allocations", "%.0f");
         double rss[3] = {0, 0, 0};

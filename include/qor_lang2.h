@@ -9,9 +9,16 @@
  * Language tags have the form language-COUNTRY ("en-US", "de-DE"; "ace-ID" for a language
  * without a two-letter code); letter case does not matter when a tag is passed in.
  *
- * Threads: the functions take no lock of their own. Look-ups (QOR_LANG2_getLocalString) may run on
- * any thread at any time; do not add folders, reload or set the language while another thread
- * queries the language lists.
+ * Threads: every function may be called from any thread at any time, also while other threads
+ * call any of them, and each answer is one that the same calls made one after another could
+ * give. Adding, reloading and setting the language run one at a time (a call waits for the one
+ * in progress, and so do QOR_LANG2_getCurrentLanguage and QOR_LANG2_findLocalizedFile); a switch
+ * replaces all texts in one step. Look-ups (QOR_LANG2_getLocalString) take no lock and see the
+ * texts of one language, never a mix; a switch waits until no look-up still reads the texts it
+ * replaces. Look-ups may go on while the process exits (main returning,
+ * exit()): the loaded texts are kept until the process ends. A file handle may be read from
+ * several threads; free it once, after its last use. Unloading the library while other threads
+ * still call it is not supported.
  *
  * Failures: only QOR_LANG2_add, QOR_LANG2_addEx and QOR_LANG2_reload report errors (-1).
  * QOR_LANG2_setCurrentLanguage returns 20 for a tag that is not language-COUNTRY. Other functions

@@ -1,7 +1,5 @@
 #include "framework/CReaderSlots.h"
 
-#include <thread>
-
 namespace kore {
 
 namespace {
@@ -23,23 +21,48 @@ uint32_t slotOfThisThread() noexcept
     return t_slot - 1;
 }
 
+// How often the writer looks at a slot before it sleeps: about a microsecond, long enough for a
+// reader that is running to finish its look-up.
+constexpr unsigned kSpins = 100;
+
+inline void relax() noexcept
+{
+#if defined(__x86_64__) || defined(__i386__)
+    __builtin_ia32_pause();
+#endif
+}
+
 } // namespace
 
 std::atomic<uint32_t>* CReaderSlots::enter() noexcept
 {
-    CSlot& slot = m_slots[slotOfThisThread()];
-    std::atomic<uint32_t>& counter = slot.count[m_phase.load(std::memory_order_seq_cst) & 1];
-    counter.fetch_add(1, std::memory_order_seq_cst);
+    const uint32_t slot = slotOfThisThread();
+    std::atomic<uint32_t>& counter = m_slots[slot].count[m_phase.load(std::memory_order_seq_cst) & 1];
+    // Another thread inside the same slot would make both pass the line between their cores at
+    // every look-up: this one moves on (its thread-local only; the count taken here stays valid).
+    if (counter.fetch_add(1, std::memory_order_seq_cst) != 0)
+        t_slot = (slot + 1) % kSlotCount + 1;
     return &counter;
 }
 
-void CReaderSlots::waitUntilLeft(uint32_t phase) const noexcept
+void CReaderSlots::wake(std::atomic<uint32_t>& counter) noexcept
 {
-    for (const CSlot& slot : m_slots) {
-        for (unsigned spins = 0; slot.count[phase].load(std::memory_order_seq_cst) != 0; ++spins) {
-            if (spins > 64)
-                std::this_thread::yield();
-        }
+    counter.notify_all();
+}
+
+void CReaderSlots::waitUntilLeft(uint32_t phase) noexcept
+{
+    for (CSlot& slot : m_slots) {
+        std::atomic<uint32_t>& counter = slot.count[phase];
+        for (unsigned spins = 0; spins < kSpins && counter.load(std::memory_order_seq_cst) != 0; ++spins)
+            relax();
+        if (counter.load(std::memory_order_seq_cst) == 0)
+            continue;
+        m_waiting.store(1, std::memory_order_seq_cst);
+        // wait() returns at once when the count is no longer `seen`; a reader that empties the
+        // slot after this load sees the mark and wakes this thread.
+        for (uint32_t seen; (seen = counter.load(std::memory_order_seq_cst)) != 0;)
+            counter.wait(seen, std::memory_order_seq_cst);
     }
 }
 
@@ -50,6 +73,7 @@ void CReaderSlots::waitForReaders() noexcept
     waitUntilLeft(phase ^ 1);
     m_phase.store(phase ^ 1, std::memory_order_seq_cst);
     waitUntilLeft(phase);
+    m_waiting.store(0, std::memory_order_relaxed);
 }
 
 } // namespace kore

@@ -2,15 +2,24 @@
 // Lets any number of threads read through a shared pointer without locks while one writer at a
 // time replaces it, and tells the writer when no reader can still hold the pointer it replaced.
 //
-// Each thread counts its reads in a slot of its own (a cache line, chosen once per thread), so a
-// reader writes no memory that another thread uses as long as fewer threads read than there are
-// slots; more threads share slots, which costs speed, never safety. Readers count in one of two
-// phases. A writer publishes its new pointer, then waits until the readers of the other phase
-// (stragglers from earlier) have left, turns the phase, and waits until the readers of the old
-// phase have left: new readers count in the new phase, so a stream of readers cannot starve it.
+// Each thread counts its reads in a slot of its own (a cache line), so a reader writes no memory
+// that another thread uses. A thread that finds another reader inside its slot when it enters
+// takes the next slot from then on: threads that read at the same time drift apart, and as long
+// as fewer threads read at once than there are slots, they end up on lines of their own. More
+// threads share slots, which costs speed, never safety. Readers count in one of two phases. A
+// writer publishes its new pointer, then waits until the readers of the other phase (stragglers
+// from earlier) have left, turns the phase, and waits until the readers of the old phase have
+// left: new readers count in the new phase, so a stream of readers cannot starve it.
+//
+// The writer spins only briefly, then sleeps until the last reader of a slot leaves: a reader
+// that leaves an emptied slot while the writer says it waits wakes it. A reader preempted inside
+// its scope would otherwise cost the writer's core a whole time slice of spinning, which on a
+// busy machine is the slice that reader needs to finish.
 //
 // Every step is sequentially consistent: a reader that the writer's wait did not see counted
-// had not yet entered when the new pointer was published, so it reads the new one.
+// had not yet entered when the new pointer was published, so it reads the new one; a reader that
+// emptied a slot either sees the writer's "waiting" mark and wakes it, or the writer, which set
+// the mark before it looked, sees the slot empty.
 
 #include <atomic>
 #include <cstdint>
@@ -28,12 +37,18 @@ public:
     // One read: what is loaded through the shared pointer while it lives stays valid.
     class CScope {
     public:
-        explicit CScope(CReaderSlots& slots) noexcept : m_counter(slots.enter()) {}
-        ~CScope() { m_counter->fetch_sub(1, std::memory_order_release); }
+        explicit CScope(CReaderSlots& slots) noexcept : m_slots(slots), m_counter(slots.enter()) {}
+        ~CScope()
+        {
+            if (m_counter->fetch_sub(1, std::memory_order_seq_cst) == 1 &&
+                m_slots.m_waiting.load(std::memory_order_seq_cst) != 0)
+                wake(*m_counter);
+        }
         CScope(const CScope&) = delete;
         CScope& operator=(const CScope&) = delete;
 
     private:
+        CReaderSlots& m_slots;
         std::atomic<uint32_t>* m_counter;
     };
 
@@ -49,9 +64,14 @@ private:
     };
 
     std::atomic<uint32_t>* enter() noexcept;
-    void waitUntilLeft(uint32_t phase) const noexcept;
+    void waitUntilLeft(uint32_t phase) noexcept;
+    static void wake(std::atomic<uint32_t>& counter) noexcept;
 
+    // Written by writers only; readers read both on every look-up, so they share one line that
+    // stays in every reader's cache.
     std::atomic<uint32_t> m_phase{0};
+    // Non-zero while a writer may sleep on a slot's counter.
+    std::atomic<uint32_t> m_waiting{0};
     CSlot m_slots[kSlotCount];
 };
 

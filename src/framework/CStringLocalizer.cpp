@@ -16,9 +16,17 @@ namespace kore {
 
 namespace {
 
+// The process-wide localizer, set once when it is created. Its own reference is never given
+// back: a look-up running while the process exits finds the localizer and the texts it holds
+// however far the factory's teardown has gone. Leak checkers see it from this global.
+constinit std::atomic<const IStringLocalizer*> s_lasting{nullptr};
+
 P<IStringLocalizer> create()
 {
-    return make<CStringLocalizer>();
+    P<CStringLocalizer> made = make<CStringLocalizer>();
+    made->addRef();
+    s_lasting.store(made.get(), std::memory_order_release);
+    return made;
 }
 
 // `use(units, count)` on the UTF-16 units of `text`: a UTF-16 string's own bytes, no copy.
@@ -208,6 +216,13 @@ void CStringLocalizer::setMissResolver(MissResolver resolver) noexcept
 P<IStringLocalizer>& CStringLocalizer::instance()
 {
     return CGlobalObjFactory::accessor<IStringLocalizer, &create>();
+}
+
+const IStringLocalizer& CStringLocalizer::forLookups()
+{
+    if (const IStringLocalizer* lasting = s_lasting.load(std::memory_order_acquire))
+        return *lasting;
+    return *instance();
 }
 
 CStringLocalizer::CStringLocalizer()

@@ -10,6 +10,9 @@
 // the new text of a key, never a torn or freed one, and a language switch costs readers nothing.
 // The one part changed in place is the table of setString's texts, whose slots move atomically
 // from empty to an entry or from one entry of a key to a newer one (CSetTexts).
+//
+// The process-wide localizer is never destroyed: look-ups may still run on other threads while
+// the process exits and the factory destroys its services, and they must find their texts.
 
 #include "framework/CObject.h"
 #include "framework/CReaderSlots.h"
@@ -26,6 +29,9 @@ class CStringLocalizer : public CObject, public IStringLocalizer {
 public:
     // The process-wide localizer, created empty on first use.
     static P<IStringLocalizer>& instance();
+    // The same localizer for look-ups: once it exists, reached without the factory, and valid
+    // until the process ends, also after unload.
+    static const IStringLocalizer& forLookups();
 
     // What a miss resolver may read: the content in which the key was missed, so that whatever it
     // answers belongs to the same language. `table` receives the table that holds the key.

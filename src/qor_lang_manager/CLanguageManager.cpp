@@ -10,6 +10,7 @@
 #include "framework/IFileEntry.h"
 #include "framework/IFileEnum.h"
 #include "framework/IFileSystemManager.h"
+#include "framework/IMutexFactory.h"
 #include "framework/Trace.h"
 #include "qor_lang_manager/PluralLookup.h"
 
@@ -17,6 +18,7 @@
 
 namespace qor_lang {
 
+using kore::CMutexLock;
 using kore::P;
 
 namespace {
@@ -39,15 +41,37 @@ P<CLanguageManager>& CLanguageManager::instance()
     return kore::CGlobalObjFactory::accessor<CLanguageManager, &create>();
 }
 
-CLanguagePack* CLanguageManager::findPack(const kore::CStringArg& appId) const
+CLanguageManager::CLanguageManager()
 {
+    P<kore::IMutexFactory> mutexes = kore::createMutexFactory();
+    m_changeLock = mutexes->createMutex();
+    m_stateLock = mutexes->createMutex();
+}
+
+P<CLanguagePack> CLanguageManager::findPack(const kore::CStringArg& appId) const
+{
+    CMutexLock state(*m_stateLock);
     auto it = m_packs.find(appId.get());
-    return it == m_packs.end() ? nullptr : it->second.get();
+    return it == m_packs.end() ? nullptr : it->second;
+}
+
+std::vector<P<CLanguagePack>> CLanguageManager::packs() const
+{
+    CMutexLock state(*m_stateLock);
+    std::vector<P<CLanguagePack>> packs;
+    packs.reserve(m_packs.size());
+    for (const auto& [id, pack] : m_packs)
+        packs.push_back(pack);
+    return packs;
 }
 
 void CLanguageManager::add(P<kore::IURI> folder, const kore::CStringArg& appId)
 {
+    // A change like a switch: an id added while a switch runs is added after it, so it has no
+    // texts in the switch's language until the next switch, as if the calls had come in turn.
+    CMutexLock changing(*m_changeLock);
     P<kore::IString> id = kore::keepText(appId);
+    CMutexLock state(*m_stateLock);
     if (m_packs.count(id))
         return; // the first registration of an id wins, silently
     m_packs.emplace(id, kore::make<CLanguagePack>(std::move(folder), *id));
@@ -55,12 +79,26 @@ void CLanguageManager::add(P<kore::IURI> folder, const kore::CStringArg& appId)
 
 void CLanguageManager::reload()
 {
-    for (auto& [id, pack] : m_packs)
+    CMutexLock changing(*m_changeLock);
+    for (const P<CLanguagePack>& pack : packs())
         pack->reload();
+}
+
+LanguageId CLanguageManager::getCurrentLanguage() const
+{
+    // Waits for a switch in progress: its texts may already answer look-ups, and a thread that
+    // has seen them must not be told the tag before it.
+    CMutexLock changing(*m_changeLock);
+    return m_current;
 }
 
 bool CLanguageManager::setCurrentLanguage(const LanguageId& language)
 {
+    // Switches run one at a time from the first file read to the last listener: of two threads
+    // switching at once, the later leaves both the current tag and the loaded texts. The tag is
+    // stored first: whatever happens below, the host asked for this language, and nobody reads the
+    // tag before the switch ends (getCurrentLanguage waits for the lock).
+    CMutexLock changing(*m_changeLock);
     m_current = language;
     installPluralLookup();
     // Every pack reads its file first, or else the file of its fallback (same language, another
@@ -73,7 +111,7 @@ bool CLanguageManager::setCurrentLanguage(const LanguageId& language)
         kore::CLogManager::instance()->log(kInfoLevel, kLogModule,
                                            *kore::formatString("Setting Language: %s", tag.c_str()), 0, -1);
         std::vector<P<kore::CTextTable>> texts;
-        for (auto& [id, pack] : m_packs) {
+        for (const P<CLanguagePack>& pack : packs()) {
             if (pack->setLanguage(tag.c_str(), texts))
                 continue;
             const std::u16string fallback = pack->fallbackTag(language);
@@ -89,10 +127,14 @@ bool CLanguageManager::setCurrentLanguage(const LanguageId& language)
         }
         throw;
     }
+    // A copy: a listener may remove itself while being told.
+    std::vector<ILanguageChangeListener*> listeners;
+    {
+        CMutexLock state(*m_stateLock);
+        listeners = m_listeners;
+    }
     if (kore::isTraceEnabled())
         kore::debugTrace("CLanguageManager.cpp", kTraceLine, tag.c_str());
-    // A copy: a listener may remove itself while being told.
-    const std::vector<ILanguageChangeListener*> listeners = m_listeners;
     for (ILanguageChangeListener* listener : listeners)
         listener->onLanguageChanged(language);
     return true;
@@ -100,19 +142,15 @@ bool CLanguageManager::setCurrentLanguage(const LanguageId& language)
 
 int32_t CLanguageManager::getLanguageCount(const kore::CStringArg& appId)
 {
-    CLanguagePack* pack = findPack(appId);
+    P<CLanguagePack> pack = findPack(appId);
     return pack ? pack->count() : 0;
 }
 
 P<CLanguageFile> CLanguageManager::getLanguageFile(const kore::CStringArg& appId, int32_t index)
 {
-    CLanguagePack* pack = findPack(appId);
-    if (!pack)
-        return nullptr;
-    // A negative index is the caller's error; it passes here as it always has.
-    if (!(index < pack->count()))
-        return nullptr;
-    return pack->file(index);
+    P<CLanguagePack> pack = findPack(appId);
+    // One call to the pack: a count taken first could be stale by the time the file is taken.
+    return pack ? pack->file(index) : nullptr;
 }
 
 P<kore::IURI> CLanguageManager::findFile(const kore::IURI& folder, const kore::CStringArg& prefix,
@@ -141,19 +179,21 @@ P<kore::IURI> CLanguageManager::findLocalizedFile(const kore::IURI& folder,
                                                   const kore::CStringArg& infix,
                                                   const kore::CStringArg& suffix)
 {
-    if (P<kore::IURI> found = findFile(folder, prefix, m_current, infix, suffix))
+    if (P<kore::IURI> found = findFile(folder, prefix, getCurrentLanguage(), infix, suffix))
         return found;
     return findFile(folder, prefix, kFallbackLanguage, infix, suffix);
 }
 
 void CLanguageManager::addListener(ILanguageChangeListener* listener)
 {
+    CMutexLock state(*m_stateLock);
     if (listener && std::find(m_listeners.begin(), m_listeners.end(), listener) == m_listeners.end())
         m_listeners.push_back(listener);
 }
 
 void CLanguageManager::removeListener(ILanguageChangeListener* listener)
 {
+    CMutexLock state(*m_stateLock);
     m_listeners.erase(std::remove(m_listeners.begin(), m_listeners.end(), listener), m_listeners.end());
 }
 

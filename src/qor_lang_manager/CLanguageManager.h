@@ -1,10 +1,14 @@
 #pragma once
 // The one object behind the exported interface: one language pack per application id, the
 // current language of the whole process, and the listeners told when it changes. It also finds
-// language-specific companion files. No lock of its own: hosts must not add, reload or set the
-// language on one thread while another queries.
+// language-specific companion files. Any thread may call any method at any time: changes (add,
+// reload, a language switch) run one at a time under the change lock, which also guards the
+// current language; packs and listeners are guarded by a short state lock that no file access
+// holds, so listing languages never waits for a switch. Look-ups never come here: they read the
+// string localizer without locks.
 
 #include "framework/CObject.h"
+#include "framework/IMutex.h"
 #include "framework/IString.h"
 #include "framework/IURI.h"
 #include "framework/P.h"
@@ -28,7 +32,7 @@ public:
     // The process's manager, created on first request and destroyed at unload.
     static kore::P<CLanguageManager>& instance();
 
-    CLanguageManager() = default;
+    CLanguageManager();
 
     // Registers a folder for an application id; the first registration of an id wins.
     void add(kore::P<kore::IURI> folder, const kore::CStringArg& appId);
@@ -44,7 +48,8 @@ public:
     // contributes no texts, and when no pack has any, every look-up answers the caller's default:
     // texts of the previous language never stay. getCurrentLanguage answers `language` all the same.
     bool setCurrentLanguage(const LanguageId& language);
-    LanguageId getCurrentLanguage() const { return m_current; }
+    // Waits for a switch in progress, so the answer and the texts look-ups find never disagree.
+    LanguageId getCurrentLanguage() const;
     int32_t getLanguageCount(const kore::CStringArg& appId);
     // Null for an unknown id or an index not below the count.
     kore::P<CLanguageFile> getLanguageFile(const kore::CStringArg& appId, int32_t index);
@@ -76,7 +81,9 @@ private:
         }
     };
 
-    CLanguagePack* findPack(const kore::CStringArg& appId) const;
+    kore::P<CLanguagePack> findPack(const kore::CStringArg& appId) const;
+    // The packs in map order, for a change that must not hold the state lock while it reads files.
+    std::vector<kore::P<CLanguagePack>> packs() const;
     kore::P<kore::IURI> findFile(const kore::IURI& folder, const kore::CStringArg& prefix,
                                  const LanguageId& language, const kore::CStringArg& infix,
                                  const kore::CStringArg& suffix);
@@ -84,6 +91,11 @@ private:
     std::map<kore::P<kore::IString>, kore::P<CLanguagePack>, ByText> m_packs;
     LanguageId m_current;
     std::vector<ILanguageChangeListener*> m_listeners;
+    // Held by each change from start to end (recursive: a listener may change the language again
+    // or ask for it); guards m_current.
+    kore::P<kore::IMutex> m_changeLock;
+    // Guards m_packs and m_listeners, held only while they are read or written.
+    kore::P<kore::IMutex> m_stateLock;
 };
 
 } // namespace qor_lang

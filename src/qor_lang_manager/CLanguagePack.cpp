@@ -12,6 +12,7 @@
 #include "framework/IFileEntry.h"
 #include "framework/IFileEnum.h"
 #include "framework/IFileSystemManager.h"
+#include "framework/IMutexFactory.h"
 #include "framework/IStreamManager.h"
 #include "framework/ISystem.h"
 
@@ -37,7 +38,8 @@ std::u16string ownCountryTag(const std::u16string& code)
 } // namespace
 
 CLanguagePack::CLanguagePack(P<kore::IURI> folder, const kore::CStringArg& appId)
-    : m_folder(std::move(folder)), m_appId(kore::keepText(appId))
+    : m_folder(std::move(folder)), m_appId(kore::keepText(appId)),
+      m_listLock(kore::createMutexFactory()->createMutex())
 {
 }
 
@@ -94,12 +96,14 @@ void CLanguagePack::scanIfEmpty()
 
 int32_t CLanguagePack::count()
 {
+    kore::CMutexLock listing(*m_listLock);
     scanIfEmpty();
     return static_cast<int32_t>(m_files.size());
 }
 
 P<CLanguageFile> CLanguagePack::file(int32_t index)
 {
+    kore::CMutexLock listing(*m_listLock);
     scanIfEmpty();
     // The manager checks only the upper bound; an index outside the list must still not read
     // outside it.
@@ -110,6 +114,7 @@ P<CLanguageFile> CLanguagePack::file(int32_t index)
 
 void CLanguagePack::reload()
 {
+    kore::CMutexLock listing(*m_listLock);
     m_files.clear();
 }
 

@@ -2,9 +2,12 @@
 // The language files of one application id in one folder. Lists them lazily (the first query
 // scans the folder; an empty list is scanned again at every query), hands them out by index in
 // folder order, forgets them on reload, and reads the texts of one language for the
-// process-wide string localizer.
+// process-wide string localizer. Safe from any thread: the list is read, filled and emptied under
+// the pack's own lock, so two threads asking at once see one scan; reading texts uses only the
+// pack's fixed folder and id.
 
 #include "framework/CObject.h"
+#include "framework/IMutex.h"
 #include "framework/IString.h"
 #include "framework/IURI.h"
 #include "framework/CTextTable.h"
@@ -49,6 +52,7 @@ public:
 
 private:
     kore::P<kore::IURI> languageFileURI(const kore::IString& name) const;
+    // Under m_listLock.
     void scanIfEmpty();
     bool belongsToAnotherApp(const CLanguageFile& file) const;
     // "error while loading '<name>'", and the cause in a second record when there is one.
@@ -57,6 +61,7 @@ private:
     kore::P<kore::IURI> m_folder;
     kore::P<kore::IString> m_appId;
     std::vector<kore::P<CLanguageFile>> m_files;
+    kore::P<kore::IMutex> m_listLock;
 };
 
 } // namespace qor_lang

@@ -152,8 +152,8 @@ QOR_LANG2_API int32_t QOR_LANG2_setCurrentLanguage(const QOR_LANG2_CHAR* tag)
         P<CLanguageManager> manager = CLanguageManager::instance();
         manager->setCurrentLanguage(language);
     } catch (...) {
-        // The language is stored before anything that could fail; the packs report their own
-        // failures. What is left (a failing log sink, say) does not undo the change.
+        // The packs report their own failures. What is left (memory running out while the texts
+        // are handed over, a failing log sink) leaves the language that was current before.
     }
     return kOk;
 }
@@ -229,10 +229,11 @@ QOR_LANG2_API QOR_LANG2_CHAR* QOR_LANG2_getLocalString(const QOR_LANG2_CHAR* key
                                                        const QOR_LANG2_CHAR* defaultText)
 {
     try {
-        // The hot path: no reference taken on the localizer (the factory keeps it until unload,
-        // and a call racing the unload is the host's error anyway), no framework strings built,
-        // the key hashed straight from the host's buffer and the answer copied once.
-        return reinterpret_cast<QOR_LANG2_CHAR*>(kore::CStringLocalizer::instance()->copyString(
+        // The hot path: no reference taken on the localizer (it lives until the process ends,
+        // so a look-up on another thread while the host exits still answers), no framework
+        // strings built, the key hashed straight from the host's buffer and the answer copied
+        // once.
+        return reinterpret_cast<QOR_LANG2_CHAR*>(kore::CStringLocalizer::forLookups().copyString(
             reinterpret_cast<const char16_t*>(key), reinterpret_cast<const char16_t*>(defaultText), &copyUnits));
     } catch (...) {
         return nullptr;

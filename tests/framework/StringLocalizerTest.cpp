@@ -114,6 +114,42 @@ std::u16string copied(const CStringLocalizer& loc, const char16_t* key, const ch
     return made ? out : u"<null>";
 }
 
+// A reader stopped inside its look-up (in the copier, reading the old text) holds a switch back
+// until it has copied; look-ups that start later are not held and already see the new text.
+TEST(StringLocalizer, ASwitchWaitsWhileAReaderStillCopiesTheOldText)
+{
+    static std::atomic<int> stage; // 1: the reader is inside its look-up; 2: it may copy
+    static std::u16string held;
+    stage = 0;
+    auto loc = make<CStringLocalizer>();
+    loc->setTexts({table({{u"k", u"old"}})});
+    std::thread reader([&] {
+        loc->copyString(u"k", u"d", [](const void* units, size_t count) -> char16_t* {
+            stage = 1;
+            stage.notify_all();
+            stage.wait(1);
+            held.assign(static_cast<const char16_t*>(units), count);
+            return held.data();
+        });
+    });
+    stage.wait(0);
+    std::atomic<bool> switched{false};
+    std::thread writer([&] {
+        loc->setTexts({table({{u"k", u"new"}})});
+        switched = true;
+    });
+    while (copied(*loc, u"k", u"d") != u"new")
+        std::this_thread::yield();
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    EXPECT_FALSE(switched) << "the old text was freed under a reader";
+    stage = 2;
+    stage.notify_all();
+    reader.join();
+    writer.join();
+    EXPECT_TRUE(switched);
+    EXPECT_EQ(held, u"old");
+}
+
 TEST(StringLocalizer, TablesReplaceEverythingAndTheLaterOfTwoAnswers)
 {
     auto loc = make<CStringLocalizer>();

@@ -117,4 +117,12 @@ inline std::u16string testName()
     return u16(std::string(info->test_suite_name()) + "." + info->name());
 }
 
+// A test of its own in the shared process: a temporary folder and an application id of its own.
+class CExportTest : public ::testing::Test {
+protected:
+    kore_test::CTempFolder m_temp;
+    const std::filesystem::path m_folder = m_temp.path();
+    const std::u16string m_app = testName();
+};
+
 } // namespace export_test

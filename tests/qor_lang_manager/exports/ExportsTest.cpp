@@ -11,12 +11,7 @@ namespace {
 using namespace export_test;
 namespace fs = std::filesystem;
 
-class Exports : public ::testing::Test {
-protected:
-    kore_test::CTempFolder m_temp;
-    const fs::path m_folder = m_temp.path();
-    const std::u16string m_app = testName();
-};
+using Exports = CExportTest;
 
 TEST_F(Exports, OnlyLanguageCountryTagsAreAcceptedAndSpelledAsTheTablesDo)
 {

@@ -1,0 +1,253 @@
+// The exports called from many threads at once, as desktop hosts do: a settings thread switches
+// while workers look texts up, list languages or register folders. Each test checks that every
+// answer is one that the same calls made one after another could give.
+#include "ExportTestSupport.h"
+
+#include "../../framework/ChildProcess.h"
+
+#include <atomic>
+#include <cstdio>
+#include <cstdlib>
+#include <set>
+#include <string_view>
+#include <thread>
+
+namespace {
+
+using namespace export_test;
+namespace fs = std::filesystem;
+
+class ExportThreads : public CExportTest {
+protected:
+    const std::u16string m_key = m_app + u".key";
+
+    // One file per tag whose text of m_key is the tag itself, so a text names its language.
+    void writeLanguages(std::initializer_list<std::u16string> tags)
+    {
+        for (const std::u16string& tag : tags)
+            writeLanguageFile(m_folder, m_app, tag, {{m_key, tag}});
+        ASSERT_EQ(addFolder(m_folder, m_app), 0);
+    }
+};
+
+// Starts rounds of work on several threads at the same moment: the threads spin on the round
+// number (a barrier wakes its waiters one after another, and the first could be done before the
+// last starts), and the starter waits until all have finished the round.
+class CStartLine {
+public:
+    explicit CStartLine(int threads) : m_threads(threads) {}
+    // For the threads: returns when round `round` has started. Spins without yielding, so that
+    // the threads are running when it starts; a long wait yields now and then.
+    void await(int round) const
+    {
+        for (int spins = 1; m_round.load() < round; ++spins) {
+            if (spins % 4096 == 0)
+                std::this_thread::yield();
+        }
+    }
+    void finished() { ++m_finished; }
+    // For the starter.
+    void run(int round)
+    {
+        m_finished = 0;
+        m_round = round;
+        while (m_finished < m_threads)
+            std::this_thread::yield();
+    }
+
+private:
+    const int m_threads;
+    std::atomic<int> m_round{-1}, m_finished{0};
+};
+
+TEST_F(ExportThreads, ThreadsAskingForTheListTogetherAfterAReloadSeeOneWholeList)
+{
+    writeLanguages({u"de-DE", u"fr-FR", u"it-IT", u"ja-JP"});
+    constexpr int kThreads = 4, kRounds = 200;
+    CStartLine start(kThreads);
+    std::atomic<int> wrong{0}, lastWrongCount{4};
+    std::vector<std::thread> askers;
+    for (int t = 0; t < kThreads; ++t) {
+        askers.emplace_back([&] {
+            for (int round = 0; round < kRounds; ++round) {
+                start.await(round); // the list has just been forgotten
+                const int32_t count = QOR_LANG2_getLanguageCount(w(m_app));
+                if (count != 4 || !take(QOR_LANG2_getLanguage(w(m_app), 3))) {
+                    ++wrong;
+                    lastWrongCount = count;
+                }
+                start.finished();
+            }
+        });
+    }
+    for (int round = 0; round < kRounds; ++round) {
+        EXPECT_EQ(QOR_LANG2_reload(), 0);
+        start.run(round);
+    }
+    for (std::thread& asker : askers)
+        asker.join();
+    EXPECT_EQ(wrong, 0) << "e.g. a count of " << lastWrongCount;
+    EXPECT_EQ(QOR_LANG2_getLanguageCount(w(m_app)), 4) << "no doubled list stays behind";
+}
+
+TEST_F(ExportThreads, TwoSwitchersLeaveATagAndTextsOfOneLanguageAndReadersSeeOnlyTagsThatWereSet)
+{
+    // The first switcher's languages take long to read, the second's are read at once: a second
+    // switch that starts during the first overtakes it unless switches run one at a time.
+    const std::u16string tags[] = {u"de-DE", u"fr-FR", u"it-IT", u"ja-JP"};
+    std::vector<std::pair<std::u16string, std::u16string>> many;
+    for (int i = 0; i < 3000; ++i)
+        many.emplace_back(m_app + u"." + u16(std::to_string(i)), u"filler text of some length");
+    for (int t = 0; t < 4; ++t) {
+        many.emplace_back(m_key, tags[t]);
+        writeLanguageFile(m_folder, m_app, tags[t], t < 2 ? many : decltype(many){many.back()});
+        many.pop_back();
+    }
+    ASSERT_EQ(addFolder(m_folder, m_app), 0);
+    ASSERT_EQ(setLanguage(tags[0]), 0);
+
+    std::atomic<bool> done{false};
+    std::atomic<int> unknownTags{0};
+    std::thread observer([&] {
+        const std::set<std::u16string> set(std::begin(tags), std::end(tags));
+        while (!done)
+            unknownTags += !set.count(currentLanguage().value_or(u"(null)"));
+    });
+    constexpr int kRounds = 30;
+    CStartLine start(2);
+    std::thread switchers[2];
+    for (int s = 0; s < 2; ++s) {
+        switchers[s] = std::thread([&, s] {
+            for (int round = 0; round < kRounds; ++round) {
+                start.await(round);
+                setLanguage(tags[2 * s + round % 2]);
+                start.finished();
+            }
+        });
+    }
+    int disagreements = 0;
+    for (int round = 0; round < kRounds; ++round) {
+        start.run(round);
+        disagreements += localString(m_key, u"none") != currentLanguage();
+    }
+    for (std::thread& switcher : switchers)
+        switcher.join();
+    done = true;
+    observer.join();
+    EXPECT_EQ(disagreements, 0) << "the current tag and the loaded texts must come from one switch";
+    EXPECT_EQ(unknownTags, 0) << "getCurrentLanguage answered a tag nobody set";
+}
+
+TEST_F(ExportThreads, IdsAddedDuringSwitchesAreAllKept)
+{
+    // A tag no other test of this process uses: its many packs cost other tests' switches only a
+    // look for a file.
+    constexpr int kIds = 48;
+    // Three digits: no id is the start of another, whose files its folder scan would count.
+    auto id = [&](int i) { return m_app + u"-" + u16(std::to_string(100 + i)); };
+    for (int i = 0; i < kIds; ++i)
+        writeLanguageFile(m_folder, id(i), u"nl-NL", {{id(i) + u".key", id(i)}});
+    std::atomic<bool> done{false};
+    std::thread switcher([&] {
+        for (int i = 0; !done; ++i)
+            setLanguage(i % 2 ? u"nl-NL" : u"sv-SE");
+    });
+    // Two adders: ids added at the same moment must not lose each other either.
+    CStartLine start(2);
+    std::thread adders[2];
+    for (int a = 0; a < 2; ++a) {
+        adders[a] = std::thread([&, a] {
+            start.await(0);
+            for (int i = a; i < kIds; i += 2)
+                EXPECT_EQ(addFolder(m_folder, id(i)), 0);
+            start.finished();
+        });
+    }
+    start.run(0);
+    for (std::thread& adder : adders)
+        adder.join();
+    done = true;
+    switcher.join();
+
+    ASSERT_EQ(setLanguage(u"nl-NL"), 0);
+    for (int i = 0; i < kIds; ++i) {
+        EXPECT_EQ(QOR_LANG2_getLanguageCount(w(id(i))), 1) << utf8(id(i));
+        EXPECT_EQ(localString(id(i) + u".key", u"lost"), id(i));
+    }
+}
+
+// More readers than the localizer has slots: some share one, and a switch must still wait for
+// every reader of the old texts and then finish.
+TEST_F(ExportThreads, MoreReadersThanSlotsWhileTheLanguageChanges)
+{
+    writeLanguages({u"de-DE", u"fr-FR"});
+    ASSERT_EQ(setLanguage(u"de-DE"), 0);
+    constexpr int kReaders = 80;
+    std::atomic<bool> done{false};
+    std::atomic<int> reading{0}, wrong{0};
+    std::vector<std::thread> readers;
+    for (int r = 0; r < kReaders; ++r) {
+        readers.emplace_back([&] {
+            for (bool first = true; !done; first = false) {
+                const Text text = localString(m_key, u"none");
+                wrong += text != u"de-DE" && text != u"fr-FR";
+                reading += first;
+                // Busy readers beyond the cores would make each switch wait for a scheduler
+                // round; yielding outside the look-up keeps the test short.
+                std::this_thread::yield();
+            }
+        });
+    }
+    while (reading < kReaders)
+        std::this_thread::yield();
+    for (int i = 0; i < 40; ++i)
+        EXPECT_EQ(setLanguage(i % 2 ? u"de-DE" : u"fr-FR"), 0);
+    done = true;
+    for (std::thread& reader : readers)
+        reader.join();
+    EXPECT_EQ(wrong, 0);
+    EXPECT_EQ(localString(m_key, u"none"), u"de-DE");
+}
+
+constexpr char kChildMark[] = "exit";
+
+// A host whose main returns while detached threads still look texts up: the look-ups running
+// during exit must answer normally, and the process must end without a signal. Several
+// processes, since what a look-up meets depends on how far the exit has come.
+TEST(ExportThreadsExit, LookUpsInFlightWhenTheHostReturnsFromMain)
+{
+    for (int run = 0; run < 5; ++run) {
+        kore_test::CChildProcess child("ExportThreadsChild.DISABLED_ReturnWhileLookingUp", kChildMark);
+        ASSERT_EQ(child.wait(60000), 0) << "run " << run << ": the child's output says more";
+    }
+}
+
+TEST(ExportThreadsChild, DISABLED_ReturnWhileLookingUp)
+{
+    if (kore_test::childParameter() != kChildMark)
+        GTEST_SKIP() << "runs only in a process of its own";
+    kore_test::CTempFolder temp;
+    writeLanguageFile(temp.path(), u"app", u"de-DE", {{u"key", u"Hallo"}});
+    ASSERT_EQ(addFolder(temp.path(), u"app"), 0);
+    ASSERT_EQ(setLanguage(u"de-DE"), 0);
+    // Only what exit leaves alone: literals, a trivial static, the library.
+    static std::atomic<int> started{0};
+    constexpr int kReaders = 4;
+    for (int r = 0; r < kReaders; ++r) {
+        std::thread([] {
+            for (bool first = true;; first = false) {
+                QOR_LANG2_CHAR* text = QOR_LANG2_getLocalString(w(u"key"), w(u"default"));
+                if (!text || std::u16string_view(reinterpret_cast<const char16_t*>(text)) != u"Hallo") {
+                    std::fputs("a look-up during exit answered wrongly\n", stderr);
+                    std::_Exit(3);
+                }
+                QOR_LANG2_freeWideString(text);
+                started += first;
+            }
+        }).detach();
+    }
+    while (started < kReaders)
+        std::this_thread::yield();
+}
+
+} // namespace
