@@ -53,10 +53,8 @@ void loadTable()
     }
     const std::u16string forms = u"zero\0one\0two\0few\0many\0other"s, plural = u"item\u0005";
     builder.addCopy(plural.data(), uint32_t(plural.size()), forms.data(), uint32_t(forms.size()), 0);
-    const std::string ruleText = arabic();
-    const std::u16string rule(ruleText.begin(), ruleText.end());
-    builder.addCopy(qor_lang::kPluralRuleKey.data(), uint32_t(qor_lang::kPluralRuleKey.size()), rule.data(),
-                    uint32_t(rule.size()), 0);
+    const std::string rule = arabic();
+    qor_lang::setPluralRule(builder, std::u16string(rule.begin(), rule.end()));
     kore::CStringLocalizer::instance()->setTexts({builder.build()});
     qor_lang::installPluralLookup();
 }

@@ -126,10 +126,11 @@ uint64_t CTextTable::hashTerminated(const char16_t* key, uint32_t& units) noexce
     return finish(even, odd, n);
 }
 
-CTextTable::CTextTable(CPageBuffer block, CPageBuffer index, uint32_t bucketBits, uint32_t count)
+CTextTable::CTextTable(CPageBuffer block, CPageBuffer index, uint32_t bucketBits, uint32_t count,
+                       P<CObject> companion)
     : m_block(std::move(block)), m_index(std::move(index)), m_bucketStart(m_index.as<uint32_t>()),
       m_entries(reinterpret_cast<const Entry*>(m_index.as<uint32_t>() + (std::size_t(1) << bucketBits) + 1)),
-      m_shift(64 - bucketBits), m_count(count)
+      m_shift(64 - bucketBits), m_count(count), m_companion(std::move(companion))
 {
 }
 
@@ -273,7 +274,7 @@ P<CTextTable> CTextTable::CBuilder::build()
     m_added = CPageBuffer();
     m_count = 0;
     m_blockUsed = 0;
-    return P<CTextTable>::adopt(new CTextTable(std::move(m_block), std::move(index), bits, kept));
+    return P<CTextTable>::adopt(new CTextTable(std::move(m_block), std::move(index), bits, kept, std::move(m_companion)));
 }
 
 } // namespace kore

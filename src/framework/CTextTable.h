@@ -17,6 +17,7 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <utility>
 
 namespace kore {
 
@@ -59,6 +60,10 @@ public:
         void addCopy(const void* key, uint32_t keyUnits, const void* text, uint32_t textUnits,
                      uint64_t rank);
         uint32_t getCount() const noexcept { return m_count; }
+        // Something the layer building the table derives from its entries once and keeps with it
+        // for the table's whole life (the language layer's parsed plural rule), so that readers
+        // need not derive it on every look-up; immutable once the table is built.
+        void setCompanion(P<CObject> companion) noexcept { m_companion = std::move(companion); }
 
         // The table; the builder is empty afterwards.
         P<CTextTable> build();
@@ -76,6 +81,7 @@ public:
         std::size_t m_blockUsed = 0;
         CPageBuffer m_added;
         uint32_t m_count = 0;
+        P<CObject> m_companion;
     };
 
     // The hash of a key of `units` little-endian units at `bytes` (any alignment).
@@ -88,6 +94,8 @@ public:
     bool find(const void* key, uint32_t units, uint64_t hash, Text& text) const noexcept;
 
     uint32_t getCount() const noexcept { return m_count; }
+    // The builder's companion, null when it set none.
+    const CObject* getCompanion() const noexcept { return m_companion.get(); }
 
     // Every entry as (key bytes, key units, text bytes, text units), bucket by bucket.
     template <class F>
@@ -106,7 +114,7 @@ private:
         Span text;
     };
 
-    CTextTable(CPageBuffer block, CPageBuffer index, uint32_t bucketBits, uint32_t count);
+    CTextTable(CPageBuffer block, CPageBuffer index, uint32_t bucketBits, uint32_t count, P<CObject> companion);
 
     CPageBuffer m_block;
     CPageBuffer m_index;
@@ -114,6 +122,7 @@ private:
     const Entry* m_entries;        // in m_index, after the bucket starts
     uint32_t m_shift;              // 64 - bucket bits
     uint32_t m_count;
+    P<CObject> m_companion;
 };
 
 } // namespace kore

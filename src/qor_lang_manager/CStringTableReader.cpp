@@ -241,8 +241,7 @@ kore::P<CTextTable> CStringTableReader::readTexts(std::u16string_view pluralRule
         builder.add(key, text, rank);
     });
     if (plural)
-        table.addCopy(kPluralRuleKey.data(), static_cast<uint32_t>(kPluralRuleKey.size()), pluralRule.data(),
-                      static_cast<uint32_t>(pluralRule.size()), UINT64_MAX);
+        setPluralRule(table, pluralRule);
     return table.build();
 }
 

@@ -39,7 +39,7 @@ public:
     CStringTableReader(chf::IStream& stream, chf::CChunkFile& file, int64_t fileLength);
 
     // The texts by key; an empty table when no "STMP" chunk holds a "data" chunk. When some key
-    // ends in U+0005 (a plural entry), `pluralRule` goes in too, under kPluralRuleKey.
+    // ends in U+0005 (a plural entry), the table keeps `pluralRule`, parsed (setPluralRule).
     kore::P<kore::CTextTable> readTexts(std::u16string_view pluralRule = {});
     // Every entry of the last "data" chunk in file order (duplicates included): its key and text.
     void readEntries(const std::function<void(const std::u16string& key, const std::u16string& text)>& visit);

@@ -1,9 +1,11 @@
 #include "qor_lang_manager/PluralLookup.h"
 
+#include "framework/CObject.h"
 #include "framework/CStringLocalizer.h"
 
 #include <cstdint>
 #include <string>
+#include <utility>
 
 namespace qor_lang {
 
@@ -14,22 +16,36 @@ char16_t unitAt(const kore::CTextTable::Text& text, uint32_t i)
     return static_cast<char16_t>(text.bytes[2 * i] | text.bytes[2 * i + 1] << 8);
 }
 
-// The rule of the table that holds the plural entry. Parsed on each call: a rule is a few dozen
-// characters, and a cache shared between threads would cost a lock or a thread-local object that
-// keeps the library from unloading.
-PluralRule ruleOf(const kore::CTextTable& table)
+// A rule in UTF-16; std::nullopt when it does not parse or holds anything but ASCII.
+std::optional<PluralRule> parseRule(std::u16string_view text)
 {
-    kore::CTextTable::Text text;
-    if (table.find(kPluralRuleKey.data(), static_cast<uint32_t>(kPluralRuleKey.size()),
-                   kore::CTextTable::hash(kPluralRuleKey.data(), static_cast<uint32_t>(kPluralRuleKey.size())), text)) {
-        std::string ascii(text.units, '?');
-        for (uint32_t i = 0; i < text.units; ++i)
-            if (unitAt(text, i) < 0x80)
-                ascii[i] = static_cast<char>(unitAt(text, i));
-        if (auto rule = PluralRule::parse(ascii))
-            return *rule;
+    std::string ascii(text.size(), '\0');
+    for (size_t i = 0; i < text.size(); ++i) {
+        if (text[i] >= 0x80)
+            return std::nullopt;
+        ascii[i] = static_cast<char>(text[i]);
     }
-    return *PluralRule::parse(kDefaultPluralRule);
+    return PluralRule::parse(ascii);
+}
+
+const PluralRule& defaultRule()
+{
+    static const PluralRule rule = *PluralRule::parse(kDefaultPluralRule);
+    return rule;
+}
+
+// What a table with plural entries keeps beside them: their rule, parsed when the table was built.
+// Immutable and owned by the table, so readers share it without a lock and it goes with the table.
+class CTableRule final : public kore::CObject {
+public:
+    explicit CTableRule(PluralRule rule) : rule(std::move(rule)) {}
+    const PluralRule rule;
+};
+
+const PluralRule& ruleOf(const kore::CTextTable& table)
+{
+    const auto* kept = dynamic_cast<const CTableRule*>(table.getCompanion());
+    return kept ? kept->rule : defaultRule();
 }
 
 bool resolvePlural(const char16_t* key, uint32_t units, const char16_t* defaultText,
@@ -74,20 +90,20 @@ bool resolvePlural(const char16_t* key, uint32_t units, const char16_t* defaultT
 
 std::u16string pluralRuleText(const std::optional<std::u16string>& fileRule, std::u16string_view tag)
 {
-    if (fileRule) {
-        std::string ascii(fileRule->begin(), fileRule->end());
-        bool plain = true;
-        for (char16_t c : *fileRule)
-            plain = plain && c < 0x80;
-        if (plain && PluralRule::parse(ascii))
-            return *fileRule;
-    }
+    if (fileRule && parseRule(*fileRule))
+        return *fileRule;
     const std::string language(tag.begin(), tag.end());
     const char* rule = findPluralRule(language);
     if (!rule)
         rule = findPluralRule(std::string_view(language).substr(0, language.find('-')));
     const std::string_view text = rule ? std::string_view(rule) : kDefaultPluralRule;
     return std::u16string(text.begin(), text.end());
+}
+
+void setPluralRule(kore::CTextTable::CBuilder& table, std::u16string_view ruleText)
+{
+    std::optional<PluralRule> rule = parseRule(ruleText);
+    table.setCompanion(kore::make<CTableRule>(rule ? std::move(*rule) : defaultRule()));
 }
 
 void installPluralLookup()
