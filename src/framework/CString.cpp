@@ -158,6 +158,8 @@ ICharEncoding& resultEncoding(const IString& a, const IString& added)
     return id == CUTF32CharEncoding::kId ? *enc : *CUTF16CharEncoding::instance();
 }
 
+uint32_t fixedUnit(const ICharEncoding& enc, uint32_t byteLength, uint32_t charCount);
+
 } // namespace
 
 CString::CString()
@@ -247,6 +249,12 @@ void CString::initFrom(const void* buffer, uint32_t byteLength, uint32_t charCou
     }
     m_byteLength = byteLength;
     m_charCount = charCount == kUnknown ? m_encoding->countChars(m_buffer, m_byteLength, 0) : charCount;
+    m_fixedUnit = static_cast<uint8_t>(fixedUnit(*m_encoding, m_byteLength, m_charCount));
+    // A code page's byte still has to be decoded to become a character.
+    const uint32_t id = m_encoding->getId();
+    m_directUnit = m_fixedUnit == 1 && id != CLatin1CharEncoding::kId && id != CUTF8CharEncoding::kId
+                       ? 0
+                       : m_fixedUnit;
 }
 
 uint8_t* CString::allocateBuffer(uint32_t bytes)
@@ -508,9 +516,10 @@ uint32_t CString::getCharAt(uint32_t index) const
 {
     if (index >= m_charCount)
         return kNotFound;
-    // Where every unit is a character, the unit is the answer (a code page still decodes).
-    const uint32_t id = m_encoding->getId();
-    switch (fixedUnit(*m_encoding, m_byteLength, m_charCount)) {
+    // Where every unit is a character, the unit is the answer.
+    switch (m_directUnit) {
+    case 1:
+        return m_buffer[index];
     case 2: {
         char16_t unit;
         std::memcpy(&unit, m_buffer + 2 * size_t(index), 2);
@@ -521,10 +530,6 @@ uint32_t CString::getCharAt(uint32_t index) const
         std::memcpy(&unit, m_buffer + 4 * size_t(index), 4);
         return unit;
     }
-    case 1:
-        if (id == CLatin1CharEncoding::kId || id == CUTF8CharEncoding::kId)
-            return m_buffer[index];
-        break;
     default:
         break;
     }
@@ -538,7 +543,7 @@ uint32_t CString::getCharAt(uint32_t index) const
 
 uint32_t CString::charOffset(uint32_t index) const
 {
-    const uint32_t unit = fixedUnit(*m_encoding, m_byteLength, m_charCount);
+    const uint32_t unit = m_fixedUnit;
     if (unit != 0)
         return index <= m_charCount ? index * unit : ICharEncoding::kFail;
     // Walk on from the last place asked for when it lies before `index`, so that reading a string

@@ -96,6 +96,10 @@ private:
     bool m_owned = false;
     P<ICharEncoding> m_encoding;
     uint32_t m_charCount = 0;
+    // Bytes per character when every character has the same width (0 otherwise), and the same
+    // where that unit is also the code point (not for a code page).
+    uint8_t m_fixedUnit = 0;
+    uint8_t m_directUnit = 0;
     // The last (character index << 32 | byte offset) charOffset found; (0, 0) to begin with.
     mutable std::atomic<uint64_t> m_lastPlace{0};
 };

@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <random>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -511,6 +512,50 @@ TEST(StringConversion, FromUTF8KeepsEveryCharacter)
         EXPECT_EQ(CString::tryFromUTF8(bad), nullptr) << bad;
     // Leniently, a bad byte is skipped and the rest kept.
     EXPECT_EQ(CString::fromUTF8("\xE0\xA4\xB9\xFF!")->toU16(), u"\u0939!");
+}
+
+} // namespace kore_test
+
+namespace kore_test {
+
+// The cursor reads plain UTF-16 units and ASCII bytes straight from the buffer and decodes the
+// rest; whatever the mix of both, of invalid bytes and of start offsets, it must read what the
+// encoding reads one character at a time, forwards and backwards, and getCharAt must agree.
+TEST(StringCursor, ReadsWhatTheEncodingReadsOverRandomBytes)
+{
+    std::mt19937 random(16);
+    // Bytes that are plain units, surrogates, multi-byte leads, continuations and odd tails.
+    const uint8_t pool[] = {'a', '~', 0x00, 0x7F, 0x80, 0xBF, 0xC3, 0xA9, 0xCE, 0xE0, 0xE2, 0xF0, 0xD8, 0xDC, 0xDF, 0xFF};
+    for (ICharEncoding* enc : allEncodings()) {
+        for (int round = 0; round < 400; ++round) {
+            std::vector<uint8_t> bytes(random() % 40);
+            for (uint8_t& b : bytes)
+                b = pool[random() % sizeof pool];
+            const auto len = static_cast<uint32_t>(bytes.size());
+            const uint32_t start = len == 0 ? 0 : static_cast<uint32_t>(random() % len);
+            std::u32string want;
+            for (uint32_t off = start, cp = 0; (off = enc->decodeChar(cp, bytes.data(), len, off)) != ICharEncoding::kFail;)
+                want.push_back(cp);
+            const CString s(bytes.data(), len, kUnknown, false, *enc, CString::kCopy);
+            std::u32string got;
+            CCharCursor cursor(s, start);
+            for (uint32_t cp = 0; cursor.next(cp);)
+                got.push_back(cp);
+            ASSERT_EQ(got, want) << enc->getName() << " round " << round;
+            if (start != 0)
+                continue;
+            ASSERT_EQ(s.getLength(), want.size()) << enc->getName() << " round " << round;
+            for (uint32_t i = 0; i < want.size(); ++i)
+                ASSERT_EQ(s.getCharAt(i), want[i]) << enc->getName() << " round " << round << " at " << i;
+            if (!enc->supportsReverse())
+                continue;
+            std::u32string back;
+            CCharCursor reverse(s);
+            for (uint32_t cp = 0; reverse.prev(cp);)
+                back.insert(back.begin(), cp);
+            ASSERT_EQ(back, want) << enc->getName() << " round " << round;
+        }
+    }
 }
 
 } // namespace kore_test
