@@ -20,7 +20,7 @@ public:
 private:
     explicit CCharset(std::string name, unsigned codePage) : m_name(std::move(name)), m_codePage(codePage) {}
     std::string m_name;
-    unsigned m_codePage; // Windows only; 0 elsewhere
+    [[maybe_unused]] unsigned m_codePage; // read on Windows only; 0 elsewhere
 };
 
 } // namespace qorlang

@@ -234,7 +234,10 @@ void joinI18nextPlurals(Catalogue& c, std::u16string_view tag)
     }
     std::vector<bool> joined(c.entries.size());
     std::map<size_t, Entry> plurals; // by the position of the group's first entry
-    for (const auto& [base, members] : groups) {
+    for (const auto& group : groups) {
+        // Named, not a structured binding: clang 14 cannot capture those in the lambda below.
+        const std::u16string& base = group.first;
+        const std::map<std::string, size_t>& members = group.second;
         // A group holds the language's last form (i18next's fallback for every count), and a
         // second one of the language unless it has only that one: "show_other" alone stays a key.
         const auto own = std::count_if(categories.begin(), categories.end(), [&](const std::string& category) {
