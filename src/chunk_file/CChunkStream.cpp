@@ -5,6 +5,7 @@
 #include "chunk_file/Offsets.h"
 
 #include <exception>
+#include <limits>
 
 namespace chf {
 
@@ -82,13 +83,17 @@ int64_t CChunkStream::write(const void* buffer, int32_t count)
 {
     const int64_t end = saturatingAdd(m_position, count);
     if (end > m_length) {
-        const int64_t grow = end - m_length;
+        // Hostile space operations can leave a length far below zero; the growth saturates
+        // like every other offset here instead of overflowing.
+        int64_t grow = 0;
+        if (__builtin_sub_overflow(end, m_length, &grow))
+            grow = std::numeric_limits<int64_t>::max();
         const int64_t at = saturatingAdd(m_base, m_length);
         m_parent->setPosition(at);
         m_parent->insertSpace(grow);
         if (m_holder)
             m_holder->onSpaceInserted(this, at, grow);
-        m_length += grow;
+        m_length = saturatingAdd(m_length, grow);
     }
     m_parent->setPosition(saturatingAdd(m_base, m_position));
     const int64_t result = m_parent->write(buffer, count);
