@@ -11,6 +11,7 @@
 // QOR_TEST_MO names the catalogue; else the largest under /usr/share/locale/ru.
 #include "qor_lang2.h"
 
+#include "GettextTestSupport.h"
 #include "Unicode.h"
 #include "chunk_file/CMemoryStream.h"
 #include "chunk_file/TChunkRef.h"
@@ -34,44 +35,15 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr int kSkip = 77;
-
-bool run(const std::string& command)
-{
-    std::printf("$ %s\n", command.c_str());
-    std::fflush(stdout);
-    return std::system(command.c_str()) == 0;
-}
-
-bool have(const char* program) { return std::system(("command -v " + std::string(program) + " >/dev/null 2>&1").c_str()) == 0; }
-
-std::string quote(const fs::path& p) { return "'" + p.string() + "'"; }
-
-std::string readAll(const fs::path& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream out;
-    out << in.rdbuf();
-    return out.str();
-}
+using namespace gettext_test;
 
 // The original strings of a .mo file: each key gettext can answer (a plural entry by its
 // singular; a context as context + U+0004 + msgid, as gettext stores it).
 std::vector<std::string> moKeys(const std::string& mo)
 {
-    auto u32 = [&](size_t at) {
-        uint32_t v = 0;
-        std::memcpy(&v, mo.data() + at, 4);
-        return v;
-    };
     std::vector<std::string> keys;
-    if (mo.size() < 28 || u32(0) != 0x950412de)
-        return keys;
-    const uint32_t count = u32(8), originals = u32(12);
-    for (uint32_t i = 0; i < count; ++i) {
-        const uint32_t length = u32(originals + 8 * i), offset = u32(originals + 8 * i + 4);
-        std::string key = mo.substr(offset, length);
-        key = key.substr(0, key.find('\0'));
+    for (std::string key : moOriginals(mo)) {
+        key.resize(std::strlen(key.c_str()));
         if (!key.empty())
             keys.push_back(key);
     }

@@ -11,6 +11,7 @@
 // they hold 20 of them or five catalogues are taken, each in a process of its own (the library has
 // one current language per process). QOR_TEST_MO names one catalogue instead.
 // Exit 77 (skipped) when msgunfmt, msgfmt or a catalogue with plural entries is missing.
+#include "GettextTestSupport.h"
 #include "qor_lang2.hpp"
 
 #include <libintl.h>
@@ -33,39 +34,15 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr int kSkip = 77;
+using namespace gettext_test;
+
 constexpr unsigned long kLastN = 1000;
-
-bool run(const std::string& command) { return std::system(command.c_str()) == 0; }
-bool have(const char* program) { return run("command -v " + std::string(program) + " >/dev/null 2>&1"); }
-std::string quote(const fs::path& p) { return "'" + p.string() + "'"; }
-
-std::string readAll(const fs::path& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream out;
-    out << in.rdbuf();
-    return out.str();
-}
 
 // The originals of a .mo file that hold a plural pair: "[context EOT] singular NUL plural".
 std::vector<std::string> pluralOriginals(const std::string& mo)
 {
-    auto u32 = [&](size_t at) {
-        uint32_t v = 0;
-        if (at + 4 <= mo.size())
-            std::memcpy(&v, mo.data() + at, 4);
-        return v;
-    };
     std::vector<std::string> out;
-    if (mo.size() < 28 || u32(0) != 0x950412de)
-        return out;
-    const uint32_t count = u32(8), originals = u32(12);
-    for (uint32_t i = 0; i < count; ++i) {
-        const uint32_t length = u32(originals + 8 * i), offset = u32(originals + 8 * i + 4);
-        if (offset > mo.size() || length > mo.size() - offset)
-            break;
-        std::string original = mo.substr(offset, length);
+    for (std::string& original : moOriginals(mo)) {
         if (original.find('\0') != std::string::npos)
             out.push_back(std::move(original));
     }
