@@ -45,9 +45,12 @@ std::atomic<uint32_t>* CReaderSlots::enter() noexcept
     return &counter;
 }
 
-void CReaderSlots::wake(std::atomic<uint32_t>& counter) noexcept
+void CReaderSlots::wake() noexcept
 {
-    counter.notify_all();
+    // Taking the lock orders this wake after a writer's look at the counter: either the writer
+    // already sleeps and hears it, or it has not looked yet and will see the slot empty.
+    std::lock_guard<std::mutex> lock(m_sleepLock);
+    m_sleep.notify_all();
 }
 
 void CReaderSlots::waitUntilLeft(uint32_t phase) noexcept
@@ -59,10 +62,10 @@ void CReaderSlots::waitUntilLeft(uint32_t phase) noexcept
         if (counter.load(std::memory_order_seq_cst) == 0)
             continue;
         m_waiting.store(1, std::memory_order_seq_cst);
-        // wait() returns at once when the count is no longer `seen`; a reader that empties the
-        // slot after this load sees the mark and wakes this thread.
-        for (uint32_t seen; (seen = counter.load(std::memory_order_seq_cst)) != 0;)
-            counter.wait(seen, std::memory_order_seq_cst);
+        // A reader that empties the slot after the writer's look sees the mark and wakes it.
+        // Not std::atomic::wait: MinGW's libstdc++ 12 can lose its wake-up and hang a switch.
+        std::unique_lock<std::mutex> lock(m_sleepLock);
+        m_sleep.wait(lock, [&] { return counter.load(std::memory_order_seq_cst) == 0; });
     }
 }
 

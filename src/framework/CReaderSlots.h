@@ -22,7 +22,9 @@
 // the mark before it looked, sees the slot empty.
 
 #include <atomic>
+#include <condition_variable>
 #include <cstdint>
+#include <mutex>
 
 namespace kore {
 
@@ -42,7 +44,7 @@ public:
         {
             if (m_counter->fetch_sub(1, std::memory_order_seq_cst) == 1 &&
                 m_slots.m_waiting.load(std::memory_order_seq_cst) != 0)
-                wake(*m_counter);
+                m_slots.wake();
         }
         CScope(const CScope&) = delete;
         CScope& operator=(const CScope&) = delete;
@@ -65,7 +67,7 @@ private:
 
     std::atomic<uint32_t>* enter() noexcept;
     void waitUntilLeft(uint32_t phase) noexcept;
-    static void wake(std::atomic<uint32_t>& counter) noexcept;
+    void wake() noexcept;
 
     // Written by writers only; readers read both on every look-up, so they share one line that
     // stays in every reader's cache.
@@ -73,6 +75,9 @@ private:
     // Non-zero while a writer may sleep on a slot's counter.
     std::atomic<uint32_t> m_waiting{0};
     CSlot m_slots[kSlotCount];
+    // Where a writer sleeps while a slot is still in use; used only when a writer waits.
+    std::mutex m_sleepLock;
+    std::condition_variable m_sleep;
 };
 
 } // namespace kore

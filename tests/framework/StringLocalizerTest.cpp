@@ -126,13 +126,14 @@ TEST(StringLocalizer, ASwitchWaitsWhileAReaderStillCopiesTheOldText)
     std::thread reader([&] {
         loc->copyString(u"k", u"d", [](const void* units, size_t count) -> char16_t* {
             stage = 1;
-            stage.notify_all();
-            stage.wait(1);
+            while (stage != 2)
+                std::this_thread::yield();
             held.assign(static_cast<const char16_t*>(units), count);
             return held.data();
         });
     });
-    stage.wait(0);
+    while (stage != 1)
+        std::this_thread::yield();
     std::atomic<bool> switched{false};
     std::thread writer([&] {
         loc->setTexts({table({{u"k", u"new"}})});
@@ -143,7 +144,6 @@ TEST(StringLocalizer, ASwitchWaitsWhileAReaderStillCopiesTheOldText)
     std::this_thread::sleep_for(std::chrono::milliseconds(100));
     EXPECT_FALSE(switched) << "the old text was freed under a reader";
     stage = 2;
-    stage.notify_all();
     reader.join();
     writer.join();
     EXPECT_TRUE(switched);
