@@ -15,9 +15,9 @@
 
 #include "chunk_file/CKoreFileStream.h"
 #include "chunk_file/TChunkRef.h"
-#include "framework/CURI.h"
-#include "framework/IStreamManager.h"
-#include "framework/UTF8Decoding.h"
+#include "framework/io/CURI.h"
+#include "framework/io/IStreamManager.h"
+#include "framework/text/UTF8Decoding.h"
 #include "qor_lang_manager/CLanguageFile.h"
 #include "qor_lang_manager/CLanguageFileWriter.h"
 

@@ -5,11 +5,11 @@
 #include "chunk_file/CKoreFileStream.h"
 #include "chunk_file/ChunkId.h"
 #include "chunk_file/TChunkRef.h"
-#include "framework/CDiskStream.h"
-#include "framework/CString.h"
-#include "framework/IPathes.h"
-#include "framework/IStreamManager.h"
-#include "framework/IURI.h"
+#include "framework/io/CDiskStream.h"
+#include "framework/text/CString.h"
+#include "framework/io/IPathes.h"
+#include "framework/io/IStreamManager.h"
+#include "framework/io/IURI.h"
 
 #include <benchmark/benchmark.h>
 

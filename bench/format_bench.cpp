@@ -1,7 +1,7 @@
 // Formatter throughput on the library's typical messages, with snprintf as the yardstick.
 
-#include "framework/CString.h"
-#include "framework/CStringFormat.h"
+#include "framework/text/CString.h"
+#include "framework/text/CStringFormat.h"
 
 #include <benchmark/benchmark.h>
 

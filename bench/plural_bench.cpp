@@ -2,8 +2,8 @@
 // localizer (key U+0005 count, answered on the miss path) beside a plain hit on the same table.
 // Run: build/linux-release/bench/plural_bench
 
-#include "framework/CStringLocalizer.h"
-#include "framework/CTextTable.h"
+#include "framework/text/CStringLocalizer.h"
+#include "framework/text/CTextTable.h"
 #include "qor_lang_manager/PluralLookup.h"
 #include "qor_lang_manager/PluralRule.h"
 

@@ -1,10 +1,10 @@
 // Costs of the file layer: small reads through the buffered disk stream, folder enumeration
 // with a pattern, and URI building.
-#include "framework/CDiskStream.h"
-#include "framework/CString.h"
-#include "framework/CURI.h"
-#include "framework/IFileEnum.h"
-#include "framework/IFileSystemManager.h"
+#include "framework/io/CDiskStream.h"
+#include "framework/text/CString.h"
+#include "framework/io/CURI.h"
+#include "framework/io/IFileEnum.h"
+#include "framework/io/IFileSystemManager.h"
 
 #include <benchmark/benchmark.h>
 

@@ -1,11 +1,11 @@
 // Compare, hash and find on short and long strings, in one encoding and across two.
 // Run: build/linux-release/bench/string_bench
 
-#include "framework/CLatin1CharEncoding.h"
-#include "framework/CString.h"
-#include "framework/CUTF16CharEncoding.h"
-#include "framework/CUTF32CharEncoding.h"
-#include "framework/CUTF8CharEncoding.h"
+#include "framework/text/CLatin1CharEncoding.h"
+#include "framework/text/CString.h"
+#include "framework/text/CUTF16CharEncoding.h"
+#include "framework/text/CUTF32CharEncoding.h"
+#include "framework/text/CUTF8CharEncoding.h"
 
 #include <benchmark/benchmark.h>
 

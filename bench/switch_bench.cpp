@@ -6,8 +6,8 @@
 //
 // Counters: median and 90th percentile of one switch in milliseconds; "cpu" is the switching
 // thread's own time.
-#include "framework/CStringLocalizer.h"
-#include "framework/CTextTable.h"
+#include "framework/text/CStringLocalizer.h"
+#include "framework/text/CTextTable.h"
 
 #include <benchmark/benchmark.h>
 

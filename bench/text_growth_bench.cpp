@@ -5,10 +5,10 @@
 // so positions are found by walking).
 // Run: build/linux-release/bench/text_growth_bench
 
-#include "framework/CCharCursor.h"
-#include "framework/CString.h"
-#include "framework/CStringLocalizer.h"
-#include "framework/CUTF8CharEncoding.h"
+#include "framework/text/CCharCursor.h"
+#include "framework/text/CString.h"
+#include "framework/text/CStringLocalizer.h"
+#include "framework/text/CUTF8CharEncoding.h"
 
 #include <benchmark/benchmark.h>
 

@@ -4,9 +4,9 @@
 // the other half ask with tryLock after the death. Prints the figures; exits 1 on any miss.
 //
 //   global_mutex_abuse [rounds]        (default 1000)
-#include "framework/CException.h"
-#include "framework/IMutex.h"
-#include "framework/IMutexFactory.h"
+#include "framework/errors/CException.h"
+#include "framework/sync/IMutex.h"
+#include "framework/sync/IMutexFactory.h"
 #include "framework/posix/CGlobalMutexImpl.h"
 
 #include <algorithm>

@@ -4,11 +4,11 @@
 // (compact unless --pretty), as UTF-8 followed by one line feed. Exit status: 0 when the file
 // parsed, 1 when it did not (the parser's message goes to standard error), 2 for a usage or
 // input/output error.
-#include "framework/CJsonParser.h"
-#include "framework/CJsonParserError.h"
-#include "framework/CJsonPrinter.h"
-#include "framework/CException.h"
-#include "framework/IString.h"
+#include "framework/values/CJsonParser.h"
+#include "framework/errors/CJsonParserError.h"
+#include "framework/values/CJsonPrinter.h"
+#include "framework/errors/CException.h"
+#include "framework/text/IString.h"
 #include "framework/PlatformSupport.h"
 
 #include <cstdio>

@@ -4,12 +4,12 @@
 // a stream that cannot be shortened makes every removal of bytes end in an exception.
 
 #include "chunk_file/CBaseStream.h"
-#include "framework/IInStream.h"
-#include "framework/IOutStream.h"
-#include "framework/ISeekable.h"
-#include "framework/IStream.h"
-#include "framework/IURI.h"
-#include "framework/P.h"
+#include "framework/io/IInStream.h"
+#include "framework/io/IOutStream.h"
+#include "framework/io/ISeekable.h"
+#include "framework/io/IStream.h"
+#include "framework/io/IURI.h"
+#include "framework/objects/P.h"
 
 namespace chf {
 

@@ -5,9 +5,9 @@
 #include "chunk_file/CChunkFile.h"
 #include "chunk_file/CKoreFileStream.h"
 #include "chunk_file/TChunkRef.h"
-#include "framework/CString.h"
-#include "framework/CURI.h"
-#include "framework/IStreamManager.h"
+#include "framework/text/CString.h"
+#include "framework/io/CURI.h"
+#include "framework/io/IStreamManager.h"
 #include "qor_lang_manager/CStringTableReader.h"
 #include "qor_lang_manager/LanguageChunks.h"
 

@@ -5,11 +5,11 @@
 // (readTexts), when a pack loads the language.
 
 #include "chunk_file/IStream.h"
-#include "framework/CObject.h"
-#include "framework/CTextTable.h"
-#include "framework/IString.h"
-#include "framework/IURI.h"
-#include "framework/P.h"
+#include "framework/objects/CObject.h"
+#include "framework/text/CTextTable.h"
+#include "framework/text/IString.h"
+#include "framework/io/IURI.h"
+#include "framework/objects/P.h"
 #include "qor_lang_manager/LanguageId.h"
 
 #include <functional>

@@ -3,7 +3,7 @@
 #include "chunk_file/CChunkFileWriter.h"
 #include "chunk_file/CKoreFileStream.h"
 #include "chunk_file/TChunkRef.h"
-#include "framework/IStreamManager.h"
+#include "framework/io/IStreamManager.h"
 
 #include <algorithm>
 

@@ -5,7 +5,7 @@
 // tests build their files with it.
 
 #include "chunk_file/IStream.h"
-#include "framework/IURI.h"
+#include "framework/io/IURI.h"
 #include "qor_lang_manager/LanguageChunks.h"
 
 #include <cstdint>

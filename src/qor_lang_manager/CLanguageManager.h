@@ -7,11 +7,11 @@
 // holds, so listing languages never waits for a switch. Look-ups never come here: they read the
 // string localizer without locks.
 
-#include "framework/CObject.h"
-#include "framework/IMutex.h"
-#include "framework/IString.h"
-#include "framework/IURI.h"
-#include "framework/P.h"
+#include "framework/objects/CObject.h"
+#include "framework/sync/IMutex.h"
+#include "framework/text/IString.h"
+#include "framework/io/IURI.h"
+#include "framework/objects/P.h"
 #include "qor_lang_manager/CLanguageFile.h"
 #include "qor_lang_manager/CLanguagePack.h"
 #include "qor_lang_manager/ILanguageChangeListener.h"

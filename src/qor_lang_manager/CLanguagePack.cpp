@@ -4,17 +4,17 @@
 
 #include "chunk_file/CKoreFileStream.h"
 #include "chunk_file/TChunkRef.h"
-#include "framework/CException.h"
-#include "framework/CFileNotFoundError.h"
-#include "framework/CLogManager.h"
-#include "framework/CString.h"
-#include "framework/CStringFormat.h"
-#include "framework/IFileEntry.h"
-#include "framework/IFileEnum.h"
-#include "framework/IFileSystemManager.h"
-#include "framework/IMutexFactory.h"
-#include "framework/IStreamManager.h"
-#include "framework/ISystem.h"
+#include "framework/errors/CException.h"
+#include "framework/errors/CFileNotFoundError.h"
+#include "framework/log/CLogManager.h"
+#include "framework/text/CString.h"
+#include "framework/text/CStringFormat.h"
+#include "framework/io/IFileEntry.h"
+#include "framework/io/IFileEnum.h"
+#include "framework/io/IFileSystemManager.h"
+#include "framework/sync/IMutexFactory.h"
+#include "framework/io/IStreamManager.h"
+#include "framework/io/ISystem.h"
 
 namespace qor_lang {
 

@@ -4,8 +4,8 @@
 
 #include "chunk_file/CChunkIterator.h"
 #include "chunk_file/TChunkRef.h"
-#include "framework/CError.h"
-#include "framework/CStringFormat.h"
+#include "framework/errors/CError.h"
+#include "framework/text/CStringFormat.h"
 #include "qor_lang_manager/LanguageChunks.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "framework/IBase.h"
+#include "framework/objects/IBase.h"
 #include "qor_lang_manager/LanguageId.h"
 
 namespace qor_lang {

@@ -1,6 +1,6 @@
 #include "qor_lang_manager/LanguageChunks.h"
 
-#include "framework/CEndOfStreamError.h"
+#include "framework/errors/CEndOfStreamError.h"
 
 #include <algorithm>
 #include <bit>

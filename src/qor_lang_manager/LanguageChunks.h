@@ -3,7 +3,7 @@
 
 #include "chunk_file/CChunkStream.h"
 #include "chunk_file/ChunkId.h"
-#include "framework/IURI.h"
+#include "framework/io/IURI.h"
 
 #include <cstdint>
 #include <optional>

@@ -1,7 +1,7 @@
 #include "qor_lang_manager/PluralLookup.h"
 
-#include "framework/CObject.h"
-#include "framework/CStringLocalizer.h"
+#include "framework/objects/CObject.h"
+#include "framework/text/CStringLocalizer.h"
 
 #include <cstdint>
 #include <string>

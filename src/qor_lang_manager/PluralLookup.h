@@ -4,7 +4,7 @@
 // form for n with the key K + U+0005 + decimal(n), which no table holds, so the string localizer
 // hands it to this lookup on its miss path and a plain look-up costs nothing more.
 
-#include "framework/CTextTable.h"
+#include "framework/text/CTextTable.h"
 #include "qor_lang_manager/PluralRule.h"
 
 #include <optional>

@@ -2,14 +2,14 @@
 // language manager. No exception crosses into the host: a C caller could not catch it.
 #include "qor_lang2.h"
 
-#include "framework/CException.h"
-#include "framework/CInstanceWrapper.h"
-#include "framework/CString.h"
-#include "framework/CStringLocalizer.h"
-#include "framework/CURI.h"
-#include "framework/Cast.h"
-#include "framework/ICharEncoding.h"
-#include "framework/IPathes.h"
+#include "framework/errors/CException.h"
+#include "framework/objects/CInstanceWrapper.h"
+#include "framework/text/CString.h"
+#include "framework/text/CStringLocalizer.h"
+#include "framework/io/CURI.h"
+#include "framework/objects/Cast.h"
+#include "framework/text/ICharEncoding.h"
+#include "framework/io/IPathes.h"
 #include "qor_lang_manager/CLanguageManager.h"
 
 #include <bit>

@@ -10,7 +10,7 @@
 #include "chunk_file/ChunkId.h"
 #include "chunk_file/IChunkHolder.h"
 #include "chunk_file/TChunkRef.h"
-#include "framework/IStreamManager.h"
+#include "framework/io/IStreamManager.h"
 
 #include <cstdint>
 #include <exception>

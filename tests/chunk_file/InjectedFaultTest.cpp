@@ -4,7 +4,7 @@
 // change on an intact file afterwards succeeds.
 #include "../framework/FailingFiles.h"
 #include "ChunkTestSupport.h"
-#include "framework/CException.h"
+#include "framework/errors/CException.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 #include "ChunkTestSupport.h"
 
-#include "framework/CDiskStream.h"
-#include "framework/CMemoryStream.h"
-#include "framework/ISeekableIOStream.h"
+#include "framework/io/CDiskStream.h"
+#include "framework/io/CMemoryStream.h"
+#include "framework/io/ISeekableIOStream.h"
 
 #include <gtest/gtest.h>
 

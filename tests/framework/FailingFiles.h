@@ -4,7 +4,7 @@
 // of every file and fails the n-th one as the system would (an I/O error). It also counts writes
 // attempted on files opened for reading only, which must never happen. One at a time, one thread.
 
-#include "framework/FileSystemSupport.h"
+#include "framework/io/FileSystemSupport.h"
 
 #include <cstdint>
 #include <memory>

@@ -1,11 +1,11 @@
 #pragma once
 // What an enumeration of a folder finds.
 
-#include "framework/IFileEntry.h"
-#include "framework/IFileEnum.h"
-#include "framework/IFileSystemManager.h"
-#include "framework/IString.h"
-#include "framework/IURI.h"
+#include "framework/io/IFileEntry.h"
+#include "framework/io/IFileEnum.h"
+#include "framework/io/IFileSystemManager.h"
+#include "framework/text/IString.h"
+#include "framework/io/IURI.h"
 
 #include <string>
 #include <vector>

@@ -2,9 +2,9 @@
 // What most framework tests need: GoogleTest, the framework's strings, pointers and casts, and
 // checks on the error a call must throw (a call that throws nothing fails the test).
 
-#include "framework/CInvalidArgError.h"
-#include "framework/CString.h"
-#include "framework/Cast.h"
+#include "framework/errors/CInvalidArgError.h"
+#include "framework/text/CString.h"
+#include "framework/objects/Cast.h"
 
 #include <gtest/gtest.h>
 

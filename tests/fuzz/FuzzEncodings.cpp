@@ -5,12 +5,12 @@
 #include "FuzzInput.h"
 #include "FuzzTargets.h"
 
-#include "framework/CCPCharEncoding.h"
-#include "framework/CLatin1CharEncoding.h"
-#include "framework/CString.h"
-#include "framework/CUTF16CharEncoding.h"
-#include "framework/CUTF32CharEncoding.h"
-#include "framework/CUTF8CharEncoding.h"
+#include "framework/text/CCPCharEncoding.h"
+#include "framework/text/CLatin1CharEncoding.h"
+#include "framework/text/CString.h"
+#include "framework/text/CUTF16CharEncoding.h"
+#include "framework/text/CUTF32CharEncoding.h"
+#include "framework/text/CUTF8CharEncoding.h"
 
 #include <exception>
 #include <vector>

@@ -5,8 +5,8 @@
 #include "FuzzInput.h"
 #include "FuzzTargets.h"
 
-#include "framework/CString.h"
-#include "framework/CStringFormat.h"
+#include "framework/text/CString.h"
+#include "framework/text/CStringFormat.h"
 
 #include <cstdint>
 #include <cstring>

@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "framework/CString.h"
+#include "framework/text/CString.h"
 #include "qor_lang_manager/AsciiCase.h"
 #include "qor_lang_manager/LanguageCodeTable.h"
 #include "qor_lang_manager/LanguageId.h"

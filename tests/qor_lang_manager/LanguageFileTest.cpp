@@ -1,6 +1,6 @@
 #include "LanguageTestSupport.h"
 
-#include "framework/CEndOfStreamError.h"
+#include "framework/errors/CEndOfStreamError.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "LanguageTestSupport.h"
 
-#include "framework/FileSystemSupport.h"
-#include "framework/Trace.h"
+#include "framework/io/FileSystemSupport.h"
+#include "framework/log/Trace.h"
 #include "qor_lang_manager/CLanguageManager.h"
 
 #include <gtest/gtest.h>

@@ -5,10 +5,10 @@
 // leaves the process's localizer empty, and a probe that watches the size of allocations.
 
 #include "../chunk_file/ChunkTestSupport.h"
-#include "framework/CLogManager.h"
-#include "framework/CObject.h"
-#include "framework/CString.h"
-#include "framework/CStringLocalizer.h"
+#include "framework/log/CLogManager.h"
+#include "framework/objects/CObject.h"
+#include "framework/text/CString.h"
+#include "framework/text/CStringLocalizer.h"
 #include "qor_lang_manager/CLanguageFile.h"
 #include "qor_lang_manager/CLanguageFileWriter.h"
 

@@ -1,9 +1,9 @@
 #include "Formats.h"
 #include "Unicode.h"
 
-#include "framework/CParseError.h"
-#include "framework/CString.h"
-#include "framework/FileSystemSupport.h"
+#include "framework/errors/CParseError.h"
+#include "framework/text/CString.h"
+#include "framework/io/FileSystemSupport.h"
 #include "qor_lang_manager/LanguageId.h"
 
 #include <filesystem>

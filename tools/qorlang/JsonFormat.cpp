@@ -7,15 +7,15 @@
 #include "PluralCategories.h"
 #include "Unicode.h"
 
-#include "framework/CBool.h"
-#include "framework/CInt.h"
-#include "framework/CInt64.h"
-#include "framework/CJsonParser.h"
-#include "framework/CJsonParserError.h"
-#include "framework/CNull.h"
-#include "framework/CVariantArray.h"
-#include "framework/CVariantMap.h"
-#include "framework/Cast.h"
+#include "framework/values/CBool.h"
+#include "framework/values/CInt.h"
+#include "framework/values/CInt64.h"
+#include "framework/values/CJsonParser.h"
+#include "framework/errors/CJsonParserError.h"
+#include "framework/values/CNull.h"
+#include "framework/values/CVariantArray.h"
+#include "framework/values/CVariantMap.h"
+#include "framework/objects/Cast.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -1,6 +1,6 @@
 #include "Unicode.h"
 
-#include "framework/UTF8Decoding.h"
+#include "framework/text/UTF8Decoding.h"
 
 namespace qorlang {
 

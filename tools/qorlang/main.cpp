@@ -7,9 +7,9 @@
 #include "Workflow.h"
 #include "Unicode.h"
 
-#include "framework/CException.h"
+#include "framework/errors/CException.h"
 #include "framework/PlatformSupport.h"
-#include "framework/IString.h"
+#include "framework/text/IString.h"
 #include "qor_lang_manager/CLanguageFile.h"
 #include "chunk_file/CMemoryStream.h"
 #include "chunk_file/TChunkRef.h"

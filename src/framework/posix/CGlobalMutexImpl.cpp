@@ -1,7 +1,7 @@
 #include "framework/posix/CGlobalMutexImpl.h"
 
-#include "framework/CException.h"
-#include "framework/CString.h"
+#include "framework/errors/CException.h"
+#include "framework/text/CString.h"
 
 #include <atomic>
 #include <cerrno>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "framework/CObject.h"
-#include "framework/IMutex.h"
-#include "framework/IString.h"
+#include "framework/objects/CObject.h"
+#include "framework/sync/IMutex.h"
+#include "framework/text/IString.h"
 
 #include <string>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "framework/CObject.h"
-#include "framework/IMutex.h"
+#include "framework/objects/CObject.h"
+#include "framework/sync/IMutex.h"
 
 #include <pthread.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "framework/CObject.h"
-#include "framework/IPathes.h"
+#include "framework/objects/CObject.h"
+#include "framework/io/IPathes.h"
 
 namespace kore::posix {
 

@@ -1,9 +1,9 @@
 #include "framework/posix/CSystem.h"
 
-#include "framework/CGlobalObjFactory.h"
-#include "framework/CURITypeNotSupportedError.h"
-#include "framework/IString.h"
-#include "framework/IURI.h"
+#include "framework/objects/CGlobalObjFactory.h"
+#include "framework/errors/CURITypeNotSupportedError.h"
+#include "framework/text/IString.h"
+#include "framework/io/IURI.h"
 
 #include <sys/stat.h>
 

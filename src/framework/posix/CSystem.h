@@ -1,7 +1,7 @@
 #pragma once
 
-#include "framework/CObject.h"
-#include "framework/ISystem.h"
+#include "framework/objects/CObject.h"
+#include "framework/io/ISystem.h"
 
 namespace kore::posix {
 

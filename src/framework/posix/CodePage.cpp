@@ -1,7 +1,7 @@
 // The code page on POSIX systems is Windows-1252, the usual "ANSI" page of Western Windows
 // systems, in both directions and whatever the process locale: files and messages then read the
 // same on every machine.
-#include "framework/CodePage.h"
+#include "framework/text/CodePage.h"
 
 namespace kore::platform {
 

@@ -1,7 +1,7 @@
 // POSIX file access: open/pread/pwrite on descriptors, opendir/readdir for folders.
-#include "framework/FileSystemSupport.h"
+#include "framework/io/FileSystemSupport.h"
 
-#include "framework/IString.h"
+#include "framework/text/IString.h"
 
 #include <dirent.h>
 #include <fcntl.h>

@@ -1,8 +1,8 @@
-#include "framework/LogPlatform.h"
+#include "framework/log/LogPlatform.h"
 
-#include "framework/IString.h"
-#include "framework/Trace.h"
-#include "framework/CUTF16String.h"
+#include "framework/text/IString.h"
+#include "framework/log/Trace.h"
+#include "framework/text/CUTF16String.h"
 
 #include <cstdio>
 #include <string>

@@ -1,7 +1,7 @@
 #include "framework/win32/CGlobalMutexImpl.h"
 
-#include "framework/CException.h"
-#include "framework/CString.h"
+#include "framework/errors/CException.h"
+#include "framework/text/CString.h"
 
 namespace kore::win32 {
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "framework/CObject.h"
-#include "framework/IMutexFactory.h"
+#include "framework/objects/CObject.h"
+#include "framework/sync/IMutexFactory.h"
 
 namespace kore::win32 {
 

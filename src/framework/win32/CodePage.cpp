@@ -2,7 +2,7 @@
 // time through the platform's ANSI code page, encoding through the C runtime's wctomb under the
 // current locale. The two differ when the host never calls setlocale (the "C" locale writes only
 // code points below 256); the framework keeps that asymmetry rather than guess a locale.
-#include "framework/CodePage.h"
+#include "framework/text/CodePage.h"
 
 #include <windows.h>
 

@@ -1,8 +1,8 @@
 // Win32 file access: CreateFileW/ReadFile/WriteFile/SetFilePointerEx on handles,
 // FindFirstFileW/FindNextFileW for folders. All paths are wide.
-#include "framework/FileSystemSupport.h"
+#include "framework/io/FileSystemSupport.h"
 
-#include "framework/CString.h"
+#include "framework/text/CString.h"
 #include "framework/win32/Win32Path.h"
 
 #include <windows.h>

@@ -1,6 +1,6 @@
-#include "framework/LogPlatform.h"
+#include "framework/log/LogPlatform.h"
 
-#include "framework/IString.h"
+#include "framework/text/IString.h"
 
 #include <cstdio>
 #include <string>

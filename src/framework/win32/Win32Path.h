@@ -1,7 +1,7 @@
 #pragma once
 // Text conversions between framework strings and the wide strings of the Win32 API.
 
-#include "framework/P.h"
+#include "framework/objects/P.h"
 
 #include <string>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "framework/CFileValueStore.h"
+#include "framework/values/CFileValueStore.h"
 
 namespace kore {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "framework/TValueStoreFactory.h"
+#include "framework/values/TValueStoreFactory.h"
 #include "framework/xml/CXmlValueStore.h"
 
 namespace kore {

@@ -1,7 +1,7 @@
 // A loadable module with its own copy of the framework: the test loads it, makes it create four
 // services (one of them inside another's creation), unloads it, and watches the services die in
 // reverse order of their creation.
-#include "framework/CGlobalObjFactory.h"
+#include "framework/objects/CGlobalObjFactory.h"
 
 #if defined(_WIN32)
 #define MODULE_EXPORT extern "C" __declspec(dllexport)

@@ -1,8 +1,8 @@
 // The POSIX code page is Windows-1252 both ways; glibc's iconv is an independent oracle for it.
 
-#include "framework/CCPCharEncoding.h"
-#include "framework/CCPString.h"
-#include "framework/CUTF16String.h"
+#include "framework/text/CCPCharEncoding.h"
+#include "framework/text/CCPString.h"
+#include "framework/text/CUTF16String.h"
 
 #include <gtest/gtest.h>
 

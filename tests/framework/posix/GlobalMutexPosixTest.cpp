@@ -1,6 +1,6 @@
 #include "../FrameworkTest.h"
 
-#include "framework/CException.h"
+#include "framework/errors/CException.h"
 #include "framework/posix/CGlobalMutexImpl.h"
 
 #include <random>

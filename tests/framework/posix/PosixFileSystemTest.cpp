@@ -2,12 +2,12 @@
 #include "../FrameworkTest.h"
 #include "../TempFolder.h"
 
-#include "framework/CLogManager.h"
-#include "framework/CURI.h"
-#include "framework/ILog.h"
-#include "framework/IInStream.h"
-#include "framework/IStreamManager.h"
-#include "framework/ISystem.h"
+#include "framework/log/CLogManager.h"
+#include "framework/io/CURI.h"
+#include "framework/log/ILog.h"
+#include "framework/io/IInStream.h"
+#include "framework/io/IStreamManager.h"
+#include "framework/io/ISystem.h"
 
 #include <unistd.h>
 

@@ -1,6 +1,6 @@
 #include "../FrameworkTest.h"
 
-#include "framework/Trace.h"
+#include "framework/log/Trace.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 // Decoding goes through the ANSI code page, encoding through the C runtime's current locale.
 
-#include "framework/CCPCharEncoding.h"
-#include "framework/CCPString.h"
-#include "framework/CUTF16String.h"
+#include "framework/text/CCPCharEncoding.h"
+#include "framework/text/CCPString.h"
+#include "framework/text/CUTF16String.h"
 
 #include <gtest/gtest.h>
 

@@ -2,10 +2,10 @@
 #include "../FrameworkTest.h"
 #include "../TempFolder.h"
 
-#include "framework/CURI.h"
-#include "framework/IInStream.h"
-#include "framework/IStreamManager.h"
-#include "framework/ISystem.h"
+#include "framework/io/CURI.h"
+#include "framework/io/IInStream.h"
+#include "framework/io/IStreamManager.h"
+#include "framework/io/ISystem.h"
 
 namespace kore_test {
 

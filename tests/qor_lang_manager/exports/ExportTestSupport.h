@@ -7,8 +7,8 @@
 #include "qor_lang2.h"
 
 #include "../../framework/TempFolder.h"
-#include "framework/CString.h"
-#include "framework/CURI.h"
+#include "framework/text/CString.h"
+#include "framework/io/CURI.h"
 #include "qor_lang_manager/CLanguageFileWriter.h"
 
 #include <gtest/gtest.h>

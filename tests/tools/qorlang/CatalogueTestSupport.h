@@ -5,8 +5,8 @@
 #include "Catalogue.h"
 #include "Formats.h"
 
-#include "framework/CException.h"
-#include "framework/IString.h"
+#include "framework/errors/CException.h"
+#include "framework/text/IString.h"
 
 #include <gtest/gtest.h>
 

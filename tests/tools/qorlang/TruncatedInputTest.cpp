@@ -2,7 +2,7 @@
 // read past the end (the sanitizer build watches), and a language file cut anywhere is refused.
 #include "Formats.h"
 
-#include "framework/CException.h"
+#include "framework/errors/CException.h"
 
 #include <gtest/gtest.h>
 

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "framework/text/CUTF16CharEncoding.h"
+#include "framework/text/CString.h"
+
+namespace kore {
+
+// A string in UTF-16.
+class CUTF16String : public TTypedString<CUTF16CharEncoding, char16_t> {
+public:
+    using TTypedString::TTypedString;
+};
+
+} // namespace kore

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "framework/text/CUTF32CharEncoding.h"
+#include "framework/text/CString.h"
+
+namespace kore {
+
+// A string in UTF-32.
+class CUTF32String : public TTypedString<CUTF32CharEncoding, char32_t> {
+public:
+    using TTypedString::TTypedString;
+};
+
+} // namespace kore

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "framework/text/CUTF8CharEncoding.h"
+#include "framework/text/CString.h"
+
+namespace kore {
+
+// A string in UTF-8.
+class CUTF8String : public TTypedString<CUTF8CharEncoding, char> {
+public:
+    using TTypedString::TTypedString;
+};
+
+} // namespace kore

@@ -1,0 +1,159 @@
+#include "FrameworkTest.h"
+
+#include "framework/values/CValueList.h"
+#include "framework/containers/TSimpleHashTable.h"
+
+#include <limits>
+#include <utility>
+
+namespace {
+
+using namespace kore_test;
+
+// Integer keys that hash to themselves, counting every hash and full comparison.
+struct CountingTraits : TSimpleHashKeyTraits<int> {
+    static inline int hashes = 0;
+    static inline int comparisons = 0;
+    static uint32_t hash(int key)
+    {
+        ++hashes;
+        return static_cast<uint32_t>(key);
+    }
+    static bool equals(int stored, int key)
+    {
+        ++comparisons;
+        return stored == key;
+    }
+};
+
+using CountingTable = TSimpleHashTable<int, int, CountingTraits>;
+
+std::vector<int> keysInOrder(CountingTable& t)
+{
+    std::vector<int> keys;
+    t.forEach([&](int key, int&) { keys.push_back(key); });
+    return keys;
+}
+
+TEST(SimpleHashTable, BucketCountFollowsTheGrowthRule)
+{
+    auto t = make<TSimpleHashTable<int, int>>(0.5, 2.0);
+    EXPECT_EQ(t->getBucketCount(), 0u);
+    t->set(1, 1);
+    EXPECT_EQ(t->getBucketCount(), 10u) << "the first insertion creates 10 buckets";
+    for (int i = 2; i <= 4; ++i)
+        t->set(i, i);
+    EXPECT_EQ(t->getBucketCount(), 10u);
+    t->set(5, 5); // count + 1 = 5 reaches 10 x 0.5
+    EXPECT_EQ(t->getBucketCount(), 20u);
+    t->set(5, 50); // a replacement never rehashes
+    EXPECT_EQ(t->getBucketCount(), 20u);
+
+    // A factor of 1.0 still grows by one bucket; 1.5 truncates.
+    auto one = make<TSimpleHashTable<int, int>>(1.0, 1.0);
+    std::vector<uint32_t> sizes;
+    for (int i = 0; i < 12; ++i) {
+        one->set(i, i);
+        if (sizes.empty() || sizes.back() != one->getBucketCount())
+            sizes.push_back(one->getBucketCount());
+    }
+    EXPECT_EQ(sizes, (std::vector<uint32_t>{10, 11, 12, 13}));
+    auto half = make<TSimpleHashTable<int, int>>(0.75, 1.5);
+    half->rehash();
+    half->rehash();
+    half->rehash();
+    EXPECT_EQ(half->getBucketCount(), 22u);
+}
+
+TEST(SimpleHashTable, StoredHashesSpareRehashingAndComparisons)
+{
+    auto t = make<CountingTable>(1.0, 1.1);
+    t->set(1, 10);
+    t->set(111, 1110); // bucket 1 of 10, in front of 1
+    t->set(5, 50);
+    t->set(21, 210); // bucket 1 as well, different hash
+    EXPECT_EQ(keysInOrder(*t), (std::vector<int>{21, 111, 1, 5}));
+    CountingTraits::comparisons = 0;
+    EXPECT_EQ(*t->find(1), 10);
+    EXPECT_EQ(t->find(31), nullptr);
+    EXPECT_EQ(CountingTraits::comparisons, 1) << "keys are compared only when the stored hashes match";
+
+    CountingTraits::hashes = 0;
+    t->rehash(); // 11 buckets: 1 and 111 land together again, in reverse order
+    EXPECT_EQ(t->getBucketCount(), 11u);
+    EXPECT_EQ(CountingTraits::hashes, 0) << "keys must not be hashed again";
+    EXPECT_EQ(keysInOrder(*t), (std::vector<int>{1, 111, 5, 21}));
+    for (int key : {1, 111, 5, 21})
+        EXPECT_EQ(*t->find(key), key * 10);
+    EXPECT_EQ(CountingTraits::hashes, 4) << "lookups do hash";
+}
+
+// Keys hash to one of three values: three long chains, where only full comparison tells keys apart.
+struct CollidingTraits : TSimpleHashKeyTraits<int> {
+    static uint32_t hash(int key) { return static_cast<uint32_t>(key % 3); }
+};
+
+TEST(SimpleHashTable, CollidingKeysStayDistinctAndValuesAreReleasedByReplaceRemoveClearAndDestruction)
+{
+    std::vector<P<CObject>> values;
+    auto t = make<TSimpleHashTable<int, P<CObject>, CollidingTraits>>();
+    for (int i = 0; i < 50; ++i)
+        t->set(i, values.emplace_back(make<CObject>()));
+    t->set(0, nullptr);
+    EXPECT_TRUE(t->remove(25));
+    EXPECT_FALSE(t->remove(25));
+    EXPECT_EQ(t->getCount(), 49u);
+    for (int i = 0; i < 50; ++i) {
+        if (i == 25)
+            EXPECT_EQ(t->find(i), nullptr);
+        else
+            EXPECT_EQ(t->find(i)->get(), i == 0 ? nullptr : values[i].get()) << i;
+        EXPECT_EQ(values[i]->getRefCount(), i == 0 || i == 25 ? 1 : 2) << i;
+    }
+    const uint32_t buckets = t->getBucketCount();
+    t->clear();
+    for (const P<CObject>& v : values)
+        EXPECT_EQ(v->getRefCount(), 1);
+    EXPECT_EQ(t->getCount(), 0u);
+    EXPECT_EQ(t->getBucketCount(), buckets);
+    t->set(9, values[9]);
+    t = nullptr;
+    EXPECT_EQ(values[9]->getRefCount(), 1);
+}
+
+TEST(SimpleHashTable, StringKeysCompareExactlyByCodePointAcrossEncodings)
+{
+    auto t = make<TSimpleHashTable<P<IString>, int>>();
+    t->set(CString::fromUTF8("Grüße"), 1);
+    t->set(CString::fromUTF8("grüße"), 2);
+    t->set(CString::fromUTF8("Grüß"), 3);
+    EXPECT_EQ(t->getCount(), 3u);
+    EXPECT_EQ(*t->find(*make<CUTF16String>(u"Grüße")), 1);
+    EXPECT_EQ(*t->find(*make<CLatin1String>("Gr\xfc\xdf" "e")), 1);
+    EXPECT_EQ(*t->find(*make<CUTF32String>(U"grüße")), 2);
+    EXPECT_EQ(t->find(*CString::fromUTF8("GRÜSSE")), nullptr);
+    EXPECT_FALSE(t->set(make<CUTF16String>(u"Grüß"), 30));
+    EXPECT_EQ(*t->find(*CString::fromUTF8("Grüß")), 30);
+    EXPECT_THROW(t->set(nullptr, 0), CInvalidArgError);
+    EXPECT_THROW((TSimpleHashTable<int, int>(0.0, 2.0)), CInvalidArgError);
+    EXPECT_THROW((TSimpleHashTable<int, int>(0.75, std::numeric_limits<double>::quiet_NaN())),
+                 CInvalidArgError);
+}
+
+TEST(ValueList, TellsAbsentFromPresentAndStringsFromOtherValues)
+{
+    auto list = make<CValueList>();
+    auto object = make<CObject>();
+    list->set("alpha", CString::fromUTF8("one"));
+    EXPECT_EQ(list->peekString("alpha")->toUTF8(), "one");
+    list->set(u"alpha", object);
+    EXPECT_EQ(list->get("alpha"), object);
+    EXPECT_EQ(list->peekString("alpha"), nullptr) << "not a string";
+    EXPECT_EQ(list->get("Alpha"), nullptr);
+    EXPECT_THROW(list->set("beta", nullptr), CInvalidArgError);
+    EXPECT_EQ(list->getCount(), 1u);
+    list->clear();
+    EXPECT_EQ(object->getRefCount(), 1);
+}
+
+} // namespace

@@ -1,0 +1,118 @@
+#include "FrameworkTest.h"
+
+#include "framework/errors/CCastError.h"
+#include "framework/errors/CEndOfEnumError.h"
+#include "framework/errors/CEndOfStreamError.h"
+#include "framework/errors/CFileAccessDeniedError.h"
+#include "framework/errors/CFileNotFoundError.h"
+#include "framework/errors/CInvalidObjectStateError.h"
+#include "framework/errors/CInvalidVolumeIDError.h"
+#include "framework/errors/CJsonParserError.h"
+#include "framework/errors/CMethodNotImplementedError.h"
+#include "framework/errors/CNoSuchObjectError.h"
+#include "framework/errors/COutOfmemoryException.h"
+#include "framework/errors/CParseError.h"
+#include "framework/errors/CReadOnlyError.h"
+#include "framework/errors/CStreamClosedError.h"
+#include "framework/io/CURI.h"
+#include "framework/errors/CURIFormatError.h"
+#include "framework/errors/CURITypeNotSupportedError.h"
+#include "framework/objects/IComparable.h"
+
+#include <functional>
+#include <typeinfo>
+
+namespace kore_test {
+
+// Every error class with the texts it builds when no translation exists; its clone must be a new
+// error of the same class with the same texts, the same object or URI, and a count of 1.
+TEST(Errors, TextsOfEveryClassAndClonesThatMatchThem)
+{
+    const P<CObject> object = make<CObject>();
+    const P<CURI> uri = CURI::fromURIText("file:///data/a.txt");
+    const std::string u = uri->toString()->toUTF8();
+    struct Row {
+        const char* name;
+        std::function<P<CException>()> make;
+        std::string general, description;
+    };
+    const std::vector<Row> rows = {
+        {"exception", [] { return make<CException>("G", "D"); }, "G", "D"},
+        {"error", [] { return make<CError>("G", "D"); }, "G", "D"},
+        {"error, empty texts", [] { return make<CError>("", ""); }, "Error", "Unspecified error"},
+        {"out of memory", [] { return make<COutOfmemoryException>(); }, "OutOfMemory", "Unspecified error"},
+        {"object error, given description",
+         [&] { return make<CObjectError>(object.get(), "<%OBJECTDESC%|%OBJECTDESC%>", "given"); },
+         "Object error", "<given|given>"},
+        {"object error, the object's own", [&] { return make<CObjectError>(object.get(), "<%OBJECTDESC%>"); },
+         "Object error", "<class kore::CObject object>"},
+        {"object error, no object", [] { return make<CObjectError>(nullptr, "<%OBJECTDESC%>"); },
+         "Object error", "<unknown object>"},
+        {"cast", [&] { return make<CCastError>(object.get(), typeid(IComparable)); }, "Cast error",
+         "Error casting a 'class kore::CObject' object to 'class kore::IComparable'."},
+        {"invalid argument", [&] { return make<CInvalidArgError>(object.get(), "m", "a"); }, "Object error",
+         "An invalid argument was passed to method 'm' of 'class kore::CObject object': a"},
+        {"not implemented, unnamed", [&] { return make<CMethodNotImplementedError>(object.get(), ""); },
+         "Object error", "Method not implemented (unspecified method.)"},
+        {"invalid state", [&] { return make<CInvalidObjectStateError>(object.get(), "closed"); },
+         "Object error", "The object is in an invalid state (closed)."},
+        {"end of enumeration", [&] { return make<CEndOfEnumError>(object.get()); }, "Object error",
+         "end of enumeration already reached"},
+        {"no such object", [] { return make<CNoSuchObjectError>("name"); }, "Error", "No such object."},
+        {"read-only", [] { return make<CReadOnlyError>("the table"); }, "Error",
+         "The object (the table) is read-only and cannot be changed."},
+        {"parse", [] { return make<CParseError>("p"); }, "Parse error", "p"},
+        {"json", [] { return make<CJsonParserError>("j"); }, "JSONParser Error", "j"},
+        {"volume id", [] { return make<CInvalidVolumeIDError>("Q:"); }, "Invalid Volume ID Error",
+         "Invalid volume id: Q:"},
+        {"uri", [&] { return make<CURIError>(uri.get(), "G", "D"); }, "G", "D"},
+        {"uri format", [&] { return make<CURIFormatError>(uri.get()); }, "The URI has an invalid format.",
+         "The URI ('" + u + "') has an invalid format."},
+        {"uri type", [&] { return make<CURITypeNotSupportedError>(uri.get()); },
+         "This type URI is not supported.", "This type of URI ('" + u + "') is not supported."},
+        {"file", [&] { return make<CFileError>(uri.get(), "D"); }, "FileError", "D"},
+        {"file not found", [&] { return make<CFileNotFoundError>(uri.get()); }, "The file was not found.",
+         "The file '" + u + "' was not found."},
+        {"access denied", [&] { return make<CFileAccessDeniedError>(uri.get()); }, "FileError",
+         "The access of the file '" + u + "' was denied."},
+        {"stream", [&] { return make<CStreamError>(uri.get(), "G", "D"); }, "G", "D"},
+        {"end of stream", [&] { return make<CEndOfStreamError>(uri.get(), "G"); }, "G",
+         "Unexpected end of data stream (uri: '" + u + "')"},
+        {"end of stream, no uri", [] { return make<CEndOfStreamError>(nullptr, "G"); }, "G",
+         "Unexpected end of data stream."},
+        {"stream closed", [&] { return make<CStreamClosedError>(uri.get(), "G"); }, "G",
+         "The stream has been closed."},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        const P<CException> error = row.make();
+        EXPECT_EQ(error->getGeneralDescription()->toUTF8(), row.general);
+        EXPECT_EQ(error->getDescription()->toUTF8(), row.description);
+        EXPECT_STREQ(error->what(), row.description.c_str());
+
+        const P<CException> copy = error->clone();
+        ASSERT_TRUE(copy);
+        EXPECT_NE(copy.get(), error.get());
+        EXPECT_EQ(typeid(*copy), typeid(*error));
+        EXPECT_EQ(copy->getRefCount(), 1);
+        EXPECT_EQ(copy->getGeneralDescription()->toUTF8(), row.general);
+        EXPECT_EQ(copy->getDescription()->toUTF8(), row.description);
+        if (const auto* e = dynamic_cast<const CObjectError*>(error.get())) {
+            EXPECT_EQ(dynamic_cast<const CObjectError&>(*copy).getObject(), e->getObject());
+        }
+        if (const auto* e = dynamic_cast<const CURIError*>(error.get())) {
+            EXPECT_EQ(dynamic_cast<const CURIError&>(*copy).getURI(), e->getURI());
+        }
+    }
+}
+
+// what() hands the description over in the process code page: one byte per character of
+// Latin-1, no UTF-8 (characters beyond it depend on the host's page and locale).
+TEST(Errors, WhatOfANonAsciiDescriptionIsInTheCodePage)
+{
+    const CError error("G", u"Gr\u00f6\u00dfe 5");
+    EXPECT_EQ(std::string(error.what()), "Gr\xf6\xdf" "e 5");
+    EXPECT_EQ(error.what(), error.what()) << "converted once and kept";
+}
+
+} // namespace kore_test

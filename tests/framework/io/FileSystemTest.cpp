@@ -1,0 +1,159 @@
+#include "FolderNames.h"
+#include "FrameworkTest.h"
+#include "TempFolder.h"
+
+#include "framework/errors/CEndOfEnumError.h"
+#include "framework/errors/CFileNotFoundError.h"
+#include "framework/io/CFileSystemManager.h"
+#include "framework/io/CURI.h"
+#include "framework/errors/CURIFormatError.h"
+#include "framework/errors/CURITypeNotSupportedError.h"
+#include "framework/io/IInStream.h"
+#include "framework/io/IStreamManager.h"
+#include "framework/io/ISystem.h"
+
+namespace kore_test {
+
+// One matching is the same on every platform: no Windows dialect ("*.*" needs a dot, "?" is
+// exactly one character, also outside the BMP), and case counts unless told otherwise.
+TEST(FileNamePattern, WildcardsMeanTheSameEverywhere)
+{
+    struct Case {
+        const char16_t* name;
+        const char16_t* pattern;
+        bool ignoreCase;
+        bool matches;
+    };
+    const Case cases[] = {
+        {u"app-de-DE.qorlang", u"app*.qorlang", false, true},  {u"app.qorlang", u"app*.qorlang", false, true},
+        {u"app-de-DE.qorlang.bak", u"app*.qorlang", false, false},
+        {u"myapp-de-DE.qorlang", u"app*.qorlang", false, false}, {u"", u"*", false, true},
+        {u"help_de-DE.pdf", u"help_de-DE.pdf", false, true},   {u"help_de-DE.pdf", u"help_de-DE.pd", false, false},
+        {u"", u"?", false, false},                             {u"abcbcd", u"a*bcd", false, true},
+        {u"aXbYc", u"a*b*c", false, true},                     {u"aXbY", u"a*b*c", false, false},
+        {u"x", u"***x**", false, true},                        {u"README", u"*.*", false, false},
+        {u"ab", u"ab?", false, false},                         {u"日本.txt", u"??.txt", false, true},
+        {u"\U0001F600.txt", u"?.txt", false, true},            {u"APP-de-DE.QORLANG", u"app*.qorlang", false, false},
+        {u"APP-de-DE.QORLANG", u"app*.qorlang", true, true},   {u"Help_DE.PDF", u"help_??.pdf", true, true},
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(CFileSystemManager::matches(CUTF16String(c.name), CUTF16String(c.pattern), c.ignoreCase), c.matches)
+            << CUTF16String(c.name).toUTF8() << " ~ " << CUTF16String(c.pattern).toUTF8();
+    }
+}
+
+// As NTFS compares upper-cased names, "_" (after "Z") sorts after the letters; names equal but
+// for case still have a fixed order.
+TEST(FileNamePattern, OrderIsByNameInUpperCase)
+{
+    const auto compare = [](const char16_t* a, const char16_t* b) {
+        return CFileSystemManager::compareNames(CUTF16String(a), CUTF16String(b));
+    };
+    for (const auto& [a, b] : {std::pair{u"a", u"B"}, {u"app", u"app-de"}, {u"ab", u"a_"}, {u"z", u"ä"}, {u"A", u"a"}})
+        EXPECT_LT(compare(a, b), 0) << CUTF16String(a).toUTF8() << " < " << CUTF16String(b).toUTF8();
+    EXPECT_EQ(compare(u"x", u"x"), 0);
+}
+
+class FileSystem : public ::testing::Test {
+protected:
+    CTempFolder temp;
+    const char* const kFolder = "Sprachdateien äöü/日本";
+    P<IURI> folder;
+
+    void SetUp() override
+    {
+        temp.makeFolder(kFolder);
+        // Created out of order, so that the order seen is the enumeration's own.
+        for (const char* name : {"app-fr-FR.qorlang", "app-de-DE.qorlang", "other-de-DE.qorlang", "app_notes.txt",
+                                 "help_en-US.pdf", "help_de-DE.pdf", "app-en-US.qorlang", "app-zz ä 100%.qorlang"})
+            temp.writeFile(std::string(kFolder) + "/" + name, name);
+        temp.makeFolder(std::string(kFolder) + "/app-folder.qorlang");
+        folder = temp.uri(kFolder);
+    }
+};
+
+TEST_F(FileSystem, EnumerationFindsMatchingEntriesInNameOrder)
+{
+    EXPECT_EQ(names(folder, u"app*.qorlang"), (std::vector<std::string>{"app-de-DE.qorlang", "app-en-US.qorlang",
+                                                                        "app-folder.qorlang/", "app-fr-FR.qorlang",
+                                                                        "app-zz ä 100%.qorlang"}));
+    EXPECT_EQ(names(folder, u"*").size(), 9u);
+    // Each entry's URI is the folder's resolved with the entry's name, and opens the very file.
+    for (P<IFileEnum> found = IFileSystemManager::instance()->enumerate(*folder, u"app*"); found->hasNext();) {
+        const P<IFileEntry> entry = found->next();
+        const std::string name = entry->getName()->toUTF8();
+        const P<IString> uri = entry->getURI()->toString();
+        EXPECT_EQ(uri->toUTF8(), folder->resolve(entry->getName(), entry->isFolder())->toString()->toUTF8()) << name;
+        if (entry->isFolder())
+            continue;
+        P<IStream> stream = IStreamManager::instance()->openURI(*CURI::fromURIText(uri), IStreamManager::kRead);
+        std::string content(name.size(), '\0');
+        cast<IInStream>(stream)->read(content.data(), static_cast<uint32_t>(content.size()));
+        EXPECT_EQ(content, name);
+    }
+}
+
+TEST_F(FileSystem, EnumerationIsASnapshotWithAnEnd)
+{
+    P<IFileEnum> found = IFileSystemManager::instance()->enumerate(*folder, "help*");
+    EXPECT_EQ(found->getCount(), 2u);
+    temp.writeFile(std::string(kFolder) + "/help_fr-FR.pdf", "");
+    EXPECT_EQ(found->next()->getName()->toUTF8(), "help_de-DE.pdf");
+    EXPECT_EQ(found->next()->getName()->toUTF8(), "help_en-US.pdf");
+    EXPECT_FALSE(found->hasNext());
+    EXPECT_THROW(found->next(), CEndOfEnumError);
+    found->reset();
+    EXPECT_EQ(found->next()->getName()->toUTF8(), "help_de-DE.pdf");
+    // A new enumeration sees the new file.
+    EXPECT_EQ(names(folder, u"help*").size(), 3u);
+}
+
+TEST_F(FileSystem, EnumerationErrors)
+{
+    const auto files = IFileSystemManager::instance();
+    const P<IURI> missing = folder->resolve("missing", true);
+    expectThrown<CFileNotFoundError>([&] { files->enumerate(*missing, "*"); }, [&](const CFileNotFoundError& e) {
+        EXPECT_EQ(e.getDescription()->toUTF8(), "The file '" + missing->toString()->toUTF8() + "' was not found.");
+        EXPECT_EQ(e.getURI(), missing);
+    });
+    EXPECT_THROW(files->enumerate(*folder->resolve("help_de-DE.pdf"), "*"), CFileNotFoundError) << "a file is no folder";
+    EXPECT_THROW(files->enumerate(*CURI::fromURIText("http://example.com/"), "*"), CURITypeNotSupportedError);
+    for (const char* bad : {"", "a/b", "a\\b"})
+        EXPECT_THROW(files->enumerate(*folder, bad), CInvalidArgError) << bad;
+}
+
+TEST_F(FileSystem, ExistenceTestTellsFilesFromFolders)
+{
+    const auto system = ISystem::instance();
+    // "" stands for the folder itself.
+    for (const auto& [name, isFile, isFolder] : {std::tuple{"app-de-DE.qorlang", true, false},
+                                                 {"app-folder.qorlang", false, true},
+                                                 {"", false, true},
+                                                 {"missing", false, false}}) {
+        const P<IURI> uri = *name ? folder->resolve(name) : folder;
+        EXPECT_EQ(system->fileExists(*uri), isFile) << name;
+        EXPECT_EQ(system->folderExists(*uri), isFolder) << name;
+    }
+    EXPECT_THROW(system->fileExists(*CURI::fromURIText("http://example.com/x")), CURITypeNotSupportedError);
+}
+
+TEST_F(FileSystem, PathServiceGivesFolderURIsToResolveIn)
+{
+    P<IPathes> pathes = IPathes::instance();
+    // With or without the trailing separator, the result is the same folder URI.
+    const P<IURI> plain = pathes->folderPathToURI(CString::fromUTF8(temp.utf8(kFolder)));
+    const P<IURI> slashed = pathes->folderPathToURI(CString::fromUTF8(temp.utf8(kFolder) + "/"));
+    EXPECT_TRUE(plain->isFolder());
+    EXPECT_EQ(plain->toString()->toUTF8(), slashed->toString()->toUTF8());
+    EXPECT_TRUE(plain->toString()->endsWith("/Sprachdateien%20%C3%A4%C3%B6%C3%BC/%E6%97%A5%E6%9C%AC/"));
+    EXPECT_TRUE(ISystem::instance()->fileExists(*plain->resolve("help_de-DE.pdf")));
+    // The local path comes back as the platform writes it.
+    EXPECT_EQ(pathFromUTF8(plain->getLocalPath()->toUTF8()), temp.path(kFolder) / "");
+
+    const P<IURI> tempFolder = pathes->getTempFolder();
+    EXPECT_TRUE(tempFolder->isFolder());
+    EXPECT_TRUE(ISystem::instance()->folderExists(*tempFolder));
+    EXPECT_THROW(pathes->folderPathToURI(""), CURIFormatError);
+}
+
+} // namespace kore_test

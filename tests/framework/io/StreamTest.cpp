@@ -1,0 +1,266 @@
+#include "FrameworkTest.h"
+#include "TempFolder.h"
+
+#include "framework/io/CDiskStream.h"
+#include "framework/errors/CEndOfStreamError.h"
+#include "framework/errors/CFileAccessDeniedError.h"
+#include "framework/errors/CFileNotFoundError.h"
+#include "framework/errors/CInvalidObjectStateError.h"
+#include "framework/io/CMemoryStream.h"
+#include "framework/errors/CReadOnlyError.h"
+#include "framework/errors/CStreamClosedError.h"
+#include "framework/io/CStreamManager.h"
+#include "framework/io/CURI.h"
+#include "framework/errors/CURIFormatError.h"
+#include "framework/errors/CURITypeNotSupportedError.h"
+
+#include <cstring>
+#include <random>
+
+namespace kore_test {
+
+namespace {
+
+P<IStream> open(const P<IURI>& uri, uint32_t mode)
+{
+    return IStreamManager::instance()->openURI(*uri, mode);
+}
+
+std::string readAll(const P<IStream>& stream)
+{
+    ISeekableInStream* in = cast<ISeekableInStream>(stream);
+    in->seek(0);
+    std::string content(static_cast<size_t>(in->getLength()), '\0');
+    in->read(content.data(), static_cast<uint32_t>(content.size()));
+    return content;
+}
+
+// The stream interfaces that `stream` can be cast to.
+std::string interfaces(const P<IStream>& stream)
+{
+    std::string found;
+    found += tryCast<IInStream>(stream) ? "in " : "";
+    found += tryCast<ISeekableInStream>(stream) ? "seekIn " : "";
+    found += tryCast<IOutStream>(stream) ? "out " : "";
+    found += tryCast<ISeekableOutStream>(stream) ? "seekOut " : "";
+    found += tryCast<IIOStream>(stream) ? "io " : "";
+    found += tryCast<ISeekableIOStream>(stream) ? "seekIO" : "";
+    return found;
+}
+
+} // namespace
+
+// Reading, writing, seeking and growing a memory stream are held to those of a disk stream by
+// the random comparison below, which seldom goes behind the end; the rest is checked here.
+TEST(MemoryStream, ErrorsInterfacesAndOnePosition)
+{
+    P<CMemoryStream> stream = make<CMemoryStream>("0123456789", 10);
+    EXPECT_EQ(interfaces(stream), "in seekIn out seekOut io seekIO");
+    EXPECT_EQ(stream->getURI(), nullptr);
+    // One position, starting at 0, whichever interface it is reached through.
+    EXPECT_EQ(stream->getPosition(), 0);
+    tryCast<ISeekableInStream>(stream)->seek(6);
+    EXPECT_EQ(tryCast<ISeekableOutStream>(stream)->getPosition(), 6);
+
+    char buffer[10] = {};
+    expectThrown<CEndOfStreamError>([&] { stream->read(buffer, 10); }, [](const CEndOfStreamError& e) {
+        EXPECT_EQ(e.getDescription()->toUTF8(), "Unexpected end of data stream.");
+        EXPECT_EQ(e.getURI(), nullptr);
+    });
+    EXPECT_EQ(stream->read(nullptr, 0), 0u) << "reading nothing always succeeds, even with no buffer";
+    // Behind the end a read finds nothing and a write leaves a gap of zeros.
+    stream->seek(12);
+    EXPECT_EQ(stream->readSome(buffer, 1), 0u);
+    EXPECT_EQ(stream->getLength(), 10);
+    stream->write("z", 1);
+    EXPECT_EQ(std::string(reinterpret_cast<const char*>(stream->getData()), 13), std::string("0123456789\0\0z", 13));
+    EXPECT_THROW(stream->seek(-1), CInvalidArgError);
+    EXPECT_THROW(stream->read(nullptr, 1), CInvalidArgError);
+    EXPECT_THROW(stream->write(nullptr, 1), CInvalidArgError);
+    EXPECT_THROW(make<CMemoryStream>(nullptr, 3), CInvalidArgError);
+    stream->close();
+    EXPECT_EQ(descriptionOf<CStreamClosedError>([&] { stream->read(buffer, 1); }), "The stream has been closed.");
+}
+
+class DiskStream : public ::testing::Test {
+protected:
+    CTempFolder temp;
+    const char* const kFolder = "Sprachdateien äöü/日本";
+
+    void SetUp() override { temp.makeFolder(kFolder); }
+    P<IURI> fileURI(const char* utf8Name) const { return temp.uri(kFolder)->resolve(CString::fromUTF8(utf8Name)); }
+};
+
+TEST_F(DiskStream, WrittenFileHasTheNameOfItsURIAndReadsBack)
+{
+    const std::string name = std::string(kFolder) + "/A-de-DE 100% #1.qorlang";
+    const std::string content("URESFILE\0", 9);
+    const P<IURI> uri = fileURI("A-de-DE 100% #1.qorlang");
+    P<IStream> out = open(uri, IStreamManager::kWrite);
+    cast<IOutStream>(out)->write(content.data(), 9);
+    EXPECT_EQ(out->getLength(), 9);
+    out->close();
+    EXPECT_EQ(temp.readFile(name), content);
+
+    P<IStream> in = open(uri, IStreamManager::kRead);
+    EXPECT_EQ(in->getURI(), uri);
+    EXPECT_EQ(readAll(in), content);
+    P<IStream> byPath = IStreamManager::instance()->openPath(CString::fromUTF8(temp.utf8(name)), IStreamManager::kRead);
+    EXPECT_EQ(readAll(byPath), content);
+}
+
+TEST_F(DiskStream, SmallReadsAndWritesAreBuffered)
+{
+    std::string content(10000, '\0');
+    for (size_t i = 0; i < content.size(); ++i)
+        content[i] = static_cast<char>('a' + i % 26);
+    temp.writeFile("ten-thousand.bin", content);
+
+    P<CDiskStream> in = make<CDiskStream>(*temp.uri()->resolve("ten-thousand.bin"), CDiskStream::kRead);
+    std::string seen(content.size(), '\0');
+    for (char& c : seen)
+        ASSERT_EQ(in->read(&c, 1), 1u);
+    EXPECT_EQ(seen, content);
+    EXPECT_LE(in->getSystemReadCount(), 2u);
+
+    P<CDiskStream> out = make<CDiskStream>(*temp.uri()->resolve("written.bin"), CDiskStream::kWrite);
+    for (char c : content)
+        out->write(&c, 1);
+    EXPECT_EQ(out->getSystemWriteCount(), 0u);
+    out = nullptr; // destruction flushes
+    EXPECT_EQ(temp.readFile("written.bin"), content);
+}
+
+TEST_F(DiskStream, ErrorsNameTheirURI)
+{
+    temp.writeFile("short.bin", "0123456789");
+    const P<IURI> shortFile = temp.uri()->resolve("short.bin");
+    P<IStream> stream = open(shortFile, IStreamManager::kRead);
+    char buffer[11] = {};
+    const auto readEleven = [&] { cast<IInStream>(stream)->read(buffer, 11); };
+    expectThrown<CEndOfStreamError>(readEleven, [&](const CEndOfStreamError& e) {
+        EXPECT_EQ(e.getDescription()->toUTF8(), "Unexpected end of data stream (uri: '" + shortFile->toString()->toUTF8() + "')");
+        EXPECT_EQ(e.getURI(), shortFile);
+    });
+    cast<ISeekableInStream>(stream)->seek(1000);
+    EXPECT_THROW(readEleven(), CEndOfStreamError) << "behind the end";
+
+    const P<IURI> missing = fileURI("missing.qorlang");
+    expectThrown<CFileNotFoundError>([&] { open(missing, IStreamManager::kRead); }, [&](const CFileNotFoundError& e) {
+        EXPECT_EQ(e.getGeneralDescription()->toUTF8(), "The file was not found.");
+        EXPECT_EQ(e.getDescription()->toUTF8(), "The file '" + missing->toString()->toUTF8() + "' was not found.");
+        EXPECT_EQ(e.getURI(), missing);
+    });
+    EXPECT_THROW(open(temp.uri("no such folder")->resolve("x"), IStreamManager::kWrite), CFileNotFoundError);
+    EXPECT_THROW(IStreamManager::instance()->openPath(CString::fromUTF8(temp.utf8("missing")), IStreamManager::kRead),
+                 CFileNotFoundError);
+
+    // A folder is not a stream, on every platform.
+    const P<IURI> folder = temp.uri(kFolder);
+    for (uint32_t mode : {IStreamManager::kRead, IStreamManager::kWrite, IStreamManager::kReadWrite}) {
+        expectThrown<CFileAccessDeniedError>([&] { open(folder, mode); }, [&](const CFileAccessDeniedError& e) {
+            EXPECT_EQ(e.getGeneralDescription()->toUTF8(), "FileError");
+            EXPECT_EQ(e.getDescription()->toUTF8(),
+                      "The access of the file '" + folder->toString()->toUTF8() + "' was denied.");
+        });
+    }
+
+    EXPECT_THROW(open(CURI::fromURIText("http://example.com/x"), IStreamManager::kRead), CURITypeNotSupportedError);
+    EXPECT_THROW(open(fileURI("x"), 0), CInvalidArgError);
+    EXPECT_THROW(open(fileURI("x"), 4), CInvalidArgError);
+    EXPECT_THROW(IStreamManager::instance()->openPath("relative/x", IStreamManager::kRead), CURIFormatError);
+}
+
+TEST_F(DiskStream, ModesDecideContentAndInterfacesAndClosingEndsEverything)
+{
+    temp.writeFile("data.bin", "old content");
+    const P<IURI> uri = temp.uri()->resolve("data.bin");
+    P<IStream> reader = open(uri, IStreamManager::kRead);
+    EXPECT_EQ(interfaces(reader), "in seekIn ");
+    EXPECT_THROW(cast<CDiskStream>(reader)->write("x", 1), CReadOnlyError);
+    reader->close();
+
+    P<IStream> both = open(uri, IStreamManager::kReadWrite);
+    EXPECT_EQ(interfaces(both), "in seekIn out seekOut io seekIO");
+    ISeekableIOStream* io = cast<ISeekableIOStream>(both);
+    io->seek(4);
+    io->write("CONTENT!", 8);
+    both->close();
+    both->close();
+    EXPECT_EQ(temp.readFile("data.bin"), "old CONTENT!") << "read-write keeps the content; closing writes the rest";
+    char c = 0;
+    EXPECT_THROW(io->read(&c, 1), CStreamClosedError);
+    EXPECT_THROW(io->write(&c, 1), CStreamClosedError);
+    EXPECT_THROW(io->seek(0), CStreamClosedError);
+    EXPECT_THROW(io->flush(), CStreamClosedError);
+
+    P<IStream> writer = open(uri, IStreamManager::kWrite);
+    EXPECT_EQ(interfaces(writer), "out seekOut ");
+    EXPECT_EQ(writer->getLength(), 0);
+    EXPECT_THROW(cast<CDiskStream>(writer)->read(&c, 1), CInvalidObjectStateError);
+    writer->close();
+    EXPECT_EQ(temp.readFile("data.bin"), "");
+
+    EXPECT_EQ(open(temp.uri()->resolve("new.bin"), IStreamManager::kReadWrite)->getLength(), 0)
+        << "read-write creates a missing file";
+}
+
+// A random series of reads, writes and seeks of every size, small to larger than the buffer,
+// must leave a disk stream exactly like a memory stream given the same series. Reads that
+// cannot be satisfied must fail alike and move neither stream.
+TEST_F(DiskStream, BehavesLikeAMemoryStreamUnderRandomUse)
+{
+    std::mt19937 random(20240611);
+    P<CDiskStream> disk = make<CDiskStream>(*temp.uri()->resolve("random.bin"), CDiskStream::kReadWrite);
+    P<CMemoryStream> memory = make<CMemoryStream>();
+    std::vector<char> data(200000);
+    std::vector<char> fromDisk(data.size());
+    std::vector<char> fromMemory(data.size());
+    const auto size = [&]() -> uint32_t {
+        const uint32_t limits[] = {8, 2000, CDiskStream::kBufferSize + 100, static_cast<uint32_t>(data.size())};
+        const uint32_t limit = limits[random() % 4];
+        return random() % limit;
+    };
+    for (int step = 0; step < 2000; ++step) {
+        SCOPED_TRACE(step);
+        const uint32_t n = size();
+        switch (random() % 5) {
+        case 0:
+        case 1:
+            for (uint32_t i = 0; i < n; ++i)
+                data[i] = static_cast<char>(random());
+            ASSERT_EQ(disk->write(data.data(), n), memory->write(data.data(), n));
+            break;
+        case 2: {
+            const uint32_t got = disk->readSome(fromDisk.data(), n);
+            ASSERT_EQ(got, memory->readSome(fromMemory.data(), n));
+            ASSERT_EQ(0, std::memcmp(fromDisk.data(), fromMemory.data(), got));
+            break;
+        }
+        case 3:
+            if (memory->getPosition() + n <= memory->getLength()) {
+                disk->read(fromDisk.data(), n);
+                memory->read(fromMemory.data(), n);
+                ASSERT_EQ(0, std::memcmp(fromDisk.data(), fromMemory.data(), n));
+            } else {
+                ASSERT_THROW(disk->read(fromDisk.data(), n), CEndOfStreamError);
+                ASSERT_THROW(memory->read(fromMemory.data(), n), CEndOfStreamError);
+            }
+            break;
+        default: {
+            // One seek in four lands behind the end, where reads find nothing and change nothing.
+            const auto length = static_cast<uint32_t>(memory->getLength());
+            const int64_t to = random() % 4 == 0 ? length + 1 + random() % 1000 : random() % (length + 1);
+            disk->seek(to);
+            memory->seek(to);
+        }
+        }
+        ASSERT_EQ(disk->getPosition(), memory->getPosition());
+        ASSERT_EQ(disk->getLength(), memory->getLength());
+    }
+    disk->close();
+    EXPECT_EQ(temp.readFile("random.bin"),
+              std::string(reinterpret_cast<const char*>(memory->getData()), static_cast<size_t>(memory->getLength())));
+}
+
+} // namespace kore_test

@@ -1,0 +1,286 @@
+#include "FrameworkTest.h"
+
+#include "framework/objects/CInstanceWrapper.h"
+#include "framework/objects/CObject.h"
+#include "framework/objects/PC.h"
+#include "framework/objects/PFrail.h"
+#include "framework/objects/IComparable.h"
+#include "framework/objects/ISerializable.h"
+
+#include <atomic>
+#include <thread>
+
+namespace kore_test {
+
+class IFirst : public virtual IBase {
+public:
+    virtual int first() const = 0;
+};
+
+class ISecond : public virtual IBase {
+public:
+    virtual int second() const = 0;
+};
+
+// Counts destructions.
+class CCounted : public CObject, public IFirst {
+public:
+    static inline int destroyed = 0;
+
+    ~CCounted() override { ++destroyed; }
+    int first() const override { return 1; }
+
+    P<CCounted> child;
+};
+
+class CBoth : public CObject, public IFirst, public ISecond {
+public:
+    explicit CBoth(int value = 10) : value(value) {}
+    int first() const override { return value; }
+    int second() const override { return value + 10; }
+    int value;
+};
+
+// Answers castQuery as configured: refuse, redirect, or offer candidates.
+class CQuerying : public CObject, public IFirst {
+public:
+    bool refuse = false;
+    const IBase* redirect = nullptr;
+    const CCastCandidate* candidates = nullptr;
+
+    int first() const override { return 99; }
+    bool castQuery(const std::type_info&, const IBase*& r, const CCastCandidate*& c) const override
+    {
+        r = redirect;
+        c = candidates;
+        return !refuse;
+    }
+};
+
+static_assert(sizeof(P<CCounted>) == sizeof(void*) && sizeof(PC<CCounted>) == sizeof(void*));
+static_assert(sizeof(PFrail<CCounted>) <= 2 * sizeof(void*));
+
+class ObjectModel : public ::testing::Test {
+protected:
+    void SetUp() override { CCounted::destroyed = 0; }
+};
+
+TEST_F(ObjectModel, NewObjectIsOwnedByItsCreatorAndDiesOnce)
+{
+    auto* raw = new CCounted;
+    EXPECT_EQ(raw->getRefCount(), 1);
+    P<CCounted> owner = P<CCounted>::adopt(raw);
+    {
+        P<CCounted> copy = owner;
+        EXPECT_EQ(raw->getRefCount(), 2);
+    }
+    // An instance wrapper keeps it alive when no pointer is left.
+    IInstanceWrapper* wrapper = new CInstanceWrapper(raw);
+    owner.reset();
+    EXPECT_EQ(raw->getRefCount(), 1);
+    EXPECT_EQ(CCounted::destroyed, 0);
+    wrapper->deleteThis();
+    EXPECT_EQ(CCounted::destroyed, 1);
+}
+
+TEST_F(ObjectModel, CountIsParkedFarBelowZeroDuringDestruction)
+{
+    static std::vector<int32_t> seen;
+    seen.clear();
+    struct CRecording : CObject {
+        ~CRecording() override
+        {
+            seen.push_back(getRefCount());
+            P<CRecording> self(this);
+            seen.push_back(getRefCount());
+            self.reset();
+            seen.push_back(getRefCount());
+        }
+    };
+    make<CRecording>();
+    EXPECT_EQ(seen, (std::vector<int32_t>{-1000000, -999999, -1000000}));
+}
+
+TEST_F(ObjectModel, AssignmentIsSafeForSelfAndForPointeesKeptAliveByTheOldOne)
+{
+    P<CCounted> p = make<CCounted>();
+    CCounted* raw = p.get();
+    p = p;
+    EXPECT_EQ(raw->getRefCount(), 1);
+    EXPECT_EQ(CCounted::destroyed, 0);
+
+    // The only reference to the child is held by the parent: assigning the child over the
+    // parent must keep the child alive.
+    p->child = make<CCounted>();
+    p = p->child;
+    EXPECT_EQ(CCounted::destroyed, 1);
+    EXPECT_EQ(p->getRefCount(), 1);
+    EXPECT_EQ(p->first(), 1);
+}
+
+TEST_F(ObjectModel, FrailPointersNeverTouchTheCountStrongOnesDo)
+{
+    P<CCounted> owner = make<CCounted>();
+    CCounted* raw = owner.get();
+    {
+        PFrail<CCounted> frail(raw, kFrail);
+        PFrail<CCounted> copy = frail;
+        PFrail<CCounted> assigned;
+        assigned = copy;
+        EXPECT_FALSE(assigned.isStrong());
+        EXPECT_EQ(raw->getRefCount(), 1);
+    }
+    EXPECT_EQ(raw->getRefCount(), 1);
+    {
+        PFrail<CCounted> strong(raw);
+        PFrail<CCounted> copy = strong;
+        EXPECT_EQ(raw->getRefCount(), 3);
+        PFrail<CCounted> frail(raw, kFrail);
+        copy = frail; // takes over the frail flag and drops the strong reference it had
+        EXPECT_EQ(raw->getRefCount(), 2);
+    }
+    EXPECT_EQ(raw->getRefCount(), 1);
+    PFrail<CCounted> defaulted;
+    EXPECT_TRUE(defaulted.isStrong());
+    EXPECT_FALSE(defaulted);
+}
+
+// A chain whose nodes own the next one only through a strong frail pointer: walking it by
+// assignment frees each node as the walk leaves it, after its successor was taken.
+TEST_F(ObjectModel, StrongFrailAssignmentKeepsAPointeeHeldOnlyByTheOldOne)
+{
+    struct CNode : CObject {
+        ~CNode() override { ++CCounted::destroyed; }
+        PFrail<CNode> next;
+        int value = 0;
+    };
+    for (const bool moving : {false, true}) {
+        CCounted::destroyed = 0;
+        PFrail<CNode> cur(new CNode); // the node's first reference...
+        cur->release();               // ...handed over to the pointer
+        CNode* tail = cur.get();
+        for (int i = 1; i < 4; ++i) {
+            tail->next = PFrail<CNode>(new CNode);
+            tail->next->release();
+            tail = tail->next.get();
+            tail->value = i;
+        }
+        for (int i = 1; i < 4; ++i) {
+            if (moving)
+                cur = std::move(cur->next);
+            else
+                cur = cur->next;
+            ASSERT_EQ(cur->value, i) << (moving ? "move" : "copy");
+            EXPECT_EQ(cur->getRefCount(), 1);
+            EXPECT_EQ(CCounted::destroyed, i);
+        }
+        cur.reset();
+        EXPECT_EQ(CCounted::destroyed, 4);
+    }
+}
+
+TEST_F(ObjectModel, CastFindsInterfacesAndNamesBothTypesWhenItCannot)
+{
+    EXPECT_EQ(cast<IFirst>(static_cast<const IBase*>(nullptr)), nullptr);
+    EXPECT_EQ(tryCast<IFirst>(static_cast<const IBase*>(nullptr)), nullptr);
+
+    P<CBoth> both = make<CBoth>();
+    EXPECT_EQ(both->toString()->toUTF8(), "class kore_test::CBoth object");
+    EXPECT_EQ(cast<ISecond>(static_cast<const IBase*>(static_cast<IFirst*>(both.get())))->second(), 20);
+
+    P<CObject> plain = make<CObject>();
+    EXPECT_EQ(plain->toString()->toUTF8(), "class kore::CObject object");
+    EXPECT_EQ(tryCast<IFirst>(plain), nullptr);
+    expectThrown<CCastError>([&] { cast<IFirst>(plain); }, [&](const CCastError& e) {
+        const char* message = "Error casting a 'class kore::CObject' object to 'class kore_test::IFirst'.";
+        EXPECT_EQ(e.getDescription()->toUTF8(), message);
+        EXPECT_STREQ(e.what(), message);
+        EXPECT_EQ(e.getGeneralDescription()->toUTF8(), "Cast error");
+        EXPECT_EQ(e.getObject().get(), static_cast<IBase*>(plain.get()));
+    });
+}
+
+TEST_F(ObjectModel, CastQueryMayRefuseOrRedirect)
+{
+    P<CQuerying> q = make<CQuerying>();
+    q->refuse = true;
+    EXPECT_EQ(tryCast<IFirst>(q), nullptr) << "not even to its own interface";
+    EXPECT_THROW(cast<IFirst>(q), CCastError);
+
+    q->refuse = false;
+    P<CBoth> target = make<CBoth>();
+    q->redirect = static_cast<IFirst*>(target.get());
+    // The object implements IFirst itself, but a followed redirect wins; unfollowed, the object
+    // itself is tried.
+    EXPECT_EQ(cast<IFirst>(q)->first(), 10);
+    EXPECT_EQ(tryCast<IFirst>(q, true)->first(), 10);
+    EXPECT_EQ(tryCast<IFirst>(q, false)->first(), 99);
+    // A redirect that cannot be cast is a failed cast, with no fallback to the object.
+    P<CObject> dead = make<CObject>();
+    q->redirect = dead.get();
+    EXPECT_THROW(cast<IFirst>(q), CCastError);
+}
+
+// Threads share one object, count it up and down and drop their last references at about the
+// same time: no count is lost, and exactly one of them destroys the object.
+TEST_F(ObjectModel, CountingFromManyThreadsLosesNothingAndDestroysOnce)
+{
+    constexpr int kThreads = 4;
+    constexpr int kRounds = 20000;
+    std::vector<std::thread> threads;
+    std::atomic<int> ready{0};
+    {
+        P<CCounted> shared = make<CCounted>();
+        for (int t = 0; t < kThreads; ++t) {
+            threads.emplace_back([&ready, mine = shared] {
+                ++ready;
+                while (ready < kThreads)
+                    std::this_thread::yield();
+                for (int i = 0; i < kRounds; ++i) {
+                    P<CCounted> copy = mine;
+                    mine->addRef();
+                    mine->release();
+                }
+            });
+        }
+        while (ready < kThreads)
+            std::this_thread::yield();
+        EXPECT_GE(shared->getRefCount(), 1);
+    }
+    for (std::thread& t : threads)
+        t.join();
+    EXPECT_EQ(CCounted::destroyed, 1);
+}
+
+// Interfaces share one IBase, so one count serves all of them and a cast moves between them.
+TEST_F(ObjectModel, InterfacesOfOneObjectShareOneCount)
+{
+    struct CRecord : CObject, IComparable, ISerializable {
+        int32_t compareTo(const IComparable&) const override { return 0; }
+        void serialize(IOutStream&) const override {}
+        void deserialize(IInStream&) override {}
+    };
+    P<CRecord> record = make<CRecord>();
+    P<ISerializable> serializable = cast<ISerializable>(static_cast<const IBase*>(
+        static_cast<IComparable*>(record.get())));
+    EXPECT_EQ(static_cast<const IBase*>(serializable.get()), static_cast<const IBase*>(record.get()));
+    EXPECT_EQ(record->getRefCount(), 2);
+}
+
+// The first candidate that can be cast wins, and a candidate's own redirect is not followed.
+TEST_F(ObjectModel, CandidatesAreTriedInOrderWithoutFollowingTheirRedirects)
+{
+    P<CBoth> redirectTarget = make<CBoth>(30);
+    P<CQuerying> redirecting = make<CQuerying>();
+    redirecting->redirect = static_cast<IFirst*>(redirectTarget.get());
+    P<CBoth> second = make<CBoth>(10);
+    P<CBoth> third = make<CBoth>(50);
+    const CCastCandidate last{static_cast<ISecond*>(third.get()), nullptr};
+    const CCastCandidate middle{static_cast<ISecond*>(second.get()), &last};
+    const CCastCandidate first{static_cast<IFirst*>(redirecting.get()), &middle};
+    P<CQuerying> o = make<CQuerying>();
+    o->candidates = &first;
+    EXPECT_EQ(cast<ISecond>(o)->second(), 20);
+}
+
+} // namespace kore_test

@@ -1,0 +1,255 @@
+// JSON printing and parsing: layouts, escapes, number kinds, the exact failure messages, and
+// hostile input that must end in CJsonParserError.
+#include "FrameworkTest.h"
+#include "VariantTestSupport.h"
+
+#include "framework/values/CJsonParser.h"
+#include "framework/errors/CJsonParserError.h"
+#include "framework/values/CJsonPrinter.h"
+
+#include <limits>
+
+namespace kore_test {
+
+namespace {
+
+std::string printed(const P<IBase>& value, bool pretty = false)
+{
+    return make<CJsonPrinter>(pretty)->print(value.get())->toUTF8();
+}
+
+P<IBase> parsed(std::string_view utf8)
+{
+    return make<CJsonParser>()->parseUTF8(utf8);
+}
+
+// The description of the CJsonParserError that parsing `utf8` throws, "<no error>" if none.
+std::string parseFailure(std::string_view utf8)
+{
+    return descriptionOf<CJsonParserError>([&] { parsed(utf8); });
+}
+
+P<IBase> text(std::string_view utf8)
+{
+    return CString::fromUTF16(std::u16string(utf8.begin(), utf8.end()));
+}
+
+} // namespace
+
+TEST(JsonVariants, CastsTellTheKindsApart)
+{
+    const P<IBase> values[] = {make<CInt>(1), make<CInt64>(1), make<CDouble>(1), make<CBool>(true),
+                               make<CNull>(), make<CVariantMap>(), make<CVariantArray>()};
+    const char* expected[] = {"int 1", "int64 1", "double 1.0", "true", "null", "map{}", "[]"};
+    for (size_t i = 0; i < std::size(values); ++i)
+        EXPECT_EQ(describe(values[i]), expected[i]) << i;
+    EXPECT_EQ(tryCast<CVariantMap>(values[6]), nullptr);
+    EXPECT_EQ(tryCast<CVariantArray>(values[5]), nullptr);
+}
+
+TEST(JsonPrinter, ScalarsAndEscapes)
+{
+    struct Row {
+        P<IBase> value;
+        const char* compact;
+    };
+    const Row rows[] = {
+        {text("\\n"), R"("\\n")"},
+        {text("\x01"), "\"\x01\""},
+        {text("\"\b\f\n\r\t"), R"("\"\b\f\n\r\t")"},
+        {text("a/b\x1f\x7f"), "\"a/b\x1f\x7f\""},
+        {CString::fromUTF16(u"\u00e9\u0928\U0001F600"), "\"\u00e9\u0928\U0001F600\""},
+        {make<CInt>(std::numeric_limits<int32_t>::min()), "-2147483648"},
+        {make<CInt64>(std::numeric_limits<int64_t>::min()), "-9223372036854775808"},
+        {make<CInt64>(std::numeric_limits<int64_t>::max()), "9223372036854775807"},
+        {make<CDouble>(0.1), "0.1"},
+        {make<CDouble>(1e20), "1e+20"},
+        {make<CDouble>(2.0), "2"},
+        {make<CDouble>(1234567.0), "1.23457e+06"},
+        {make<CBool>(true), "true"},
+        {make<CBool>(false), "false"},
+        {make<CNull>(), "null"},
+        {nullptr, "null"},
+    };
+    for (const Row& row : rows) {
+        EXPECT_EQ(printed(row.value), row.compact);
+        EXPECT_EQ(printed(row.value, true), row.compact);
+    }
+    EXPECT_THROW(printed(make<CObject>()), CInvalidArgError);
+}
+
+TEST(JsonPrinter, ObjectsAndArraysCompactAndPretty)
+{
+    auto map = make<CVariantMap>();
+    map->set("b", make<CBool>(true));
+    map->set("a", make<CInt>(1));
+    EXPECT_EQ(printed(map), R"({"a":1,"b":true})");
+    EXPECT_EQ(printed(map, true), "{\n\t\"a\": 1,\n\t\"b\": true\n}");
+
+    // Keys in code-point order, escaped like strings; nested values at the deeper indent.
+    auto array = make<CVariantArray>();
+    array->add(make<CVariantMap>());
+    array->add(make<CVariantArray>());
+    array->add(nullptr);
+    auto outer = make<CVariantMap>();
+    outer->set(u"\u00e9", make<CInt>(3));
+    outer->set("Z\"", array);
+    outer->set("a", map);
+    EXPECT_EQ(printed(outer), R"({"Z\"":[{},[],null],"a":{"a":1,"b":true},"é":3})");
+    EXPECT_EQ(printed(outer, true), "{\n"
+                                    "\t\"Z\\\"\": [\n"
+                                    "\t\t{\n\n\t\t},\n"
+                                    "\t\t[\n\n\t\t],\n"
+                                    "\t\tnull\n"
+                                    "\t],\n"
+                                    "\t\"a\": {\n"
+                                    "\t\t\"a\": 1,\n"
+                                    "\t\t\"b\": true\n"
+                                    "\t},\n"
+                                    "\t\"é\": 3\n"
+                                    "}");
+    EXPECT_EQ(printed(make<CVariantMap>(), true), "{\n\n}");
+    EXPECT_EQ(printed(make<CVariantArray>(), true), "[\n\n]");
+
+    // A failure leaves nothing half-printed, and the printer stays usable.
+    auto printer = make<CJsonPrinter>(true);
+    std::u16string out = u"x";
+    array->add(make<CObject>());
+    EXPECT_THROW(printer->print(outer.get(), out), CInvalidArgError);
+    EXPECT_EQ(out, u"x");
+    EXPECT_EQ(printer->print(map.get())->toUTF8(), "{\n\t\"a\": 1,\n\t\"b\": true\n}");
+}
+
+TEST(JsonParser, NumberKinds)
+{
+    const std::pair<const char*, const char*> rows[] = {
+        {"0", "int 0"},
+        {"-0", "double -0.0"},
+        {"-0.0", "double -0.0"},
+        {"2147483647", "int 2147483647"},
+        {"-2147483648", "int -2147483648"},
+        {"2147483648", "int64 2147483648"},
+        {"-9223372036854775808", "int64 -9223372036854775808"},
+        {"9223372036854775808", "double 9.223372036854776e+18"},
+        {"1.5", "double 1.5"},
+        {"1E2", "double 100.0"},
+        {"-1e-2", "double -0.01"},
+        {"0e+1", "double 0.0"},
+        {"1e-400", "double 0.0"},
+        {"0.000000000000000000000000000000000000000000000000000000000000000001e-300", "double 0.0"},
+    };
+    for (const auto& [input, expected] : rows)
+        EXPECT_EQ(describe(parsed(input)), expected) << input;
+}
+
+TEST(JsonParser, StringsAndStructure)
+{
+    EXPECT_EQ(describe(parsed(R"("\"\\\/\b\f\n\r\t\u0041\u00e9")")), "string '\"\\/\b\f\n\r\tA\u00e9'");
+    EXPECT_EQ(describe(parsed(R"("\uD834\uDD1E")")), "string '\U0001D11E'");
+    // Surrogates without their partner.
+    EXPECT_EQ(describe(parsed(R"("\uDD1E\uD834x\uD834\u0041")")), "string '\uFFFD\uFFFDx\uFFFDA'");
+    EXPECT_EQ(describe(parsed(R"("\uD834")")), "string '\uFFFD'");
+    // Every UTF-8 character survives, also those led by E0 and F0.
+    EXPECT_EQ(describe(parsed("\"\u0928\u092e\u0938\u094d\u0924\u0947 \U0001F600 \u0800\"")),
+              "string '\u0928\u092e\u0938\u094d\u0924\u0947 \U0001F600 \u0800'");
+    EXPECT_EQ(describe(parsed(" \t\r\n true \n")), "true");
+    EXPECT_EQ(describe(parsed("false")), "false");
+    EXPECT_EQ(describe(parsed("null")), "null");
+
+    // Repeated keys keep the last value.
+    EXPECT_EQ(printed(parsed(R"( { "b" : [ 1 , { } , [ ] ] , "a" : 1 , "a" : "x" } )")),
+              R"({"a":"x","b":[1,{},[]]})");
+
+    // Parsing from a framework string directly.
+    EXPECT_EQ(describe(make<CJsonParser>()->parse(u"[\"\U0001F600\"]")), "[string '\U0001F600']");
+}
+
+TEST(JsonParser, FailuresAndTheirMessages)
+{
+    EXPECT_EQ(parseFailure("falsx"), "could not parse boolean value");
+    EXPECT_EQ(parseFailure("[tru]"), "could not parse boolean value");
+    EXPECT_EQ(parseFailure("fals"), "could not parse boolean value");
+    EXPECT_EQ(parseFailure(R"("\u12)"), "stream size to small for reading unicode char");
+    EXPECT_EQ(parseFailure(R"("\u)"), "stream size to small for reading unicode char");
+    EXPECT_EQ(parseFailure(R"("\u12G4")"), "could not parse unicode escaped string");
+    EXPECT_EQ(parseFailure(R"(["\uD834\u-123"])"), "could not parse unicode escaped string");
+    EXPECT_EQ(parseFailure("[1,]"), "expected a value at character 3");
+    EXPECT_EQ(parseFailure("[1"), "expected ',' or ']' in an array: the text ends at character 2");
+
+    const char* malformed[] = {
+        "", " ", "[", "]", "{", "{\"a\"}", "{\"a\":1,}", "{a:1}", "{\"a\" 1}", "[1 2]", "01", "-",
+        "1.", ".5", "1e", "1e+", "+1", "0x10", "NaN", "Infinity", "nul", "nulL", "\"abc",
+        "\"a\x01\"", "\"tab\there\"", "\"\\x\"", "\"\\", "[1]x", "1 2", "'a'", "\xEF\xBB\xBF{}",
+        "[\"\xC0\xAF\"]", "\"\xED\xA0\x80\"", "\"\xF4\x90\x80\x80\"", "\"\xE0\xA4\"", "\"\xFF\"",
+        "1e999", "-1e999",
+    };
+    for (const char* input : malformed) {
+        SCOPED_TRACE(input);
+        expectThrown<CJsonParserError>([&] { parsed(input); }, [](const CJsonParserError& e) {
+            EXPECT_EQ(e.getGeneralDescription()->toUTF8(), "JSONParser Error");
+        });
+    }
+}
+
+TEST(JsonParser, HostileInputEndsInAParserError)
+{
+    // The deepest nesting allowed parses; one level more fails, and so does nesting far beyond
+    // what the stack could take by recursion.
+    const auto nested = [](size_t depth, const char* open, const char* close) {
+        std::string s;
+        for (size_t i = 0; i < depth; ++i)
+            s += open;
+        for (size_t i = 0; i < depth; ++i)
+            s += close;
+        return s;
+    };
+    EXPECT_NO_THROW(parsed(nested(CJsonParser::kMaxDepth, "[", "]")));
+    EXPECT_NO_THROW(parsed(nested(CJsonParser::kMaxDepth, "{\"\":", "}").replace(
+        CJsonParser::kMaxDepth * 4, 0, "0")));
+    EXPECT_THROW(parsed(nested(CJsonParser::kMaxDepth + 1, "[", "]")), CJsonParserError);
+    EXPECT_THROW(parsed(std::string(100000, '[')), CJsonParserError);
+    EXPECT_THROW(parsed(nested(100000, "{\"a\":[", "]}")), CJsonParserError);
+
+    // Ten thousand digits: too large for any number variant.
+    EXPECT_THROW(parsed(std::string(10000, '7')), CJsonParserError);
+    EXPECT_EQ(describe(parsed("0." + std::string(10000, '3'))), "double 0.3333333333333333");
+    EXPECT_EQ(describe(parsed("0." + std::string(10000, '0') + "1")), "double 0.0");
+}
+
+TEST(JsonPrinter, NestingBeyondWhatTheParserReadsIsRefused)
+{
+    // Built in code, so no parser limited it; a map that holds itself would never end.
+    const auto nestedArrays = [](uint32_t depth) {
+        P<CVariantArray> outer = make<CVariantArray>();
+        for (uint32_t i = 1; i < depth; ++i) {
+            P<CVariantArray> next = make<CVariantArray>();
+            next->add(outer);
+            outer = next;
+        }
+        return P<IBase>(outer);
+    };
+    EXPECT_EQ(printed(parsed(printed(nestedArrays(CJsonParser::kMaxDepth)))),
+              std::string(CJsonParser::kMaxDepth, '[') + std::string(CJsonParser::kMaxDepth, ']'));
+    std::u16string out = u"kept";
+    EXPECT_THROW(make<CJsonPrinter>(true)->print(nestedArrays(CJsonParser::kMaxDepth + 1).get(), out),
+                 CInvalidArgError);
+    EXPECT_EQ(out, u"kept");
+
+    P<CVariantMap> self = make<CVariantMap>();
+    self->set(u"me", self);
+    EXPECT_THROW(printed(self), CInvalidArgError);
+    self->clear(); // breaks the cycle, so the map can be freed
+}
+
+TEST(JsonParser, PrintedTextReadsBackTheSame)
+{
+    const char* document = R"({"list":[1,-2147483649,0.5,-1e-07,-0.0,100000.0,1e300,true,false,null,"",[],{}],)"
+                           R"("text":"\\ \"q\" \n\t/ \u00e9\u0928\ud83d\ude00","nested":{"k":{"k":[[[]]]}}})";
+    for (bool pretty : {false, true}) {
+        const std::string once = printed(parsed(document), pretty);
+        EXPECT_EQ(printed(parsed(once), pretty), once);
+        EXPECT_EQ(printed(parsed(once), !pretty), printed(parsed(document), !pretty));
+    }
+}
+
+} // namespace kore_test

@@ -1,0 +1,186 @@
+// Value stores: typed values in value lists, round trips through the JSON and (where built) XML
+// stores, and the promise that a store never loses data.
+#include "FrameworkTest.h"
+#include "TempFolder.h"
+#include "VariantTestSupport.h"
+
+#include "framework/errors/CFileNotFoundError.h"
+#include "framework/values/CNull.h"
+#include "framework/io/CURI.h"
+#include "framework/errors/CURITypeNotSupportedError.h"
+#include "framework/values/IValueStore.h"
+#include "framework/values/IValueStoreFactory.h"
+#include "framework/values/IValueStoreManager.h"
+
+#include <cmath>
+#include <limits>
+
+namespace kore_test {
+
+namespace {
+
+P<IURI> fileURI(const CTempFolder& folder, const char* name)
+{
+    return CURI::fromLocalPath(CString::fromUTF8(folder.utf8(name)));
+}
+
+P<IValueStore> storeFor(const CTempFolder& folder, const char* name)
+{
+    return IValueStoreManager::instance()->createStore(*fileURI(folder, name));
+}
+
+constexpr const char* kStoreExtensions[] = {"json", "xml"};
+
+// Entries in the folder, by name.
+std::vector<std::string> folderContent(const CTempFolder& folder)
+{
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(folder.path()))
+        names.push_back(utf8FromPath(entry.path().filename()));
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+} // namespace
+
+TEST(ValueList, TypedValuesAndSwap)
+{
+    auto list = make<CValueList>();
+    list->setInteger("small", -5);
+    list->setInteger("large", int64_t{1} << 40);
+    list->setDouble("real", 0.25);
+    list->setBool("flag", false);
+    list->setString("text", u"\u00e9");
+    list->set("nested", make<CValueList>());
+    EXPECT_EQ(describe(*list), "list{flag=false;large=int64 1099511627776;nested=list{};real=double 0.25;"
+                               "small=int -5;text=string '\u00e9';}");
+    EXPECT_EQ(list->getInteger("large"), int64_t{1} << 40);
+    EXPECT_EQ(list->getDouble("small"), -5.0);
+    EXPECT_EQ(list->getBool("flag"), false);
+    EXPECT_EQ(list->getInteger("real"), std::nullopt);
+    EXPECT_EQ(list->getBool("text"), std::nullopt);
+    EXPECT_EQ(list->getDouble("missing"), std::nullopt);
+    EXPECT_NE(list->getList("nested"), nullptr);
+    EXPECT_EQ(list->getList("text"), nullptr);
+
+    auto other = make<CValueList>();
+    other->setBool("only", true);
+    list->swap(*other);
+    EXPECT_EQ(describe(*list), "list{only=true;}");
+    EXPECT_EQ(other->getCount(), 6u);
+    EXPECT_EQ(other->peekString("text")->toUTF8(), "\u00e9");
+}
+
+TEST(ValueStore, ManagerChoosesByExtension)
+{
+    CTempFolder folder;
+    P<IValueStoreManager>& manager = IValueStoreManager::instance();
+    EXPECT_NE(manager->getFactory(".JSON"), nullptr);
+    EXPECT_NE(manager->getFactory(".xml"), nullptr);
+    EXPECT_THROW(storeFor(folder, "values.ini"), CURITypeNotSupportedError);
+    EXPECT_THROW(storeFor(folder, "json"), CURITypeNotSupportedError);
+    const P<IValueStore> store = storeFor(folder, "Values.Json");
+    EXPECT_TRUE(store->getURI()->toString()->endsWith("Values.Json"));
+    EXPECT_EQ(store->getValueList()->getCount(), 0u);
+}
+
+TEST(ValueStore, RoundTripsKeepEveryValue)
+{
+    for (const char* extension : kStoreExtensions) {
+        SCOPED_TRACE(extension);
+        CTempFolder folder;
+        const std::string name = std::string("v\u00e4lues.") + extension;
+        const P<IValueStore> store = storeFor(folder, name.c_str());
+        CValueList& list = *store->getValueList();
+        list.setString("title", u"Gr\u00fc\u00dfe \u0928\u092e\u0938\u094d\u0924\u0947 \U0001F600 \u0800 <&>\"'");
+        list.setString("lines", " two\n\tlines \\ ");
+        list.setString("", "");
+        list.setString("control", "a\x01" "b\x1f\r\b\f");
+        list.setString("spaces", " \t\n");
+        list.setInteger("int", std::numeric_limits<int32_t>::min());
+        list.setInteger("int64", std::numeric_limits<int64_t>::min());
+        list.setDouble("pi", 3.141592653589793);
+        list.setDouble("tiny", 5e-324);
+        list.setDouble("two", 2.0);
+        list.setDouble("big", -1.7976931348623157e308);
+        list.setBool("yes", true);
+        list.set("none", make<CNull>());
+        auto nested = make<CValueList>();
+        nested->setString(u"\u043a\u043b\u044e\u0447", u"\u0437\u043d\u0430\u0447\u0435\u043d\u0438\u0435");
+        nested->set("deeper", make<CValueList>());
+        list.set("nested", nested);
+        auto map = make<CVariantMap>();
+        map->set("a", make<CDouble>(0.1));
+        auto array = make<CVariantArray>();
+        array->add(make<CInt>(1));
+        array->add(CString::fromUTF8("x"));
+        array->add(map);
+        array->add(make<CVariantArray>());
+        list.set("array", array);
+
+        store->store();
+        EXPECT_EQ(folderContent(folder), std::vector<std::string>{name});
+        const P<IValueStore> again = storeFor(folder, name.c_str());
+        again->load();
+        EXPECT_EQ(describe(*again->getValueList()), describe(list));
+
+        // Storing again replaces the file as a whole.
+        list.clear();
+        list.setInteger("only", 1);
+        store->store();
+        again->load();
+        EXPECT_EQ(describe(*again->getValueList()), "list{only=int 1;}");
+        EXPECT_EQ(folderContent(folder), std::vector<std::string>{name});
+    }
+}
+
+TEST(ValueStore, FailuresLoseNoData)
+{
+    for (const char* extension : kStoreExtensions) {
+        SCOPED_TRACE(extension);
+        const bool json = std::string(extension) == "json";
+        CTempFolder folder;
+        const std::string name = std::string("store.") + extension;
+        const P<IValueStore> store = storeFor(folder, name.c_str());
+        CValueList& list = *store->getValueList();
+        list.setString("kept", "yes");
+
+        // A missing file, and files that do not parse, leave the list as it was.
+        EXPECT_THROW(store->load(), CFileNotFoundError);
+        // Cut short, not a list, an unnamed entry or bad UTF-8, a value of the wrong form.
+        const char* broken[] = {
+            "",
+            json ? "{\"a\":" : "<values><value name=\"a\" type=\"int\">1</value>",
+            json ? "[1]" : "<other/>",
+            json ? "{\"a\":\"\xC3\"}" : "<values><value type=\"int\">1</value></values>",
+            json ? "{\"a\":1}x" : "<values><value name=\"a\" type=\"int\">x</value></values>",
+        };
+        for (const char* content : broken) {
+            SCOPED_TRACE(content);
+            folder.writeFile(name, content);
+            expectThrown<CFileError>([&] { store->load(); }, [&](const CFileError& e) {
+                ASSERT_NE(e.getURI(), nullptr);
+                EXPECT_TRUE(e.getURI()->toString()->equals(store->getURI()->toString()));
+                EXPECT_NE(e.getDescription()->find(store->getURI()->toString()), IString::kNotFound);
+            });
+            EXPECT_EQ(describe(list), "list{kept=string 'yes';}");
+        }
+
+        // A value the format cannot hold, or a folder that is gone, leaves the old file as it was
+        // and no temporary file behind.
+        store->store();
+        const std::string before = folder.readFile(name);
+        list.set("object", make<CObject>());
+        if (json)
+            list.setDouble("infinite", INFINITY);
+        EXPECT_THROW(store->store(), CInvalidArgError);
+        EXPECT_EQ(folder.readFile(name), before);
+        EXPECT_EQ(folderContent(folder), std::vector<std::string>{name});
+
+        const P<IValueStore> lost = storeFor(folder, (std::string("gone/x.") + extension).c_str());
+        EXPECT_THROW(lost->store(), CFileError);
+        EXPECT_EQ(folderContent(folder), std::vector<std::string>{name});
+    }
+}
+
+} // namespace kore_test
