@@ -61,7 +61,10 @@ void* operator new(std::size_t size)
         return p;
     throw std::bad_alloc();
 }
-void* operator new[](std::size_t size) { return operator new(size); }
+void* operator new[](std::size_t size)
+{
+    return operator new(size);
+}
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept
 {
     try {
@@ -70,19 +73,43 @@ void* operator new(std::size_t size, const std::nothrow_t&) noexcept
         return nullptr;
     }
 }
-void* operator new[](std::size_t size, const std::nothrow_t& tag) noexcept { return operator new(size, tag); }
-void operator delete(void* p) noexcept { std::free(p); }
-void operator delete[](void* p) noexcept { std::free(p); }
-void operator delete(void* p, std::size_t) noexcept { std::free(p); }
-void operator delete[](void* p, std::size_t) noexcept { std::free(p); }
+void* operator new[](std::size_t size, const std::nothrow_t& tag) noexcept
+{
+    return operator new(size, tag);
+}
+void operator delete(void* p) noexcept
+{
+    std::free(p);
+}
+void operator delete[](void* p) noexcept
+{
+    std::free(p);
+}
+void operator delete(void* p, std::size_t) noexcept
+{
+    std::free(p);
+}
+void operator delete[](void* p, std::size_t) noexcept
+{
+    std::free(p);
+}
 
 namespace {
 
-const QOR_LANG2_CHAR* w(const std::u16string& text) { return reinterpret_cast<const QOR_LANG2_CHAR*>(text.c_str()); }
+const QOR_LANG2_CHAR* w(const std::u16string& text)
+{
+    return reinterpret_cast<const QOR_LANG2_CHAR*>(text.c_str());
+}
 
-std::string utf8(const std::u16string& text) { return kore::encodeUTF8(text); }
+std::string utf8(const std::u16string& text)
+{
+    return kore::encodeUTF8(text);
+}
 
-bool run(const std::string& command) { return std::system((command + " >/dev/null 2>&1").c_str()) == 0; }
+bool run(const std::string& command)
+{
+    return std::system((command + " >/dev/null 2>&1").c_str()) == 0;
+}
 
 double residentMiB()
 {
@@ -99,8 +126,8 @@ using Entries = std::vector<std::pair<std::u16string, std::u16string>>;
 Entries readEntries(const fs::path& file)
 {
     Entries entries;
-    chf::TChunkRef<chf::IStream> stream(new chf::CKoreFileStream(
-        *kore::CURI::fromLocalPath(file.u16string().c_str()), kore::IStreamManager::kRead));
+    chf::TChunkRef<chf::IStream> stream(
+        new chf::CKoreFileStream(*kore::CURI::fromLocalPath(file.u16string().c_str()), kore::IStreamManager::kRead));
     qor_lang::CLanguageFile::readEntries(*stream, nullptr, [&](const std::u16string& key, const std::u16string& text) {
         entries.emplace_back(key, text);
     });
@@ -111,9 +138,9 @@ Entries readEntries(const fs::path& file)
 struct Catalogue {
     std::string name;
     std::u16string appId;
-    std::u16string tags[2];      // this library's tags
+    std::u16string tags[2]; // this library's tags
     std::string gettextLanguage[2];
-    fs::path files[2];           // the .qorlang files
+    fs::path files[2]; // the .qorlang files
     std::vector<std::u16string> hits;
     std::vector<std::u16string> misses;
     std::vector<std::string> hits8;
@@ -159,7 +186,6 @@ bool compile(Catalogue& c, const fs::path& po, const std::string& tool)
     compileForGettext(c, po);
     return true;
 }
-
 
 void finish(Catalogue& c)
 {
@@ -328,9 +354,8 @@ struct BareMap : Contender {
         auto next = std::make_unique<Map>();
         chf::TChunkRef<chf::IStream> stream(new chf::CKoreFileStream(
             *kore::CURI::fromLocalPath(c.files[language].u16string().c_str()), kore::IStreamManager::kRead));
-        qor_lang::CLanguageFile::readEntries(*stream, nullptr, [&](const std::u16string& key, const std::u16string& text) {
-            (*next)[key] = text;
-        });
+        qor_lang::CLanguageFile::readEntries(
+            *stream, nullptr, [&](const std::u16string& key, const std::u16string& text) { (*next)[key] = text; });
         map = std::move(next);
         lookUp(c, 0, true);
     }
@@ -345,7 +370,7 @@ struct BareMap : Contender {
     {
         auto found = map->find(std::u16string_view(key));
         return copy(found != map->end() && !found->second.empty() ? std::u16string_view(found->second)
-                                                                   : std::u16string_view(defaultText));
+                                                                  : std::u16string_view(defaultText));
     }
     void lookUp(const Catalogue& c, size_t i, bool hit) override
     {
@@ -505,7 +530,8 @@ int main(int argc, char** argv)
         }
     }
 
-    std::printf("\n| catalogue | measure | qor_lang2 | bare unordered_map | glibc dgettext | qor/map | qor/gettext |\n");
+    std::printf(
+        "\n| catalogue | measure | qor_lang2 | bare unordered_map | glibc dgettext | qor/map | qor/gettext |\n");
     std::printf("|---|---|---|---|---|---|---|\n");
     for (const Catalogue& c : g_catalogues) {
         auto row = [&](const std::string& label, const std::string& measure, const char* format) {
@@ -529,7 +555,8 @@ int main(int argc, char** argv)
         for (const char* measure : {"hit", "miss"}) {
             for (int who = 0; who < 3; ++who) {
                 const std::string tail = "/" + c.name + "/" + g_contenders[who]->name();
-                const auto one = g_results.find(measure + tail), two = g_results.find(measure + std::string(" x2") + tail);
+                const auto one = g_results.find(measure + tail),
+                           two = g_results.find(measure + std::string(" x2") + tail);
                 if (one != g_results.end() && two != g_results.end() && one->second > 0)
                     g_results[measure + std::string(" scaling") + tail] = two->second / one->second;
             }

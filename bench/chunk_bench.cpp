@@ -6,10 +6,10 @@
 #include "chunk_file/ChunkId.h"
 #include "chunk_file/TChunkRef.h"
 #include "framework/io/CDiskStream.h"
-#include "framework/text/CString.h"
 #include "framework/io/IPathes.h"
 #include "framework/io/IStreamManager.h"
 #include "framework/io/IURI.h"
+#include "framework/text/CString.h"
 
 #include <benchmark/benchmark.h>
 
@@ -32,8 +32,8 @@ class CBenchContainer {
 public:
     CBenchContainer(int count, int32_t size)
     {
-        const std::string name = "qor_chunk_bench_" + std::to_string(std::random_device()()) + "_"
-            + std::to_string(count) + "x" + std::to_string(size) + ".chf";
+        const std::string name = "qor_chunk_bench_" + std::to_string(std::random_device()()) + "_" +
+                                 std::to_string(count) + "x" + std::to_string(size) + ".chf";
         m_uri = kore::IPathes::instance()->getTempFolder()->resolve(kore::CString::fromUTF8(name));
         std::vector<uint8_t> data(static_cast<size_t>(size));
         for (size_t i = 0; i < data.size(); ++i)
@@ -49,10 +49,7 @@ public:
     }
     CBenchContainer(const CBenchContainer&) = delete;
     CBenchContainer& operator=(const CBenchContainer&) = delete;
-    ~CBenchContainer()
-    {
-        std::remove(m_uri->getLocalPath()->toUTF8().c_str());
-    }
+    ~CBenchContainer() { std::remove(m_uri->getLocalPath()->toUTF8().c_str()); }
 
     const kore::IURI& uri() const { return *m_uri; }
 

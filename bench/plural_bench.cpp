@@ -16,7 +16,10 @@ namespace {
 
 using namespace std::string_literals;
 
-const char* arabic() { return qor_lang::findPluralRule("ar"); }
+const char* arabic()
+{
+    return qor_lang::findPluralRule("ar");
+}
 
 void BM_ParseArabicRule(benchmark::State& state)
 {
@@ -71,7 +74,9 @@ void BM_LookUpPluralForm(benchmark::State& state)
 {
     loadTable();
     for (auto _ : state)
-        delete[] kore::CStringLocalizer::instance()->copyString(u"item\u0005" "103", u"default", &copy);
+        delete[] kore::CStringLocalizer::instance()->copyString(u"item\u0005"
+                                                                "103",
+                                                                u"default", &copy);
 }
 BENCHMARK(BM_LookUpPluralForm);
 

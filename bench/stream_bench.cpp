@@ -1,10 +1,10 @@
 // Costs of the file layer: small reads through the buffered disk stream, folder enumeration
 // with a pattern, and URI building.
 #include "framework/io/CDiskStream.h"
-#include "framework/text/CString.h"
 #include "framework/io/CURI.h"
 #include "framework/io/IFileEnum.h"
 #include "framework/io/IFileSystemManager.h"
+#include "framework/text/CString.h"
 
 #include <benchmark/benchmark.h>
 
@@ -22,7 +22,8 @@ class CBenchFolder {
 public:
     explicit CBenchFolder(int files)
     {
-        m_path = std::filesystem::temp_directory_path() / ("qor_stream_bench_" + std::to_string(std::random_device()()));
+        m_path =
+            std::filesystem::temp_directory_path() / ("qor_stream_bench_" + std::to_string(std::random_device()()));
         std::filesystem::create_directories(m_path);
         for (int i = 0; i < files; ++i)
             std::ofstream(m_path / ("app-" + std::to_string(i) + ".qorlang")) << "x";

@@ -20,14 +20,10 @@ enum Kind { kUTF8, kUTF16, kUTF32, kLatin1 };
 ICharEncoding& encodingOf(int kind)
 {
     switch (kind) {
-    case kUTF8:
-        return *CUTF8CharEncoding::instance();
-    case kUTF16:
-        return *CUTF16CharEncoding::instance();
-    case kUTF32:
-        return *CUTF32CharEncoding::instance();
-    default:
-        return *CLatin1CharEncoding::instance();
+    case kUTF8: return *CUTF8CharEncoding::instance();
+    case kUTF16: return *CUTF16CharEncoding::instance();
+    case kUTF32: return *CUTF32CharEncoding::instance();
+    default: return *CLatin1CharEncoding::instance();
     }
 }
 
@@ -47,8 +43,8 @@ P<IString> text(int kind, int64_t chars, char16_t last = u'z')
 void lengthsAndEncodings(benchmark::internal::Benchmark* b)
 {
     for (int64_t len : {16, 4096})
-        for (auto [left, right] : {std::pair{kUTF8, kUTF8}, {kUTF16, kUTF16}, {kLatin1, kLatin1},
-                                   {kUTF8, kUTF16}, {kUTF32, kLatin1}})
+        for (auto [left, right] :
+             {std::pair{kUTF8, kUTF8}, {kUTF16, kUTF16}, {kLatin1, kLatin1}, {kUTF8, kUTF16}, {kUTF32, kLatin1}})
             b->Args({len, left, right});
 }
 
@@ -85,8 +81,8 @@ BENCHMARK(BM_Hash)->Apply(lengthsAndEncodings);
 void BM_Find(benchmark::State& state)
 {
     P<IString> hay = text(static_cast<int>(state.range(1)), state.range(0), u'!');
-    P<IString> needle = hay->slice(static_cast<uint32_t>(state.range(0) - 2))
-                            ->convertTo(encodingOf(static_cast<int>(state.range(2))));
+    P<IString> needle =
+        hay->slice(static_cast<uint32_t>(state.range(0) - 2))->convertTo(encodingOf(static_cast<int>(state.range(2))));
     for (auto _ : state)
         benchmark::DoNotOptimize(hay->find(needle));
     state.SetItemsProcessed(state.iterations() * state.range(0));

@@ -83,7 +83,8 @@ void BM_SwitchWithBusyReaders(benchmark::State& state)
         which ^= 1;
         const auto start = std::chrono::steady_clock::now();
         localizer->setTexts(languages[which]);
-        milliseconds.push_back(std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count());
+        milliseconds.push_back(
+            std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count());
     }
     stop = true;
     for (std::thread& reader : readers)
@@ -93,7 +94,14 @@ void BM_SwitchWithBusyReaders(benchmark::State& state)
     state.counters["median_ms"] = milliseconds[milliseconds.size() / 2];
     state.counters["p90_ms"] = milliseconds[milliseconds.size() * 9 / 10];
 }
-BENCHMARK(BM_SwitchWithBusyReaders)->Arg(0)->Arg(1)->Arg(8)->Arg(64)->UseRealTime()->Unit(benchmark::kMillisecond)->MinTime(2.0);
+BENCHMARK(BM_SwitchWithBusyReaders)
+    ->Arg(0)
+    ->Arg(1)
+    ->Arg(8)
+    ->Arg(64)
+    ->UseRealTime()
+    ->Unit(benchmark::kMillisecond)
+    ->MinTime(2.0);
 
 } // namespace
 

@@ -52,7 +52,11 @@ void BM_FindAll(benchmark::State& state)
     }
     state.SetBytesProcessed(state.iterations() * state.range(0));
 }
-BENCHMARK(BM_FindAll)->Args({kMiB / 10, 0})->Args({kMiB, 0})->Args({kMiB / 10, 1})->Args({kMiB, 1})
+BENCHMARK(BM_FindAll)
+    ->Args({kMiB / 10, 0})
+    ->Args({kMiB, 0})
+    ->Args({kMiB / 10, 1})
+    ->Args({kMiB, 1})
     ->Unit(benchmark::kMicrosecond);
 
 void BM_FindAllStd(benchmark::State& state)
@@ -79,7 +83,11 @@ void BM_CharAtEach(benchmark::State& state)
     }
     state.SetBytesProcessed(state.iterations() * state.range(0));
 }
-BENCHMARK(BM_CharAtEach)->Args({kMiB / 10, 0})->Args({kMiB, 0})->Args({kMiB / 10, 1})->Args({kMiB, 1})
+BENCHMARK(BM_CharAtEach)
+    ->Args({kMiB / 10, 0})
+    ->Args({kMiB, 0})
+    ->Args({kMiB / 10, 1})
+    ->Args({kMiB, 1})
     ->Unit(benchmark::kMicrosecond);
 
 void BM_CursorEach(benchmark::State& state)
@@ -94,7 +102,11 @@ void BM_CursorEach(benchmark::State& state)
     }
     state.SetBytesProcessed(state.iterations() * state.range(0));
 }
-BENCHMARK(BM_CursorEach)->Args({kMiB / 10, 0})->Args({kMiB, 0})->Args({kMiB / 10, 1})->Args({kMiB, 1})
+BENCHMARK(BM_CursorEach)
+    ->Args({kMiB / 10, 0})
+    ->Args({kMiB, 0})
+    ->Args({kMiB / 10, 1})
+    ->Args({kMiB, 1})
     ->Unit(benchmark::kMicrosecond);
 
 // Slicing one character off the front until nothing is left.
@@ -109,7 +121,11 @@ void BM_SliceFromFront(benchmark::State& state)
     }
     state.SetBytesProcessed(state.iterations() * state.range(0));
 }
-BENCHMARK(BM_SliceFromFront)->Args({kMiB / 10, 0})->Args({kMiB, 0})->Args({kMiB / 10, 1})->Args({kMiB, 1})
+BENCHMARK(BM_SliceFromFront)
+    ->Args({kMiB / 10, 0})
+    ->Args({kMiB, 0})
+    ->Args({kMiB / 10, 1})
+    ->Args({kMiB, 1})
     ->Unit(benchmark::kMicrosecond);
 
 void BM_CharAtEachStd(benchmark::State& state)

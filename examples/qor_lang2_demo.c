@@ -170,8 +170,7 @@ int wmain(int argc, wchar_t** argv)
 int main(int argc, char** argv)
 #endif
 {
-    static const QOR_LANG2_CHAR* const tags[] = {TEXT16("en-US"), TEXT16("de-DE"), TEXT16("fr-FR"),
-                                                 TEXT16("ja-JP")};
+    static const QOR_LANG2_CHAR* const tags[] = {TEXT16("en-US"), TEXT16("de-DE"), TEXT16("fr-FR"), TEXT16("ja-JP")};
     QOR_LANG2_CHAR *langFolder, *helpFolder, *helpUri;
     int32_t count, i;
     size_t t;

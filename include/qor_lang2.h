@@ -60,8 +60,7 @@ extern "C" {
  * first registration of an id wins: later ones are ignored and still return 0. Files are read
  * lazily, at the first query. `reserved` is ignored. Returns 0, or -1 when the path cannot be
  * used (null arguments included). */
-QOR_LANG2_API int32_t QOR_LANG2_add(const QOR_LANG2_CHAR* folderPath, void* reserved,
-                                    const QOR_LANG2_CHAR* appId);
+QOR_LANG2_API int32_t QOR_LANG2_add(const QOR_LANG2_CHAR* folderPath, void* reserved, const QOR_LANG2_CHAR* appId);
 
 /* The same with the folder given as a URI text ("file:///usr/share/app/lang/"). Returns 0, or -1
  * when the text is not a valid URI (null arguments included). */
@@ -96,17 +95,14 @@ QOR_LANG2_API QOR_LANG2_CHAR* QOR_LANG2_getLanguage(const QOR_LANG2_CHAR* appId,
 /* A new handle on the index-th language file of `appId`, for the QOR_LANG2_FILE_* accessors.
  * Caller frees with QOR_LANG2_freeQorLangFile. Null for an unknown id or an index outside
  * 0 .. count - 1. */
-QOR_LANG2_API QOR_LANG2_FILE_HANDLE QOR_LANG2_getLanguageFile(const QOR_LANG2_CHAR* appId,
-                                                               int32_t index);
+QOR_LANG2_API QOR_LANG2_FILE_HANDLE QOR_LANG2_getLanguageFile(const QOR_LANG2_CHAR* appId, int32_t index);
 
 /* Looks in the folder (a URI text) for prefix + current tag + infix + suffix, then for
  * prefix + "en-US" + infix + suffix; the name may hold the wildcards "*" and "?". Returns the
  * local path of the first file found (caller frees), or null when neither exists (or an
  * argument is null or not usable). */
-QOR_LANG2_API QOR_LANG2_CHAR* QOR_LANG2_findLocalizedFile(const QOR_LANG2_CHAR* folderUri,
-                                                          const QOR_LANG2_CHAR* prefix,
-                                                          const QOR_LANG2_CHAR* infix,
-                                                          const QOR_LANG2_CHAR* suffix);
+QOR_LANG2_API QOR_LANG2_CHAR* QOR_LANG2_findLocalizedFile(const QOR_LANG2_CHAR* folderUri, const QOR_LANG2_CHAR* prefix,
+                                                          const QOR_LANG2_CHAR* infix, const QOR_LANG2_CHAR* suffix);
 
 /* The text of `key` in the current language, or a copy of `defaultText` when no loaded file
  * gives the key a non-empty text. Caller frees. A null key answers the default; a null default
@@ -115,8 +111,7 @@ QOR_LANG2_API QOR_LANG2_CHAR* QOR_LANG2_findLocalizedFile(const QOR_LANG2_CHAR* 
  * key + U+0005 + the count in decimal digits ("file\x05" "21"): the answer is the form the file's
  * plural rule gives the count, or the default when the file has no such entry or form (pass
  * key for a count of 1 and the plural text otherwise to answer as gettext's ngettext does). */
-QOR_LANG2_API QOR_LANG2_CHAR* QOR_LANG2_getLocalString(const QOR_LANG2_CHAR* key,
-                                                       const QOR_LANG2_CHAR* defaultText);
+QOR_LANG2_API QOR_LANG2_CHAR* QOR_LANG2_getLocalString(const QOR_LANG2_CHAR* key, const QOR_LANG2_CHAR* defaultText);
 
 /* Frees a string returned by this library. Null is ignored. */
 QOR_LANG2_API void QOR_LANG2_freeWideString(QOR_LANG2_CHAR* text);

@@ -5,9 +5,9 @@
 //
 //   global_mutex_abuse [rounds]        (default 1000)
 #include "framework/errors/CException.h"
+#include "framework/posix/CGlobalMutexImpl.h"
 #include "framework/sync/IMutex.h"
 #include "framework/sync/IMutexFactory.h"
-#include "framework/posix/CGlobalMutexImpl.h"
 
 #include <algorithm>
 #include <atomic>
@@ -141,8 +141,8 @@ int main(int argc, char** argv)
     }
     kore::posix::CGlobalMutexImpl::removeSystemName(name.c_str());
     const double seconds = std::chrono::duration<double>(Clock::now() - start).count();
-    std::printf("owners killed while holding: %d of %d rounds (%d could not be started)\n",
-                rounds - startFailures, rounds, startFailures);
+    std::printf("owners killed while holding: %d of %d rounds (%d could not be started)\n", rounds - startFailures,
+                rounds, startFailures);
     std::printf("refused to others while the owner lived: %d\n", heldByOwner);
     std::printf("next waiter got the mutex: %d, missed: %d\n", acquired, missed);
     std::printf("kill to acquisition: median %.3f ms, p99 %.3f ms, max %.3f ms; total %.1f s\n",

@@ -27,6 +27,8 @@ packages=(
   gettext                       # xgettext/msginit/msgmerge: qorlang extract, init, merge; msgfmt/msgunfmt in the tests
   qttools5-dev-tools            # lconvert: the same catalogue as TS and XLIFF (optional tests)
   pkg-config                    # the install check builds a C application through pkg-config
+  clang-format                  # tools/check_format.sh: the layout in .clang-format, checked in CI
+  gcovr                         # tools/coverage.sh: line and branch coverage of src/
 )
 fi
 

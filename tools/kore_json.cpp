@@ -4,12 +4,12 @@
 // (compact unless --pretty), as UTF-8 followed by one line feed. Exit status: 0 when the file
 // parsed, 1 when it did not (the parser's message goes to standard error), 2 for a usage or
 // input/output error.
-#include "framework/values/CJsonParser.h"
-#include "framework/errors/CJsonParserError.h"
-#include "framework/values/CJsonPrinter.h"
-#include "framework/errors/CException.h"
-#include "framework/text/IString.h"
 #include "framework/PlatformSupport.h"
+#include "framework/errors/CException.h"
+#include "framework/errors/CJsonParserError.h"
+#include "framework/text/IString.h"
+#include "framework/values/CJsonParser.h"
+#include "framework/values/CJsonPrinter.h"
 
 #include <cstdio>
 #include <filesystem>
@@ -37,8 +37,7 @@ int ioError(const std::string& file, const char* what)
 
 bool readFile(const std::string& utf8Name, std::string& content)
 {
-    const std::filesystem::path path(
-        std::u8string(reinterpret_cast<const char8_t*>(utf8Name.data()), utf8Name.size()));
+    const std::filesystem::path path(std::u8string(reinterpret_cast<const char8_t*>(utf8Name.data()), utf8Name.size()));
     std::ifstream in(path, std::ios::binary);
     if (!in)
         return false;

@@ -15,6 +15,8 @@ presets=("$@")
 
 status=0
 summary=()
+echo "=== format"
+if line=$(tools/check_format.sh); then summary+=("$line"); else echo "$line"; summary+=("format: FAILED"); status=1; fi
 for preset in "${presets[@]}"; do
   if [ "$preset" = linux-fuzz ]; then
     echo "=== $preset: build and fuzz each target"

@@ -61,17 +61,16 @@ bool CChunkIterator::endOfSequence()
 bool CChunkIterator::nextChunk()
 {
     int64_t offset = m_currentOffset;
-    if (m_onChunk && !(addWithoutOverflow(offset, kChunkHeaderSize, offset)
-                       && addWithoutOverflow(offset, m_currentSize, offset)))
+    if (m_onChunk &&
+        !(addWithoutOverflow(offset, kChunkHeaderSize, offset) && addWithoutOverflow(offset, m_currentSize, offset)))
         return endOfSequence();
     m_position = offset;
     m_currentOffset = offset;
 
     int64_t headerEnd = 0;
     int64_t absoluteHeaderEnd = 0;
-    if (!addWithoutOverflow(offset, kChunkHeaderSize, headerEnd) || headerEnd > m_length
-        || !addWithoutOverflow(m_base, headerEnd, absoluteHeaderEnd)
-        || absoluteHeaderEnd > m_parent->getLength())
+    if (!addWithoutOverflow(offset, kChunkHeaderSize, headerEnd) || headerEnd > m_length ||
+        !addWithoutOverflow(m_base, headerEnd, absoluteHeaderEnd) || absoluteHeaderEnd > m_parent->getLength())
         return endOfSequence();
 
     uint8_t idBytes[4] = {};
@@ -89,8 +88,8 @@ bool CChunkIterator::nextChunk()
     }
 
     int64_t end = 0;
-    if (size < 0 || !addWithoutOverflow(headerEnd, size, end) || end > kLastChunkEnd
-        || !addWithoutOverflow(absoluteHeaderEnd, size, end) || end > kLastChunkEnd) {
+    if (size < 0 || !addWithoutOverflow(headerEnd, size, end) || end > kLastChunkEnd ||
+        !addWithoutOverflow(absoluteHeaderEnd, size, end) || end > kLastChunkEnd) {
         m_position = offset;
         return endOfSequence();
     }
@@ -114,7 +113,8 @@ bool CChunkIterator::findFirstChunk(uint32_t id)
     return findChunk(id);
 }
 
-template <class TChild> TChild* CChunkIterator::openChild()
+template <class TChild>
+TChild* CChunkIterator::openChild()
 {
     int64_t base = 0;
     if (!addWithoutOverflow(m_base, m_currentOffset, base) || !addWithoutOverflow(base, kChunkHeaderSize, base))
@@ -145,9 +145,9 @@ void CChunkIterator::onSpaceInserted(CChunkStream* origin, int64_t at, int64_t c
     CChunkStream::onSpaceInserted(origin, at, count);
     const int64_t header = saturatingAdd(m_base, m_currentOffset);
     if (at <= header)
-        m_currentOffset = saturatingAdd(m_currentOffset, count);   // the chunk moved back
+        m_currentOffset = saturatingAdd(m_currentOffset, count); // the chunk moved back
     else if (m_onChunk && at - header >= kChunkHeaderSize && at - header - kChunkHeaderSize <= m_currentSize)
-        m_currentSize = saturatingAdd(m_currentSize, count);   // inside the chunk's data or at its end
+        m_currentSize = saturatingAdd(m_currentSize, count); // inside the chunk's data or at its end
     notifyChildren(origin, at, count, true);
 }
 

@@ -55,10 +55,11 @@ protected:
     bool m_skipAdjacent = false;
 
 private:
-    friend class CChunkFileWriter;   // places the iterator on a chunk it has just appended
+    friend class CChunkFileWriter; // places the iterator on a chunk it has just appended
 
     bool endOfSequence();
-    template <class TChild> TChild* openChild();
+    template <class TChild>
+    TChild* openChild();
     void notifyChildren(CChunkStream* origin, int64_t at, int64_t count, bool inserted);
 };
 

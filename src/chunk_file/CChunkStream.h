@@ -54,7 +54,7 @@ protected:
     uint32_t m_refCount = 1;
 
 private:
-    friend class CChunkIterator;   // keeps the list of its open children through these links
+    friend class CChunkIterator; // keeps the list of its open children through these links
 
     void writeBackLength();
 

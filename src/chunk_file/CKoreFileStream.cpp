@@ -1,11 +1,11 @@
 #include "chunk_file/CKoreFileStream.h"
 
-#include "framework/objects/Cast.h"
 #include "framework/io/IIOStream.h"
 #include "framework/io/ISeekableIOStream.h"
 #include "framework/io/ISeekableInStream.h"
 #include "framework/io/ISeekableOutStream.h"
 #include "framework/io/IStreamManager.h"
+#include "framework/objects/Cast.h"
 
 #include <algorithm>
 #include <exception>

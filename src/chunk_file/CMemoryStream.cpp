@@ -7,7 +7,9 @@
 
 namespace chf {
 
-CMemoryStream::CMemoryStream(std::vector<uint8_t> bytes) : m_bytes(std::move(bytes)) {}
+CMemoryStream::CMemoryStream(std::vector<uint8_t> bytes) : m_bytes(std::move(bytes))
+{
+}
 
 int64_t CMemoryStream::getPosition()
 {

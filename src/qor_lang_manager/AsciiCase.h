@@ -7,11 +7,13 @@
 
 namespace qor_lang {
 
-constexpr char16_t foldAsciiCase(char16_t c) noexcept {
+constexpr char16_t foldAsciiCase(char16_t c) noexcept
+{
     return (c >= u'A' && c <= u'Z') ? static_cast<char16_t>(c - u'A' + u'a') : c;
 }
 
-constexpr bool equalsIgnoreAsciiCase(std::u16string_view a, std::u16string_view b) noexcept {
+constexpr bool equalsIgnoreAsciiCase(std::u16string_view a, std::u16string_view b) noexcept
+{
     if (a.size() != b.size()) {
         return false;
     }
@@ -23,4 +25,4 @@ constexpr bool equalsIgnoreAsciiCase(std::u16string_view a, std::u16string_view 
     return true;
 }
 
-}  // namespace qor_lang
+} // namespace qor_lang

@@ -5,9 +5,9 @@
 #include "chunk_file/CChunkFile.h"
 #include "chunk_file/CKoreFileStream.h"
 #include "chunk_file/TChunkRef.h"
-#include "framework/text/CString.h"
 #include "framework/io/CURI.h"
 #include "framework/io/IStreamManager.h"
+#include "framework/text/CString.h"
 #include "qor_lang_manager/CStringTableReader.h"
 #include "qor_lang_manager/LanguageChunks.h"
 
@@ -122,8 +122,7 @@ chf::TChunkRef<chf::IStream> openForReading(const kore::IURI& location)
 
 } // namespace
 
-CLanguageFile::CLanguageFile(const kore::IURI& location)
-    : m_source(kore::CURI::fromURIText(*location.toString()))
+CLanguageFile::CLanguageFile(const kore::IURI& location) : m_source(kore::CURI::fromURIText(*location.toString()))
 {
     chf::TChunkRef<chf::IStream> stream = openForReading(*m_source);
     load(*stream);
@@ -138,8 +137,8 @@ CLanguageFile::CLanguageFile(const kore::IURI* source, chf::IStream& stream)
 
 void CLanguageFile::load(chf::IStream& stream)
 {
-    m_author = m_appId = m_appString2 = m_englishName = m_englishSubName = m_nativeName =
-        m_nativeSubName = m_comment = kore::CString::empty();
+    m_author = m_appId = m_appString2 = m_englishName = m_englishSubName = m_nativeName = m_nativeSubName = m_comment =
+        kore::CString::empty();
 
     const int64_t fileLength = stream.getLength();
     chf::TChunkRef<chf::CChunkFile> file = openContainer(stream);
@@ -188,8 +187,8 @@ kore::P<kore::CTextTable> CLanguageFile::readTexts(chf::IStream& stream, const k
 {
     return withStringTable(stream, source, [](CStringTableReader& reader, const LanguageDocument& doc) {
         const auto own = doc.extra.find(std::u16string(kPluralFormsExtra));
-        return reader.readTexts(pluralRuleText(own == doc.extra.end() ? std::nullopt : std::optional(own->second),
-                                               doc.tag.value_or(u"")));
+        return reader.readTexts(
+            pluralRuleText(own == doc.extra.end() ? std::nullopt : std::optional(own->second), doc.tag.value_or(u"")));
     });
 }
 

@@ -5,15 +5,15 @@
 // (readTexts), when a pack loads the language.
 
 #include "chunk_file/IStream.h"
+#include "framework/io/IURI.h"
 #include "framework/objects/CObject.h"
+#include "framework/objects/P.h"
 #include "framework/text/CTextTable.h"
 #include "framework/text/IString.h"
-#include "framework/io/IURI.h"
-#include "framework/objects/P.h"
 #include "qor_lang_manager/LanguageId.h"
 
-#include <functional>
 #include <cstdint>
+#include <functional>
 #include <string>
 
 namespace qor_lang {

@@ -25,8 +25,7 @@ void appendChunk(chf::CChunkIterator& sequence, uint32_t id, const std::vector<u
 
 } // namespace
 
-void CLanguageFileWriter::setLanguage(CountedString tag, CountedString nativeName,
-                                      CountedString nativeSubName)
+void CLanguageFileWriter::setLanguage(CountedString tag, CountedString nativeName, CountedString nativeSubName)
 {
     m_tag = std::move(tag);
     m_nativeName = std::move(nativeName);
@@ -120,8 +119,7 @@ void CLanguageFileWriter::write(chf::IStream& emptyStream) const
         appendCountedString(data, e.fourth);
     }
     {
-        chf::TChunkRef<chf::CChunkIterator> stmp(
-            chf::CChunkFileWriter::appendChunkIterator(file.get(), kChunkStmp));
+        chf::TChunkRef<chf::CChunkIterator> stmp(chf::CChunkFileWriter::appendChunkIterator(file.get(), kChunkStmp));
         appendChunk(*stmp, kChunkData, data);
         stmp.reset();
     }

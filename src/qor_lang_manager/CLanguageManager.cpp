@@ -2,16 +2,16 @@
 
 #include "framework/errors/CException.h"
 #include "framework/errors/CFileNotFoundError.h"
-#include "framework/objects/CGlobalObjFactory.h"
-#include "framework/log/CLogManager.h"
-#include "framework/text/CString.h"
-#include "framework/text/CStringFormat.h"
-#include "framework/text/CStringLocalizer.h"
 #include "framework/io/IFileEntry.h"
 #include "framework/io/IFileEnum.h"
 #include "framework/io/IFileSystemManager.h"
-#include "framework/sync/IMutexFactory.h"
+#include "framework/log/CLogManager.h"
 #include "framework/log/Trace.h"
+#include "framework/objects/CGlobalObjFactory.h"
+#include "framework/sync/IMutexFactory.h"
+#include "framework/text/CString.h"
+#include "framework/text/CStringFormat.h"
+#include "framework/text/CStringLocalizer.h"
 #include "qor_lang_manager/PluralLookup.h"
 
 #include <algorithm>
@@ -158,8 +158,7 @@ P<kore::IURI> CLanguageManager::findFile(const kore::IURI& folder, const kore::C
                                          const kore::CStringArg& suffix)
 {
     const std::u16string tag = language.getTag();
-    P<kore::IString> pattern =
-        kore::formatString("%s%s%s%s", prefix.get(), tag.c_str(), infix.get(), suffix.get());
+    P<kore::IString> pattern = kore::formatString("%s%s%s%s", prefix.get(), tag.c_str(), infix.get(), suffix.get());
     P<kore::IFileEnum> entries;
     try {
         entries = kore::IFileSystemManager::instance()->enumerate(folder, *pattern);
@@ -174,10 +173,8 @@ P<kore::IURI> CLanguageManager::findFile(const kore::IURI& folder, const kore::C
     return nullptr;
 }
 
-P<kore::IURI> CLanguageManager::findLocalizedFile(const kore::IURI& folder,
-                                                  const kore::CStringArg& prefix,
-                                                  const kore::CStringArg& infix,
-                                                  const kore::CStringArg& suffix)
+P<kore::IURI> CLanguageManager::findLocalizedFile(const kore::IURI& folder, const kore::CStringArg& prefix,
+                                                  const kore::CStringArg& infix, const kore::CStringArg& suffix)
 {
     if (P<kore::IURI> found = findFile(folder, prefix, getCurrentLanguage(), infix, suffix))
         return found;

@@ -7,11 +7,11 @@
 // holds, so listing languages never waits for a switch. Look-ups never come here: they read the
 // string localizer without locks.
 
+#include "framework/io/IURI.h"
 #include "framework/objects/CObject.h"
+#include "framework/objects/P.h"
 #include "framework/sync/IMutex.h"
 #include "framework/text/IString.h"
-#include "framework/io/IURI.h"
-#include "framework/objects/P.h"
 #include "qor_lang_manager/CLanguageFile.h"
 #include "qor_lang_manager/CLanguagePack.h"
 #include "qor_lang_manager/ILanguageChangeListener.h"
@@ -56,8 +56,7 @@ public:
     // The first non-folder entry of `folder` matching prefix + tag + infix + suffix, with the
     // current tag and then "en-US"; null when neither matches (or the folder does not exist).
     kore::P<kore::IURI> findLocalizedFile(const kore::IURI& folder, const kore::CStringArg& prefix,
-                                          const kore::CStringArg& infix,
-                                          const kore::CStringArg& suffix);
+                                          const kore::CStringArg& infix, const kore::CStringArg& suffix);
 
     // Listeners are not owned: a listener removes itself before it dies.
     void addListener(ILanguageChangeListener* listener);
@@ -71,22 +70,15 @@ private:
         {
             return a->compare(*b) < 0;
         }
-        bool operator()(const kore::P<kore::IString>& a, const kore::IString& b) const
-        {
-            return a->compare(b) < 0;
-        }
-        bool operator()(const kore::IString& a, const kore::P<kore::IString>& b) const
-        {
-            return a.compare(*b) < 0;
-        }
+        bool operator()(const kore::P<kore::IString>& a, const kore::IString& b) const { return a->compare(b) < 0; }
+        bool operator()(const kore::IString& a, const kore::P<kore::IString>& b) const { return a.compare(*b) < 0; }
     };
 
     kore::P<CLanguagePack> findPack(const kore::CStringArg& appId) const;
     // The packs in map order, for a change that must not hold the state lock while it reads files.
     std::vector<kore::P<CLanguagePack>> packs() const;
-    kore::P<kore::IURI> findFile(const kore::IURI& folder, const kore::CStringArg& prefix,
-                                 const LanguageId& language, const kore::CStringArg& infix,
-                                 const kore::CStringArg& suffix);
+    kore::P<kore::IURI> findFile(const kore::IURI& folder, const kore::CStringArg& prefix, const LanguageId& language,
+                                 const kore::CStringArg& infix, const kore::CStringArg& suffix);
 
     std::map<kore::P<kore::IString>, kore::P<CLanguagePack>, ByText> m_packs;
     LanguageId m_current;

@@ -6,15 +6,15 @@
 #include "chunk_file/TChunkRef.h"
 #include "framework/errors/CException.h"
 #include "framework/errors/CFileNotFoundError.h"
-#include "framework/log/CLogManager.h"
-#include "framework/text/CString.h"
-#include "framework/text/CStringFormat.h"
 #include "framework/io/IFileEntry.h"
 #include "framework/io/IFileEnum.h"
 #include "framework/io/IFileSystemManager.h"
-#include "framework/sync/IMutexFactory.h"
 #include "framework/io/IStreamManager.h"
 #include "framework/io/ISystem.h"
+#include "framework/log/CLogManager.h"
+#include "framework/sync/IMutexFactory.h"
+#include "framework/text/CString.h"
+#include "framework/text/CStringFormat.h"
 
 namespace qor_lang {
 
@@ -38,8 +38,7 @@ std::u16string ownCountryTag(const std::u16string& code)
 } // namespace
 
 CLanguagePack::CLanguagePack(P<kore::IURI> folder, const kore::CStringArg& appId)
-    : m_folder(std::move(folder)), m_appId(kore::keepText(appId)),
-      m_listLock(kore::createMutexFactory()->createMutex())
+    : m_folder(std::move(folder)), m_appId(kore::keepText(appId)), m_listLock(kore::createMutexFactory()->createMutex())
 {
 }
 
@@ -72,8 +71,8 @@ void CLanguagePack::scanIfEmpty()
         return;
     P<kore::IFileEnum> entries;
     try {
-        entries = kore::IFileSystemManager::instance()->enumerate(
-            *m_folder, *kore::formatString("%s*.qorlang", *m_appId));
+        entries =
+            kore::IFileSystemManager::instance()->enumerate(*m_folder, *kore::formatString("%s*.qorlang", *m_appId));
     } catch (const kore::CFileNotFoundError&) {
         return; // a folder that does not exist (yet) holds no files
     }
@@ -152,7 +151,8 @@ std::u16string CLanguagePack::fallbackTag(const LanguageId& language) const
     const std::u16string own = ownCountryTag(code);
     P<kore::IFileEnum> entries;
     try {
-        entries = kore::IFileSystemManager::instance()->enumerate(*m_folder, *fileName(*m_appId, (code + u"-*").c_str()));
+        entries =
+            kore::IFileSystemManager::instance()->enumerate(*m_folder, *fileName(*m_appId, (code + u"-*").c_str()));
     } catch (const kore::CFileNotFoundError&) {
         return {};
     }

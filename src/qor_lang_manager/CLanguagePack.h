@@ -6,12 +6,12 @@
 // the pack's own lock, so two threads asking at once see one scan; reading texts uses only the
 // pack's fixed folder and id.
 
-#include "framework/objects/CObject.h"
-#include "framework/sync/IMutex.h"
-#include "framework/text/IString.h"
 #include "framework/io/IURI.h"
-#include "framework/text/CTextTable.h"
+#include "framework/objects/CObject.h"
 #include "framework/objects/P.h"
+#include "framework/sync/IMutex.h"
+#include "framework/text/CTextTable.h"
+#include "framework/text/IString.h"
 #include "qor_lang_manager/CLanguageFile.h"
 #include "qor_lang_manager/LanguageId.h"
 

@@ -57,8 +57,8 @@ template <class... Args>
 // to the chunk's end first and extended to the end of the file only when an entry needs it.
 class CStringTableReader::CEntryCursor {
 public:
-    CEntryCursor(CStringTableReader& reader, const DataChunk& chunk, CTextTable::CBuilder& table,
-                 int64_t blockEnd, int64_t limit)
+    CEntryCursor(CStringTableReader& reader, const DataChunk& chunk, CTextTable::CBuilder& table, int64_t blockEnd,
+                 int64_t limit)
         : m_reader(reader), m_chunk(chunk), m_table(table), m_blockEnd(blockEnd), m_limit(limit)
     {
     }
@@ -68,8 +68,8 @@ public:
         require(4);
         const uint8_t* b = m_table.block() + m_at;
         m_at += 4;
-        return static_cast<uint32_t>(b[0]) | static_cast<uint32_t>(b[1]) << 8 |
-               static_cast<uint32_t>(b[2]) << 16 | static_cast<uint32_t>(b[3]) << 24;
+        return static_cast<uint32_t>(b[0]) | static_cast<uint32_t>(b[1]) << 8 | static_cast<uint32_t>(b[2]) << 16 |
+               static_cast<uint32_t>(b[3]) << 24;
     }
 
     // A counted string: N units of which the last is the terminator; N = 0 is absent (empty).
@@ -152,8 +152,8 @@ std::vector<CStringTableReader::DataChunk> CStringTableReader::findDataChunks()
 {
     const int64_t area = m_file.getLength();
     if (area < 0 || area > m_fileLength - kContainerHeader)
-        damaged("the container header gives %d bytes of chunks, but the file holds %d after the header",
-                area, std::max<int64_t>(m_fileLength - kContainerHeader, 0));
+        damaged("the container header gives %d bytes of chunks, but the file holds %d after the header", area,
+                std::max<int64_t>(m_fileLength - kContainerHeader, 0));
     std::vector<DataChunk> chunks;
     m_file.rewind();
     while (m_file.findChunk(kChunkStmp)) {
@@ -167,8 +167,8 @@ std::vector<CStringTableReader::DataChunk> CStringTableReader::findDataChunks()
     }
     const int64_t stop = m_file.getChunkOffset();
     if (stop < area && area - stop < kChunkHeader)
-        damaged("offset %d: the file ends inside a chunk header (%d of its %d bytes)",
-                kContainerHeader + stop, area - stop, kChunkHeader);
+        damaged("offset %d: the file ends inside a chunk header (%d of its %d bytes)", kContainerHeader + stop,
+                area - stop, kChunkHeader);
     m_file.rewind();
     return chunks;
 }
@@ -233,7 +233,7 @@ kore::P<CTextTable> CStringTableReader::readTexts(std::u16string_view pluralRule
 {
     bool plural = false;
     CTextTable::CBuilder table = readLastChunk([&](CTextTable::CBuilder& builder, CTextTable::Span key,
-                                                    CTextTable::Span text, uint64_t rank, CTextTable::Span) {
+                                                   CTextTable::Span text, uint64_t rank, CTextTable::Span) {
         if (key.units != 0) {
             const uint8_t* last = builder.block() + key.offset + 2 * (key.units - 1);
             plural = plural || (last[0] == kPluralMark && last[1] == 0);
@@ -248,11 +248,12 @@ kore::P<CTextTable> CStringTableReader::readTexts(std::u16string_view pluralRule
 void CStringTableReader::readEntries(
     const std::function<void(const std::u16string& key, const std::u16string& text)>& visit)
 {
-    readEntries([&](const std::u16string& key, const std::u16string& text, const std::u16string&) { visit(key, text); });
+    readEntries(
+        [&](const std::u16string& key, const std::u16string& text, const std::u16string&) { visit(key, text); });
 }
 
-void CStringTableReader::readEntries(
-    const std::function<void(const std::u16string& key, const std::u16string& text, const std::u16string& third)>& visit)
+void CStringTableReader::readEntries(const std::function<void(const std::u16string& key, const std::u16string& text,
+                                                              const std::u16string& third)>& visit)
 {
     auto units = [](const uint8_t* block, CTextTable::Span span) {
         std::u16string text(span.units, u'\0');

@@ -22,9 +22,9 @@
 
 #include "chunk_file/CChunkFile.h"
 #include "chunk_file/IStream.h"
-#include "framework/text/CTextTable.h"
 #include "framework/io/IURI.h"
 #include "framework/objects/P.h"
+#include "framework/text/CTextTable.h"
 
 #include <cstdint>
 #include <functional>

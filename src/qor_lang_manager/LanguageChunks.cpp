@@ -58,8 +58,8 @@ uint32_t CLanguageChunkReader::readUInt32()
 {
     uint8_t b[4];
     readExactly(b, 4);
-    return static_cast<uint32_t>(b[0]) | static_cast<uint32_t>(b[1]) << 8 |
-           static_cast<uint32_t>(b[2]) << 16 | static_cast<uint32_t>(b[3]) << 24;
+    return static_cast<uint32_t>(b[0]) | static_cast<uint32_t>(b[1]) << 8 | static_cast<uint32_t>(b[2]) << 16 |
+           static_cast<uint32_t>(b[3]) << 24;
 }
 
 CountedString CLanguageChunkReader::readCountedString()

@@ -35,8 +35,7 @@ public:
 
     // `fileLength`: length of the underlying file; `source`: named by the errors.
     CLanguageChunkReader(chf::CChunkStream& chunk, int64_t fileLength, const kore::IURI* source)
-        : m_chunk(chunk), m_fileLength(fileLength), m_source(source),
-          m_at(chunk.getBase() + chunk.getPosition())
+        : m_chunk(chunk), m_fileLength(fileLength), m_source(source), m_at(chunk.getBase() + chunk.getPosition())
     {
     }
 

@@ -17,7 +17,7 @@ struct LanguageCodeRow {
 };
 
 struct CountryCodeRow {
-    const char16_t* code;  // upper case
+    const char16_t* code; // upper case
     const char16_t* englishName;
 };
 
@@ -36,11 +36,11 @@ struct CountryCodeRowUtf8 {
 // Ordered by the first field.
 extern const LanguageCodeRow LanguageCodeTable[];
 extern const LanguageCodeRowUtf8 LanguageCodeTableUtf8[];
-extern const int32_t LanguageCodeTableCount;  // rows of both language tables
+extern const int32_t LanguageCodeTableCount; // rows of both language tables
 
 // Ordered by English name, ignoring case and accents.
 extern const CountryCodeRow CountryCodeTable[];
 extern const CountryCodeRowUtf8 CountryCodeTableUtf8[];
-extern const int32_t CountryCodeTableCount;  // rows of both country tables
+extern const int32_t CountryCodeTableCount; // rows of both country tables
 
-}  // namespace qor_lang
+} // namespace qor_lang

@@ -9,21 +9,21 @@ namespace qor_lang {
 
 // What the text given to the parsing constructor is.
 enum class LanguageTagMode : int32_t {
-    LanguageName = 0,  // English language name, any letter case
-    Iso639_1 = 1,      // two-letter code, any letter case
-    Iso639_2 = 2,      // whole first table field ("fre/fra" for French), any letter case
-    CountryName = 3,   // English country name, any letter case
-    CountryCode = 4,   // alpha-2 code, exact case
-    Tag = 5,           // language-COUNTRY, any letter case
+    LanguageName = 0, // English language name, any letter case
+    Iso639_1 = 1, // two-letter code, any letter case
+    Iso639_2 = 2, // whole first table field ("fre/fra" for French), any letter case
+    CountryName = 3, // English country name, any letter case
+    CountryCode = 4, // alpha-2 code, exact case
+    Tag = 5, // language-COUNTRY, any letter case
 };
 
 // A plain value: copied freely, owns nothing; every pointer points into the code tables.
 struct LanguageId {
     bool valid;
-    int32_t index = -1;  // no operation sets it
-    const char16_t* iso639_2 = nullptr;     // row's first field, may be "bib/term"
-    const char16_t* iso639_1 = nullptr;     // may be ""
-    const char16_t* englishName = nullptr;  // language
+    int32_t index = -1; // no operation sets it
+    const char16_t* iso639_2 = nullptr; // row's first field, may be "bib/term"
+    const char16_t* iso639_1 = nullptr; // may be ""
+    const char16_t* englishName = nullptr; // language
     const char16_t* countryCode = nullptr;
     const char16_t* countryName = nullptr;
 
@@ -50,4 +50,4 @@ struct LanguageId {
     std::u16string getTag() const;
 };
 
-}  // namespace qor_lang
+} // namespace qor_lang

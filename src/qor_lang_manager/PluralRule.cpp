@@ -14,9 +14,18 @@ constexpr unsigned kMaxDepth = 64;
 constexpr std::size_t kMaxNodes = 1024;
 constexpr unsigned kMaxForms = 6;
 
-bool isSpace(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
-char lowerAscii(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
+bool isSpace(char c)
+{
+    return c == ' ' || c == '\t' || c == '\n' || c == '\r';
+}
+bool isDigit(char c)
+{
+    return c >= '0' && c <= '9';
+}
+char lowerAscii(char c)
+{
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
 
 } // namespace
 
@@ -24,7 +33,8 @@ class PluralRule::Parser {
 public:
     Parser(std::string_view text, PluralRule& rule) : text_(text), rule_(rule) {}
 
-    bool header() {
+    bool header()
+    {
         unsigned long count = 0;
         if (!word("nplurals") || !symbol("=") || !number(count) || !symbol(";") || !word("plural") || !symbol("="))
             return false;
@@ -43,25 +53,30 @@ public:
 private:
     using Index = std::optional<std::uint16_t>;
 
-    void skipSpace() {
+    void skipSpace()
+    {
         while (pos_ < text_.size() && isSpace(text_[pos_]))
             ++pos_;
     }
-    bool symbol(std::string_view s) {
+    bool symbol(std::string_view s)
+    {
         skipSpace();
         if (text_.substr(pos_, s.size()) != s)
             return false;
         pos_ += s.size();
         return true;
     }
-    bool word(std::string_view s) {
+    bool word(std::string_view s)
+    {
         if (!symbol(s))
             return false;
         // "pluralx" is no keyword
-        return pos_ >= text_.size() || !(isDigit(text_[pos_]) || (lowerAscii(text_[pos_]) >= 'a' && lowerAscii(text_[pos_]) <= 'z'));
+        return pos_ >= text_.size() ||
+               !(isDigit(text_[pos_]) || (lowerAscii(text_[pos_]) >= 'a' && lowerAscii(text_[pos_]) <= 'z'));
     }
     // A comparison operator that is not the start of a longer one ("<" of "<=", "=" of "==").
-    bool exactSymbol(std::string_view s) {
+    bool exactSymbol(std::string_view s)
+    {
         skipSpace();
         if (text_.substr(pos_, s.size()) != s)
             return false;
@@ -70,7 +85,8 @@ private:
         pos_ += s.size();
         return true;
     }
-    bool number(unsigned long& out) {
+    bool number(unsigned long& out)
+    {
         skipSpace();
         if (pos_ >= text_.size() || !isDigit(text_[pos_]))
             return false;
@@ -85,7 +101,8 @@ private:
         return true;
     }
 
-    Index add(Op op, std::uint16_t a = 0, std::uint16_t b = 0, std::uint16_t c = 0, unsigned long value = 0) {
+    Index add(Op op, std::uint16_t a = 0, std::uint16_t b = 0, std::uint16_t c = 0, unsigned long value = 0)
+    {
         if (rule_.nodes_.size() >= kMaxNodes)
             return std::nullopt;
         rule_.nodes_.push_back(Node{op, a, b, c, value});
@@ -99,7 +116,8 @@ private:
         bool tooDeep() const { return depth > kMaxDepth; }
     };
 
-    Index conditional() {
+    Index conditional()
+    {
         DepthGuard guard(depth_);
         if (guard.tooDeep())
             return std::nullopt;
@@ -132,7 +150,8 @@ private:
         {{{"*", Op::Multiply}, {"/", Op::Divide}, {"%", Op::Modulo}}},
     };
 
-    Index binary(std::size_t level) {
+    Index binary(std::size_t level)
+    {
         if (level == std::size(kLevels))
             return unary();
         Index left = binary(level + 1);
@@ -153,7 +172,8 @@ private:
         return left;
     }
 
-    Index unary() {
+    Index unary()
+    {
         DepthGuard guard(depth_);
         if (guard.tooDeep())
             return std::nullopt;
@@ -179,7 +199,8 @@ private:
     unsigned depth_ = 0;
 };
 
-std::optional<PluralRule> PluralRule::parse(std::string_view text) {
+std::optional<PluralRule> PluralRule::parse(std::string_view text)
+{
     PluralRule rule;
     // Each node takes at least one character of the text: one allocation, whatever the rule.
     rule.nodes_.reserve(std::min(text.size(), kMaxNodes));
@@ -189,7 +210,8 @@ std::optional<PluralRule> PluralRule::parse(std::string_view text) {
     return rule;
 }
 
-unsigned long PluralRule::evaluate(std::uint16_t index, unsigned long n, bool& failed) const noexcept {
+unsigned long PluralRule::evaluate(std::uint16_t index, unsigned long n, bool& failed) const noexcept
+{
     const Node& node = nodes_[index];
     auto a = [&] { return evaluate(node.a, n, failed); };
     auto b = [&] { return evaluate(node.b, n, failed); };
@@ -222,7 +244,8 @@ unsigned long PluralRule::evaluate(std::uint16_t index, unsigned long n, bool& f
     return 0;
 }
 
-unsigned PluralRule::formFor(unsigned long n) const noexcept {
+unsigned PluralRule::formFor(unsigned long n) const noexcept
+{
     if (nodes_.empty())
         return 0;
     bool failed = false;
@@ -230,15 +253,17 @@ unsigned PluralRule::formFor(unsigned long n) const noexcept {
     return failed || form >= count_ ? 0 : static_cast<unsigned>(form);
 }
 
-const char* findPluralRule(std::string_view language) {
+const char* findPluralRule(std::string_view language)
+{
     auto less = [](std::string_view a, std::string_view b) {
         return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(),
                                             [](char x, char y) { return lowerAscii(x) < lowerAscii(y); });
     };
     const auto* first = detail::kPluralRuleRows;
     const auto* last = first + detail::kPluralRuleRowCount;
-    const auto* row = std::lower_bound(first, last, language,
-                                       [&](const detail::PluralRuleRow& r, std::string_view key) { return less(r.language, key); });
+    const auto* row =
+        std::lower_bound(first, last, language,
+                         [&](const detail::PluralRuleRow& r, std::string_view key) { return less(r.language, key); });
     if (row == last || less(language, row->language))
         return nullptr;
     return row->rule;

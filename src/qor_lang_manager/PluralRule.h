@@ -25,13 +25,28 @@ public:
 
 private:
     enum class Op : std::uint8_t {
-        Number, Variable, Not, Multiply, Divide, Modulo, Add, Subtract, Less, LessEqual, Greater, GreaterEqual,
-        Equal, NotEqual, And, Or, Conditional
+        Number,
+        Variable,
+        Not,
+        Multiply,
+        Divide,
+        Modulo,
+        Add,
+        Subtract,
+        Less,
+        LessEqual,
+        Greater,
+        GreaterEqual,
+        Equal,
+        NotEqual,
+        And,
+        Or,
+        Conditional
     };
     struct Node {
         Op op;
         std::uint16_t a = 0, b = 0, c = 0; // operand node indices
-        unsigned long value = 0;          // Op::Number
+        unsigned long value = 0; // Op::Number
     };
     class Parser;
 

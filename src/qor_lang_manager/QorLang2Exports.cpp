@@ -3,13 +3,13 @@
 #include "qor_lang2.h"
 
 #include "framework/errors/CException.h"
+#include "framework/io/CURI.h"
+#include "framework/io/IPathes.h"
 #include "framework/objects/CInstanceWrapper.h"
+#include "framework/objects/Cast.h"
 #include "framework/text/CString.h"
 #include "framework/text/CStringLocalizer.h"
-#include "framework/io/CURI.h"
-#include "framework/objects/Cast.h"
 #include "framework/text/ICharEncoding.h"
-#include "framework/io/IPathes.h"
 #include "qor_lang_manager/CLanguageManager.h"
 
 #include <bit>
@@ -112,8 +112,7 @@ int32_t reportFailure(F body)
 
 extern "C" {
 
-QOR_LANG2_API int32_t QOR_LANG2_add(const QOR_LANG2_CHAR* folderPath, void* /*reserved*/,
-                                    const QOR_LANG2_CHAR* appId)
+QOR_LANG2_API int32_t QOR_LANG2_add(const QOR_LANG2_CHAR* folderPath, void* /*reserved*/, const QOR_LANG2_CHAR* appId)
 {
     return reportFailure([&] {
         if (!folderPath || !appId)
@@ -144,8 +143,7 @@ QOR_LANG2_API int32_t QOR_LANG2_reload(void)
 
 QOR_LANG2_API int32_t QOR_LANG2_setCurrentLanguage(const QOR_LANG2_CHAR* tag)
 {
-    const qor_lang::LanguageId language(reinterpret_cast<const char16_t*>(tag),
-                                        qor_lang::LanguageTagMode::Tag);
+    const qor_lang::LanguageId language(reinterpret_cast<const char16_t*>(tag), qor_lang::LanguageTagMode::Tag);
     if (!language.isValid())
         return kInvalidTag;
     try {
@@ -191,8 +189,7 @@ QOR_LANG2_API QOR_LANG2_CHAR* QOR_LANG2_getLanguage(const QOR_LANG2_CHAR* appId,
     }
 }
 
-QOR_LANG2_API QOR_LANG2_FILE_HANDLE QOR_LANG2_getLanguageFile(const QOR_LANG2_CHAR* appId,
-                                                               int32_t index)
+QOR_LANG2_API QOR_LANG2_FILE_HANDLE QOR_LANG2_getLanguageFile(const QOR_LANG2_CHAR* appId, int32_t index)
 {
     try {
         if (index < 0)
@@ -208,10 +205,8 @@ QOR_LANG2_API QOR_LANG2_FILE_HANDLE QOR_LANG2_getLanguageFile(const QOR_LANG2_CH
     }
 }
 
-QOR_LANG2_API QOR_LANG2_CHAR* QOR_LANG2_findLocalizedFile(const QOR_LANG2_CHAR* folderUri,
-                                                          const QOR_LANG2_CHAR* prefix,
-                                                          const QOR_LANG2_CHAR* infix,
-                                                          const QOR_LANG2_CHAR* suffix)
+QOR_LANG2_API QOR_LANG2_CHAR* QOR_LANG2_findLocalizedFile(const QOR_LANG2_CHAR* folderUri, const QOR_LANG2_CHAR* prefix,
+                                                          const QOR_LANG2_CHAR* infix, const QOR_LANG2_CHAR* suffix)
 {
     try {
         if (!folderUri || !prefix || !infix || !suffix)
@@ -225,8 +220,7 @@ QOR_LANG2_API QOR_LANG2_CHAR* QOR_LANG2_findLocalizedFile(const QOR_LANG2_CHAR* 
     }
 }
 
-QOR_LANG2_API QOR_LANG2_CHAR* QOR_LANG2_getLocalString(const QOR_LANG2_CHAR* key,
-                                                       const QOR_LANG2_CHAR* defaultText)
+QOR_LANG2_API QOR_LANG2_CHAR* QOR_LANG2_getLocalString(const QOR_LANG2_CHAR* key, const QOR_LANG2_CHAR* defaultText)
 {
     try {
         // The hot path: no reference taken on the localizer (it lives until the process ends,

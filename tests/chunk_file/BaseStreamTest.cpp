@@ -16,7 +16,10 @@ TEST(BaseStream, InsertSpaceMovesOnlyTheLastBlockOfTheTail)
     for (const auto& [size, at] : {std::pair<int64_t, int64_t>{200000, 0}, {10000, 9000}}) {
         const Bytes original = patternBytes(size_t(size));
         const auto moved = size_t(std::max(size - 65536, at));
-        const auto edit = [at = at](chf::CBaseStream* stream) { stream->setPosition(at); stream->insertSpace(100); };
+        const auto edit = [at = at](chf::CBaseStream* stream) {
+            stream->setPosition(at);
+            stream->insertSpace(100);
+        };
         // Nothing before the moved block changed, the 100 bytes it left behind included.
         for (const Bytes& bytes : editedInMemoryAndOnDisk(original, edit))
             EXPECT_EQ(bytes, slice(original, 0, moved + 100) + slice(original, moved, size_t(size))) << size;
@@ -25,7 +28,7 @@ TEST(BaseStream, InsertSpaceMovesOnlyTheLastBlockOfTheTail)
 
 TEST(BaseStream, RemoveSpaceMovesTheWholeTailThenCutsTheFullCountOffTheEnd)
 {
-    Bytes expected = patternBytes(150000);   // the tail moves in three pieces
+    Bytes expected = patternBytes(150000); // the tail moves in three pieces
     Ref<CTestStream> stream(new CTestStream(expected));
     stream->setPosition(5);
     stream->removeSpace(10);

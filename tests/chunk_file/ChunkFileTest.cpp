@@ -20,7 +20,8 @@ Ref<CChunkFile> openBytes(const Bytes& bytes, int64_t at = 0)
 }
 
 // Runs `check` on the bytes opened as a container in memory and, through the adapter, on disk.
-template <class F> void inMemoryAndOnDisk(const Bytes& bytes, F&& check)
+template <class F>
+void inMemoryAndOnDisk(const Bytes& bytes, F&& check)
 {
     check(openBytes(bytes).get());
     CDiskFile disk(bytes);
@@ -58,8 +59,8 @@ TEST(ChunkFile, WalksChunksAndIgnoresAnIncompleteTrailingHeader)
 
 TEST(ChunkFile, FindChunkSearchesForwardAndFindFirstChunkFromTheStart)
 {
-    Ref<CChunkFile> file = openBytes(container(chunk("RSID", text("a")) + chunk("cmnt", text("1"))
-                                               + chunk("RSID", text("b")) + chunk("cmnt", text("2"))));
+    Ref<CChunkFile> file = openBytes(container(chunk("RSID", text("a")) + chunk("cmnt", text("1")) +
+                                               chunk("RSID", text("b")) + chunk("cmnt", text("2"))));
     const uint32_t rsid = makeChunkId("RSID");
     ASSERT_TRUE(file->findChunk(rsid));
     EXPECT_EQ(current(file.get()), text("a"));
@@ -70,7 +71,7 @@ TEST(ChunkFile, FindChunkSearchesForwardAndFindFirstChunkFromTheStart)
         ASSERT_TRUE(file->findFirstChunk(makeChunkId("cmnt")));
         EXPECT_EQ(current(file.get()), text("1"));
     }
-    EXPECT_FALSE(file->findFirstChunk(makeChunkId("rsid")));   // ids are case-sensitive
+    EXPECT_FALSE(file->findFirstChunk(makeChunkId("rsid"))); // ids are case-sensitive
 }
 
 // The disk stream throws on a read past the end, so there a walk that went on would fail loudly.
@@ -81,15 +82,14 @@ TEST(ChunkFile, SizesThatWouldNotMoveTheWalkForwardEndIt)
         return container(chunk("good", text("ok")) + chunk("evil", size, text("pad")) + chunk("late", text("x")));
     };
     const Bytes hostile[] = {
-        evil(kMax),                 // offset + 12 + size overflows
-        evil(kMax + 1),             // negative as a signed size
-        evil(~uint64_t{0}),         // -1
-        evil(~uint64_t{0} - 11),    // -12: the next chunk would be this one again
-        evil(~uint64_t{0} - 99),    // -100: back to an earlier chunk
-        evil(kMax - 40),            // fits relative to the area, overflows once the area's base is added
+        evil(kMax), // offset + 12 + size overflows
+        evil(kMax + 1), // negative as a signed size
+        evil(~uint64_t{0}), // -1
+        evil(~uint64_t{0} - 11), // -12: the next chunk would be this one again
+        evil(~uint64_t{0} - 99), // -100: back to an earlier chunk
+        evil(kMax - 40), // fits relative to the area, overflows once the area's base is added
         // Zero bytes behind the header would otherwise read as empty chunks for 2^62 / 12 steps.
-        container(chunk("good", {}), uint64_t{1} << 62),
-        container(chunk("good", {}), kMax),   // base + length overflows
+        container(chunk("good", {}), uint64_t{1} << 62), container(chunk("good", {}), kMax), // base + length overflows
     };
     for (const Bytes& bytes : hostile) {
         inMemoryAndOnDisk(bytes, [&](CChunkFile* file) {

@@ -10,7 +10,7 @@ namespace {
 
 TEST(ChunkFileWriter, BuildsNestedChunksThatReadBackChunkForChunk)
 {
-    const Bytes big = patternBytes(100000);   // more than the disk stream buffers
+    const Bytes big = patternBytes(100000); // more than the disk stream buffers
     // The container reads back its header and sizes as it writes: a file is opened read-write.
     const auto build = [&](chf::IStream* stream) {
         Ref<CChunkFile> file(CChunkFileWriter::createFile(stream));
@@ -28,23 +28,23 @@ TEST(ChunkFileWriter, BuildsNestedChunksThatReadBackChunkForChunk)
         CChunkFileWriter::appendChunk(sub.get(), makeChunkId("leaf"), "L", 1);
         CChunkFileWriter::appendChunk(sub.get(), makeChunkId("leaf"), "M", 1);
     };
-    const Bytes expected = container(
-        chunk("vers", text("1.0"))
-        + chunk("STMP", chunk("data", text("hello!!")) + chunk("more", text("xyz")) + chunk("big_", big)
-                            + chunk("sub_", chunk("leaf", text("L")) + chunk("leaf", text("M"))))
-        + chunk("cmnt", text("hi")));
+    const Bytes expected =
+        container(chunk("vers", text("1.0")) +
+                  chunk("STMP", chunk("data", text("hello!!")) + chunk("more", text("xyz")) + chunk("big_", big) +
+                                    chunk("sub_", chunk("leaf", text("L")) + chunk("leaf", text("M")))) +
+                  chunk("cmnt", text("hi")));
     for (const Bytes& bytes : editedInMemoryAndOnDisk({}, build))
         EXPECT_EQ(bytes, expected);
 
     // Reopened, the file reads back and takes further chunks the same way.
     Ref<CTestStream> stream(new CTestStream(expected));
     Ref<CChunkFile> file(CChunkFile::open(stream.get()));
-    EXPECT_EQ(dump(file.get()), "vers(1.0) STMP[data(hello!!) more(xyz) big_(" + std::string(big.begin(), big.end())
-                                    + ") sub_[leaf(L) leaf(M)]] cmnt(hi)");
+    EXPECT_EQ(dump(file.get()), "vers(1.0) STMP[data(hello!!) more(xyz) big_(" + std::string(big.begin(), big.end()) +
+                                    ") sub_[leaf(L) leaf(M)]] cmnt(hi)");
     CChunkFileWriter::appendChunk(file.get(), makeChunkId("apid"), "app", 3);
     file.reset();
     EXPECT_EQ(stream->getBytes(), container(slice(expected, 16, expected.size()) + chunk("apid", text("app"))));
-    EXPECT_THROW(CChunkFileWriter::createFile(stream.get()), std::exception);   // not empty
+    EXPECT_THROW(CChunkFileWriter::createFile(stream.get()), std::exception); // not empty
 }
 
 } // namespace

@@ -47,7 +47,7 @@ TEST_F(ChunkStreamTest, ReadRunsPastTheChunkButThePositionStopsAtItsEnd)
 {
     Bytes buffer(10);
     stream->setPosition(2);
-    EXPECT_EQ(stream->read(buffer.data(), 10), 6);   // the result is the length, not a count
+    EXPECT_EQ(stream->read(buffer.data(), 10), 6); // the result is the length, not a count
     EXPECT_EQ(buffer, slice(original, 12, 22));
     EXPECT_EQ(stream->getPosition(), 6);
     stream->release();

@@ -28,23 +28,46 @@ using chf::CChunkStream;
 using chf::makeChunkId;
 
 using Bytes = std::vector<uint8_t>;
-template <class T> using Ref = chf::TChunkRef<T>;
+template <class T>
+using Ref = chf::TChunkRef<T>;
 
-inline Bytes text(const std::string& s) { return Bytes(s.begin(), s.end()); }
-inline Bytes operator+(Bytes a, const Bytes& b) { a.insert(a.end(), b.begin(), b.end()); return a; }
-inline Bytes slice(const Bytes& b, size_t from, size_t to) { return Bytes(b.begin() + long(from), b.begin() + long(to)); }
+inline Bytes text(const std::string& s)
+{
+    return Bytes(s.begin(), s.end());
+}
+inline Bytes operator+(Bytes a, const Bytes& b)
+{
+    a.insert(a.end(), b.begin(), b.end());
+    return a;
+}
+inline Bytes slice(const Bytes& b, size_t from, size_t to)
+{
+    return Bytes(b.begin() + long(from), b.begin() + long(to));
+}
 
 inline Bytes u64(uint64_t value)
 {
-    return {uint8_t(value), uint8_t(value >> 8), uint8_t(value >> 16), uint8_t(value >> 24),
+    return {uint8_t(value),       uint8_t(value >> 8),  uint8_t(value >> 16), uint8_t(value >> 24),
             uint8_t(value >> 32), uint8_t(value >> 40), uint8_t(value >> 48), uint8_t(value >> 56)};
 }
 
 // A chunk whose size field says `size`, followed by `data` (which may differ in length).
-inline Bytes chunk(const std::string& id, uint64_t size, const Bytes& data) { return text(id) + u64(size) + data; }
-inline Bytes chunk(const std::string& id, const Bytes& data) { return chunk(id, data.size(), data); }
-inline Bytes container(const Bytes& area, uint64_t length) { return text("URESFILE") + u64(length) + area; }
-inline Bytes container(const Bytes& area) { return container(area, area.size()); }
+inline Bytes chunk(const std::string& id, uint64_t size, const Bytes& data)
+{
+    return text(id) + u64(size) + data;
+}
+inline Bytes chunk(const std::string& id, const Bytes& data)
+{
+    return chunk(id, data.size(), data);
+}
+inline Bytes container(const Bytes& area, uint64_t length)
+{
+    return text("URESFILE") + u64(length) + area;
+}
+inline Bytes container(const Bytes& area)
+{
+    return container(area, area.size());
+}
 
 inline Bytes patternBytes(size_t count)
 {
@@ -83,7 +106,8 @@ inline std::string dump(chf::CChunkIterator* sequence)
 }
 
 // The container's own failures are the runtime's base exception itself, not a framework error.
-template <class F> bool raisesPlainException(F&& operation)
+template <class F>
+bool raisesPlainException(F&& operation)
 {
     try {
         operation();
@@ -117,7 +141,11 @@ struct CTestStream : chf::CMemoryStream {
 
 // A holder on the test's stack that records what it is told.
 struct CRecordingHolder : chf::IChunkHolder {
-    struct Notice { bool inserted; chf::CChunkStream* origin; int64_t at, count; };
+    struct Notice {
+        bool inserted;
+        chf::CChunkStream* origin;
+        int64_t at, count;
+    };
     uint32_t refs = 1;
     std::vector<Notice> notices;
     std::vector<chf::CChunkStream*> detached;
@@ -133,7 +161,10 @@ struct CRecordingHolder : chf::IChunkHolder {
 class CDiskFile {
 public:
     CDiskFile() { m_temp.makeFolder(kFolder); }
-    explicit CDiskFile(const Bytes& bytes) : CDiskFile() { m_temp.writeFile(kPath, std::string(bytes.begin(), bytes.end())); }
+    explicit CDiskFile(const Bytes& bytes) : CDiskFile()
+    {
+        m_temp.writeFile(kPath, std::string(bytes.begin(), bytes.end()));
+    }
 
     kore::P<kore::IURI> uri() const { return m_temp.uri(kFolder)->resolve("a file.chf"); }
     Ref<chf::CKoreFileStream> open(uint32_t mode) const
@@ -149,7 +180,8 @@ private:
 };
 
 // Runs `edit` over `original` in memory and in a file on disk; the bytes each ends with.
-template <class F> std::vector<Bytes> editedInMemoryAndOnDisk(const Bytes& original, F&& edit)
+template <class F>
+std::vector<Bytes> editedInMemoryAndOnDisk(const Bytes& original, F&& edit)
 {
     Ref<CTestStream> memory(new CTestStream(original));
     edit(memory.get());

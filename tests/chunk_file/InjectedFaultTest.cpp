@@ -18,10 +18,10 @@ const Bytes kBig = patternBytes(100000); // more than the disk stream buffers
 
 Bytes original()
 {
-    return container(chunk("vers", text("1.0"))
-                     + chunk("STMP", chunk("data", text("hello")) + chunk("big_", kBig)
-                                         + chunk("sub_", chunk("leaf", text("L"))))
-                     + chunk("cmnt", text("hi")));
+    return container(
+        chunk("vers", text("1.0")) +
+        chunk("STMP", chunk("data", text("hello")) + chunk("big_", kBig) + chunk("sub_", chunk("leaf", text("L")))) +
+        chunk("cmnt", text("hi")));
 }
 
 // Grows a nested chunk (insertion, then the sizes written back) and inserts space inside another
@@ -29,8 +29,7 @@ Bytes original()
 void edit(chf::IStream* stream)
 {
     Ref<CChunkFile> file(CChunkFile::open(stream));
-    while (file->nextChunk() && file->getChunkId() != makeChunkId("STMP")) {
-    }
+    while (file->nextChunk() && file->getChunkId() != makeChunkId("STMP")) {}
     Ref<CChunkIterator> stmp(file->openChunkIterator());
     ASSERT_TRUE(stmp->nextChunk());
     {
@@ -98,8 +97,7 @@ TEST(InjectedFaults, EveryFailingFileOperationOfAChangeIsReportedAndTheNextChang
             expected = disk.bytes();
         }
         ASSERT_GT(operations, 5);
-        std::printf("%s: failing each of %lld file operations in turn\n", row.name,
-                    static_cast<long long>(operations));
+        std::printf("%s: failing each of %lld file operations in turn\n", row.name, static_cast<long long>(operations));
         ASSERT_NE(expected, row.original);
 
         for (int64_t n = 1; n <= operations; ++n) {

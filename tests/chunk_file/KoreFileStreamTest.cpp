@@ -23,7 +23,7 @@ TEST(KoreFileStream, WalkingAFileReadsItInBufferSizedPieces)
     const Bytes blob = chunk("blob", patternBytes(100));
     for (int i = 0; i < 2000; ++i)
         area.insert(area.end(), blob.begin(), blob.end());
-    CDiskFile disk(container(area));   // 224,016 bytes: four disk buffers
+    CDiskFile disk(container(area)); // 224,016 bytes: four disk buffers
     kore::P<kore::IStream> opened = IStreamManager::instance()->openURI(*disk.uri(), IStreamManager::kRead);
     const auto* counted = dynamic_cast<const kore::CDiskStream*>(opened.get());
     ASSERT_NE(counted, nullptr);
@@ -41,9 +41,12 @@ TEST(KoreFileStream, ReadOnlyFilesRefuseWritesAndWriteOnlyFilesReadNothingSilent
     CDiskFile disk(text("URESFILE"));
     {
         Ref<CKoreFileStream> in = disk.open(IStreamManager::kRead);
-        in->setPosition(4);   // a stream that reads can seek
+        in->setPosition(4); // a stream that reads can seek
         EXPECT_TRUE(raisesPlainException([&] { in->write("x", 1); }));
-        EXPECT_TRUE(raisesPlainException([&] { in->setPosition(2); in->insertSpace(1); }));
+        EXPECT_TRUE(raisesPlainException([&] {
+            in->setPosition(2);
+            in->insertSpace(1);
+        }));
         EXPECT_TRUE(raisesPlainException([&] { in->truncate(4); }));
     }
     EXPECT_EQ(disk.bytes(), text("URESFILE"));
@@ -67,8 +70,8 @@ public:
     bool castQuery(const std::type_info& target, const kore::IBase*& redirect,
                    const kore::CCastCandidate*& candidates) const override
     {
-        if (target == typeid(kore::ISeekable) || target == typeid(kore::ISeekableInStream)
-            || target == typeid(kore::ISeekableIOStream) || target == typeid(kore::ISeekableOutStream))
+        if (target == typeid(kore::ISeekable) || target == typeid(kore::ISeekableInStream) ||
+            target == typeid(kore::ISeekableIOStream) || target == typeid(kore::ISeekableOutStream))
             return false;
         return CMemoryStream::castQuery(target, redirect, candidates);
     }
@@ -93,7 +96,7 @@ TEST(KoreFileStream, ExtendWritesZerosKeepsThePositionAndRefusesMoreThan4GiBMinu
         Ref<CKoreFileStream> stream = disk.open(IStreamManager::kReadWrite);
         stream->setPosition(1);
         EXPECT_TRUE(raisesPlainException([&] { stream->extend(3 + 0x100000000LL); }));
-        EXPECT_TRUE(raisesPlainException([&] { stream->extend(2); }));   // cannot shrink
+        EXPECT_TRUE(raisesPlainException([&] { stream->extend(2); })); // cannot shrink
         EXPECT_EQ(stream->getLength(), 3);
         stream->extend(8);
         EXPECT_EQ(stream->getLength(), 8);

@@ -10,14 +10,15 @@ namespace {
 TEST(SpacePropagation, ChildGrownWhileOpenIsSkippedAndEveryEnclosingSizeFollows)
 {
     const auto area = [](const Bytes& leaf) {
-        return chunk("vers", text("1.0"))
-            + chunk("STMP", chunk("sub_", chunk("leaf", leaf) + chunk("next", text("n"))) + chunk("more", text("xyz")))
-            + chunk("cmnt", text("hi"));
+        return chunk("vers", text("1.0")) +
+               chunk("STMP",
+                     chunk("sub_", chunk("leaf", leaf) + chunk("next", text("n"))) + chunk("more", text("xyz"))) +
+               chunk("cmnt", text("hi"));
     };
     const auto grow = [](chf::IStream* stream) {
         Ref<CChunkFile> file(CChunkFile::open(stream));
         ASSERT_TRUE(file->findChunk(makeChunkId("cmnt")));
-        Ref<CChunkStream> comment(file->openChunkStream());   // lies behind the growth
+        Ref<CChunkStream> comment(file->openChunkStream()); // lies behind the growth
         ASSERT_TRUE(file->findFirstChunk(makeChunkId("STMP")));
         Ref<CChunkIterator> stmp(file->openChunkIterator());
         ASSERT_TRUE(stmp->findChunk(makeChunkId("sub_")));
@@ -28,7 +29,11 @@ TEST(SpacePropagation, ChildGrownWhileOpenIsSkippedAndEveryEnclosingSizeFollows)
         leaf->write("0123456789", 10);
 
         // Every holder steps over the grown chunk before any size has been written back.
-        const struct { CChunkIterator* holder; uint32_t next; Bytes data; } steps[] = {
+        const struct {
+            CChunkIterator* holder;
+            uint32_t next;
+            Bytes data;
+        } steps[] = {
             {sub.get(), makeChunkId("next"), text("n")},
             {stmp.get(), makeChunkId("more"), text("xyz")},
             {file.get(), makeChunkId("cmnt"), text("hi")},
@@ -59,7 +64,7 @@ TEST(SpacePropagation, EarlierSiblingMovesAnIteratorAndItsRememberedChunkTwice)
     ASSERT_TRUE(file->nextChunk());
     Ref<CChunkIterator> second(file->openChunkIterator());
     ASSERT_TRUE(second->nextChunk());
-    Ref<CChunkStream> x(second->openChunkStream());   // at 56, its iterator at 44
+    Ref<CChunkStream> x(second->openChunkStream()); // at 56, its iterator at 44
 
     // An iterator passes its own insertion up; the holder hands it down to the other children.
     first->setPosition(0);
@@ -75,8 +80,8 @@ TEST(SpacePropagation, EarlierSiblingMovesAnIteratorAndItsRememberedChunkTwice)
 
 TEST(SpacePropagation, RemovingTheCurrentChunkDropsItAndItsDeletedStreamWritesNothing)
 {
-    Ref<CTestStream> stream(new CTestStream(container(chunk("A___", text("aa")) + chunk("B___", text("bbbb"))
-                                                      + chunk("C___", text("cc")))));
+    Ref<CTestStream> stream(new CTestStream(
+        container(chunk("A___", text("aa")) + chunk("B___", text("bbbb")) + chunk("C___", text("cc")))));
     Ref<CChunkFile> file(CChunkFile::open(stream.get()));
     ASSERT_TRUE(file->findChunk(makeChunkId("C___")));
     Ref<CChunkStream> c(file->openChunkStream());
@@ -89,7 +94,7 @@ TEST(SpacePropagation, RemovingTheCurrentChunkDropsItAndItsDeletedStreamWritesNo
     file->removeSpace(12 + 6);
     EXPECT_TRUE(b->isDeleted());
     EXPECT_EQ(file->getChunkId(), 0u);
-    ASSERT_TRUE(file->nextChunk());   // the walk goes on with what followed
+    ASSERT_TRUE(file->nextChunk()); // the walk goes on with what followed
     EXPECT_EQ(file->getChunkId(), makeChunkId("C___"));
     EXPECT_EQ(readAll(c.get()), text("cc"));
 
@@ -115,8 +120,8 @@ TEST(SpacePropagation, InsertionAtAChunkHeaderMovesItAndGrowsTheChunkBeforeUnles
     for (const bool skipAdjacent : {false, true}) {
         const Bytes area = chunk("A___", text("aaaa")) + chunk("B___", text("bb"));
         Ref<CTestStream> stream(new CTestStream(Bytes(8, 0) + area));
-        Ref<CChunkIterator> sequence(new CSkippingIterator(stream.get(), 8, static_cast<int64_t>(area.size()),
-                                                           skipAdjacent));
+        Ref<CChunkIterator> sequence(
+            new CSkippingIterator(stream.get(), 8, static_cast<int64_t>(area.size()), skipAdjacent));
         ASSERT_TRUE(sequence->nextChunk());
         Ref<CChunkStream> a(sequence->openChunkStream());
         ASSERT_TRUE(sequence->nextChunk());
@@ -178,8 +183,8 @@ TEST(SpacePropagation, RemovalNoticesMoveShrinkOrDeleteAStreamThatWritesBackWhat
 TEST(SpacePropagation, RemovalInANestedChunkShrinksItAndEveryEnclosingSize)
 {
     const auto area = [](const Bytes& x) {
-        return chunk("A___", text("aa")) + chunk("sub_", chunk("x___", x) + chunk("y___", text("yy")))
-            + chunk("C___", text("cc"));
+        return chunk("A___", text("aa")) + chunk("sub_", chunk("x___", x) + chunk("y___", text("yy"))) +
+               chunk("C___", text("cc"));
     };
     Ref<CTestStream> stream(new CTestStream(container(area(text("123456")))));
     Ref<CChunkFile> file(CChunkFile::open(stream.get()));

@@ -85,7 +85,7 @@ private:
     };
 
     static std::unique_ptr<kore::platform::INativeFile> open(const kore::IString& path, uint32_t mode,
-                                                            NativeError& error)
+                                                             NativeError& error)
     {
         if (mode != kore::platform::kNativeRead)
             ++state().writableOpens;

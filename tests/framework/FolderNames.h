@@ -4,8 +4,8 @@
 #include "framework/io/IFileEntry.h"
 #include "framework/io/IFileEnum.h"
 #include "framework/io/IFileSystemManager.h"
-#include "framework/text/IString.h"
 #include "framework/io/IURI.h"
+#include "framework/text/IString.h"
 
 #include <string>
 #include <vector>

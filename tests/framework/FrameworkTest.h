@@ -3,8 +3,8 @@
 // checks on the error a call must throw (a call that throws nothing fails the test).
 
 #include "framework/errors/CInvalidArgError.h"
-#include "framework/text/CString.h"
 #include "framework/objects/Cast.h"
+#include "framework/text/CString.h"
 
 #include <gtest/gtest.h>
 

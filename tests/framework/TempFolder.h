@@ -3,9 +3,9 @@
 // afterwards. Set-up goes through the standard library, so that the code under test is not
 // also the code that prepares its input.
 
-#include "framework/text/CString.h"
 #include "framework/io/IPathes.h"
 #include "framework/io/IURI.h"
+#include "framework/text/CString.h"
 
 #include <filesystem>
 #include <fstream>

@@ -22,8 +22,8 @@ namespace {
 
 constexpr size_t kMaxDepth = 6;
 constexpr size_t kMaxStreams = 4;
-constexpr uint32_t kIds[] = {chf::makeChunkId("STMP"), chf::makeChunkId("data"),
-                             chf::makeChunkId("lang"), chf::makeChunkId("sub_")};
+constexpr uint32_t kIds[] = {chf::makeChunkId("STMP"), chf::makeChunkId("data"), chf::makeChunkId("lang"),
+                             chf::makeChunkId("sub_")};
 
 // A memory stream that refuses to grow beyond a few megabytes, like a full disk. A walk that ended on
 // a chunk claiming terabytes leaves its sequence far behind the end of the stream, and a write there
@@ -76,7 +76,8 @@ void walkAll(std::vector<uint8_t> bytes)
 }
 
 // Lets go of the newest first; a failure (a size written back) ends only that one.
-template <class T> void releaseAll(std::vector<chf::TChunkRef<T>>& refs)
+template <class T>
+void releaseAll(std::vector<chf::TChunkRef<T>>& refs)
 {
     while (!refs.empty()) {
         try {
@@ -122,8 +123,8 @@ void fuzzChunkFile(const uint8_t* data, size_t size)
         // Reads, writes and space changes go to any open stream or sequence.
         const size_t targets = sequences.size() + streams.size();
         chf::IStream* target = arg % targets < sequences.size()
-            ? static_cast<chf::IStream*>(sequences[arg % targets].get())
-            : streams[arg % targets - sequences.size()].get();
+                                   ? static_cast<chf::IStream*>(sequences[arg % targets].get())
+                                   : streams[arg % targets - sequences.size()].get();
         try {
             switch (op % 12) {
             case 0: top->nextChunk(); break;

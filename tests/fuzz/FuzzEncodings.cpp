@@ -34,7 +34,10 @@ ICharEncoding& encoding(uint8_t selector)
     }
 }
 
-int sign(int32_t value) { return (value > 0) - (value < 0); }
+int sign(int32_t value)
+{
+    return (value > 0) - (value < 0);
+}
 
 std::vector<uint32_t> decodeForwards(const ICharEncoding& enc, const uint8_t* buf, uint32_t len)
 {
@@ -102,15 +105,15 @@ void walkEncoding(const ICharEncoding& enc, const uint8_t* buf, uint32_t len)
     }
     uint32_t backCount = 0;
     std::vector<uint32_t> backBatch(backwards.size() + 1);
-    enc.decodePrevChars(backBatch.data(), static_cast<uint32_t>(backBatch.size()), backCount, buf, len,
-                        len, offsets.data());
+    enc.decodePrevChars(backBatch.data(), static_cast<uint32_t>(backBatch.size()), backCount, buf, len, len,
+                        offsets.data());
     check(backCount == backwards.size());
 }
 
 P<IString> text(const std::string& bytes, ICharEncoding& enc)
 {
-    return kore::make<kore::CString>(bytes.data(), static_cast<uint32_t>(bytes.size()), IString::kUnknown,
-                                     false, enc, kore::CString::kCopy);
+    return kore::make<kore::CString>(bytes.data(), static_cast<uint32_t>(bytes.size()), IString::kUnknown, false, enc,
+                                     kore::CString::kCopy);
 }
 
 void searchPieces(const IString& s, uint32_t start, uint32_t count, bool backwardsToo)
@@ -163,8 +166,8 @@ void fuzzEncodings(const uint8_t* data, size_t size)
         check(a->compareString(*a, false, IString::kUnknown, false) == 0);
         check(a->compareString(*a, true, IString::kUnknown, false) == 0);
         for (bool ignoreCase : {false, true})
-            check(sign(a->compareString(*b, ignoreCase, IString::kUnknown, false))
-                  == -sign(b->compareString(*a, ignoreCase, IString::kUnknown, false)));
+            check(sign(a->compareString(*b, ignoreCase, IString::kUnknown, false)) ==
+                  -sign(b->compareString(*a, ignoreCase, IString::kUnknown, false)));
         a->compareString(*b, true, count, true);
 
         // Conversion keeps every character the target can hold; UTF-32 holds them all.

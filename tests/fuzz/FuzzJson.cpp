@@ -3,9 +3,9 @@
 // has been through the parser once.
 #include "FuzzTargets.h"
 
+#include "framework/text/CString.h"
 #include "framework/values/CJsonParser.h"
 #include "framework/values/CJsonPrinter.h"
-#include "framework/text/CString.h"
 
 #include <exception>
 #include <string_view>

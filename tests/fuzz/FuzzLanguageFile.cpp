@@ -79,10 +79,10 @@ void fuzzLanguageFile(const uint8_t* data, size_t size)
         QOR_LANG2_FILE_HANDLE file = QOR_LANG2_getLanguageFile(w(kAppId), i);
         if (!file)
             continue;
-        for (auto accessor : {QOR_LANG2_FILE_getAppID, QOR_LANG2_FILE_getAuthor,
-                              QOR_LANG2_FILE_getComment, QOR_LANG2_FILE_getEnglishName,
-                              QOR_LANG2_FILE_getEnglishSubName, QOR_LANG2_FILE_getNativeName,
-                              QOR_LANG2_FILE_getNativeSubName, QOR_LANG2_FILE_getLanguageID})
+        for (auto accessor :
+             {QOR_LANG2_FILE_getAppID, QOR_LANG2_FILE_getAuthor, QOR_LANG2_FILE_getComment,
+              QOR_LANG2_FILE_getEnglishName, QOR_LANG2_FILE_getEnglishSubName, QOR_LANG2_FILE_getNativeName,
+              QOR_LANG2_FILE_getNativeSubName, QOR_LANG2_FILE_getLanguageID})
             consume(accessor(file));
         QOR_LANG2_freeQorLangFile(file);
     }

@@ -17,16 +17,11 @@ using qorlang::Format;
 Catalogue read(Format format, const std::string& bytes)
 {
     switch (format) {
-    case Format::Po:
-        return qorlang::readPo("fuzz.po", bytes);
-    case Format::Json:
-        return qorlang::readJson("fuzz.json", bytes);
-    case Format::Xliff:
-        return qorlang::readXliff("fuzz.xlf", bytes);
-    case Format::Ts:
-        return qorlang::readTs("fuzz.ts", bytes);
-    default:
-        __builtin_trap();
+    case Format::Po: return qorlang::readPo("fuzz.po", bytes);
+    case Format::Json: return qorlang::readJson("fuzz.json", bytes);
+    case Format::Xliff: return qorlang::readXliff("fuzz.xlf", bytes);
+    case Format::Ts: return qorlang::readTs("fuzz.ts", bytes);
+    default: __builtin_trap();
     }
 }
 
@@ -67,9 +62,21 @@ void fuzzFormat(Format format, const uint8_t* data, size_t size)
 
 } // namespace
 
-void fuzzPo(const uint8_t* data, size_t size) { fuzzFormat(Format::Po, data, size); }
-void fuzzXliff(const uint8_t* data, size_t size) { fuzzFormat(Format::Xliff, data, size); }
-void fuzzTs(const uint8_t* data, size_t size) { fuzzFormat(Format::Ts, data, size); }
-void fuzzI18next(const uint8_t* data, size_t size) { fuzzFormat(Format::Json, data, size); }
+void fuzzPo(const uint8_t* data, size_t size)
+{
+    fuzzFormat(Format::Po, data, size);
+}
+void fuzzXliff(const uint8_t* data, size_t size)
+{
+    fuzzFormat(Format::Xliff, data, size);
+}
+void fuzzTs(const uint8_t* data, size_t size)
+{
+    fuzzFormat(Format::Ts, data, size);
+}
+void fuzzI18next(const uint8_t* data, size_t size)
+{
+    fuzzFormat(Format::Json, data, size);
+}
 
 } // namespace qor_fuzz

@@ -4,8 +4,8 @@
 #include "FuzzInput.h"
 #include "FuzzTargets.h"
 
-#include "framework/text/CString.h"
 #include "framework/io/CURI.h"
+#include "framework/text/CString.h"
 
 #include <exception>
 

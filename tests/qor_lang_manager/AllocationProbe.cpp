@@ -45,8 +45,14 @@ CAllocationProbe::CAllocationProbe(std::size_t limit)
     t_probing = true;
 }
 
-CAllocationProbe::~CAllocationProbe() { t_probing = false; }
-std::size_t CAllocationProbe::largest() const { return t_largest; }
+CAllocationProbe::~CAllocationProbe()
+{
+    t_probing = false;
+}
+std::size_t CAllocationProbe::largest() const
+{
+    return t_largest;
+}
 
 CAllocationFailure::CAllocationFailure(std::size_t failAt)
 {
@@ -56,9 +62,18 @@ CAllocationFailure::CAllocationFailure(std::size_t failAt)
     t_counting = true;
 }
 
-CAllocationFailure::~CAllocationFailure() { t_counting = false; }
-std::size_t CAllocationFailure::allocations() const { return t_allocations; }
-bool CAllocationFailure::failed() const { return t_failed; }
+CAllocationFailure::~CAllocationFailure()
+{
+    t_counting = false;
+}
+std::size_t CAllocationFailure::allocations() const
+{
+    return t_allocations;
+}
+bool CAllocationFailure::failed() const
+{
+    return t_failed;
+}
 
 } // namespace lang_test
 
@@ -69,10 +84,22 @@ void* operator new(std::size_t size)
     throw std::bad_alloc();
 }
 
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return allocate(size); }
-void operator delete(void* p) noexcept { std::free(p); }
-void operator delete(void* p, std::size_t) noexcept { std::free(p); }
-void operator delete(void* p, const std::nothrow_t&) noexcept { std::free(p); }
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept
+{
+    return allocate(size);
+}
+void operator delete(void* p) noexcept
+{
+    std::free(p);
+}
+void operator delete(void* p, std::size_t) noexcept
+{
+    std::free(p);
+}
+void operator delete(void* p, const std::nothrow_t&) noexcept
+{
+    std::free(p);
+}
 
 void* operator new[](std::size_t size)
 {
@@ -81,7 +108,19 @@ void* operator new[](std::size_t size)
     throw std::bad_alloc();
 }
 
-void* operator new[](std::size_t size, const std::nothrow_t&) noexcept { return allocate(size); }
-void operator delete[](void* p) noexcept { std::free(p); }
-void operator delete[](void* p, std::size_t) noexcept { std::free(p); }
-void operator delete[](void* p, const std::nothrow_t&) noexcept { std::free(p); }
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept
+{
+    return allocate(size);
+}
+void operator delete[](void* p) noexcept
+{
+    std::free(p);
+}
+void operator delete[](void* p, std::size_t) noexcept
+{
+    std::free(p);
+}
+void operator delete[](void* p, const std::nothrow_t&) noexcept
+{
+    std::free(p);
+}

@@ -16,27 +16,37 @@ using namespace qor_lang;
 
 namespace {
 
-std::string toUtf8(std::u16string_view s) { return kore::CString::fromUTF16(s)->toUTF8(); }
+std::string toUtf8(std::u16string_view s)
+{
+    return kore::CString::fromUTF16(s)->toUTF8();
+}
 
-bool isAscii(std::u16string_view s) {
+bool isAscii(std::u16string_view s)
+{
     return std::all_of(s.begin(), s.end(), [](char16_t c) { return c < 0x80; });
 }
 
-bool isLetters(std::u16string_view s, char16_t first) {
+bool isLetters(std::u16string_view s, char16_t first)
+{
     return !s.empty() && std::all_of(s.begin(), s.end(), [&](char16_t c) { return c >= first && c <= first + 25; });
 }
 
-std::u16string folded(std::u16string_view s) {
+std::u16string folded(std::u16string_view s)
+{
     std::u16string out(s);
     std::transform(out.begin(), out.end(), out.begin(), foldAsciiCase);
     return out;
 }
 
-std::u16string countryAt(int32_t i) { return CountryCodeTable[i].englishName; }
+std::u16string countryAt(int32_t i)
+{
+    return CountryCodeTable[i].englishName;
+}
 
-}  // namespace
+} // namespace
 
-TEST(LanguageCodeTableTest, LanguageRows) {
+TEST(LanguageCodeTableTest, LanguageRows)
+{
     // This edition of iso-codes: 487 entries less the reserved range qaa-qtz.
     ASSERT_EQ(LanguageCodeTableCount, 486);
     EXPECT_EQ(std::u16string(LanguageCodeTable[0].iso639_2), u"aar");
@@ -67,7 +77,8 @@ TEST(LanguageCodeTableTest, LanguageRows) {
     EXPECT_EQ(effective.count(u"qtz"), 0u);
 }
 
-TEST(LanguageCodeTableTest, CountryRowsFollowThePublishedOrder) {
+TEST(LanguageCodeTableTest, CountryRowsFollowThePublishedOrder)
+{
     ASSERT_EQ(CountryCodeTableCount, 249);
     EXPECT_EQ(countryAt(0), u"Afghanistan");
     EXPECT_EQ(countryAt(1), u"\u00C5land Islands");
@@ -90,10 +101,11 @@ TEST(LanguageCodeTableTest, CountryRowsFollowThePublishedOrder) {
         EXPECT_EQ(CountryCodeTableUtf8[i].englishName, toUtf8(name));
     }
     // ... and accented ones sit where their base letters put them.
-    const std::vector<std::pair<std::u16string, std::u16string>> neighbours = {
-        {u"Costa Rica", u"C\u00F4te d'Ivoire"}, {u"Cuba", u"Cura\u00E7ao"},
-        {u"Qatar", u"R\u00E9union"},            {u"Rwanda", u"Saint Barth\u00E9lemy"},
-        {u"Tunisia", u"T\u00FCrkiye"}};
+    const std::vector<std::pair<std::u16string, std::u16string>> neighbours = {{u"Costa Rica", u"C\u00F4te d'Ivoire"},
+                                                                               {u"Cuba", u"Cura\u00E7ao"},
+                                                                               {u"Qatar", u"R\u00E9union"},
+                                                                               {u"Rwanda", u"Saint Barth\u00E9lemy"},
+                                                                               {u"Tunisia", u"T\u00FCrkiye"}};
     for (const auto& [before, accented] : neighbours) {
         int32_t i = 0;
         while (i + 1 < CountryCodeTableCount && countryAt(i) != before) {
@@ -103,7 +115,8 @@ TEST(LanguageCodeTableTest, CountryRowsFollowThePublishedOrder) {
     }
 }
 
-TEST(LanguageCodeTableTest, EveryTagRoundTrips) {
+TEST(LanguageCodeTableTest, EveryTagRoundTrips)
+{
     // Every language with every country: the tag must parse back to the same two rows.
     int failures = 0;
     for (int32_t l = 0; l < LanguageCodeTableCount && failures < 10; ++l) {

@@ -36,9 +36,9 @@ std::string described(const Bytes& bytes)
     const auto file = readFile(bytes);
     const std::u16string tag = file->getLanguage().getTag();
     std::string out = file->getLanguage().isValid() ? std::string(tag.begin(), tag.end()) : "invalid";
-    for (const auto& item : {file->getNativeName(), file->getNativeSubName(), file->getEnglishName(),
-                             file->getEnglishSubName(), file->getAppId(), file->getAppString2(), file->getComment(),
-                             file->getAuthor()})
+    for (const auto& item :
+         {file->getNativeName(), file->getNativeSubName(), file->getEnglishName(), file->getEnglishSubName(),
+          file->getAppId(), file->getAppString2(), file->getComment(), file->getAuthor()})
         out += "|" + utf8(item);
     return out;
 }
@@ -57,11 +57,11 @@ TEST(LanguageFile, DescriptiveDataReadsBack)
     minimal.setApplication(u"A");
     minimal.setAuthor(u"me");
     minimal.addString(u"k", u"v", 5);
-    const Bytes expected = container(
-        chunk("lang", counted(u"de-DE") + counted(u"Deutsch") + u32(0)) + chunk("apid", counted(u"A") + u32(0)) +
-        chunk("cmnt", u32(0)) + chunk("xdid", u32(1) + counted(u"QOR_LANG_AUTHOR") + counted(u"me")) +
-        chunk("vers", u32(1)) +
-        chunk("STMP", chunk("data", u32(1) + u32(5) + counted(u"k") + counted(u"v") + u32(0) + u32(0))));
+    const Bytes expected =
+        container(chunk("lang", counted(u"de-DE") + counted(u"Deutsch") + u32(0)) +
+                  chunk("apid", counted(u"A") + u32(0)) + chunk("cmnt", u32(0)) +
+                  chunk("xdid", u32(1) + counted(u"QOR_LANG_AUTHOR") + counted(u"me")) + chunk("vers", u32(1)) +
+                  chunk("STMP", chunk("data", u32(1) + u32(5) + counted(u"k") + counted(u"v") + u32(0) + u32(0))));
     EXPECT_EQ(written(minimal), expected);
 }
 
@@ -73,12 +73,12 @@ TEST(LanguageFile, HandMadeFiles)
         // Native name N = 1 (empty); sub-name N = 7 whose last unit is '?', not zero. The application
         // id N = 0 is absent, and only its count is consumed. A comment count running past its chunk
         // takes the bytes that follow it: the next chunk's id. Of two pairs with one key, the later.
-        {container(chunk("lang", counted(u"fr-CA") + counted(u"") + u32(7)
-                                     + Bytes{'Q', 0, 'u', 0, 0xE9, 0, 'b', 0, 'e', 0, 'c', 0, '?', 0})
-                   + chunk("apid", counted(std::nullopt) + counted(u"two")) + chunk("cmnt", u32(3))
-                   + chunk(std::string("h\0i\0", 4), Bytes{})
-                   + chunk("xdid", u32(2) + counted(u"QOR_LANG_AUTHOR") + counted(u"Bob")
-                                       + counted(u"QOR_LANG_AUTHOR") + counted(u"Ann"))),
+        {container(chunk("lang", counted(u"fr-CA") + counted(u"") + u32(7) +
+                                     Bytes{'Q', 0, 'u', 0, 0xE9, 0, 'b', 0, 'e', 0, 'c', 0, '?', 0}) +
+                   chunk("apid", counted(std::nullopt) + counted(u"two")) + chunk("cmnt", u32(3)) +
+                   chunk(std::string("h\0i\0", 4), Bytes{}) +
+                   chunk("xdid", u32(2) + counted(u"QOR_LANG_AUTHOR") + counted(u"Bob") + counted(u"QOR_LANG_AUTHOR") +
+                                     counted(u"Ann"))),
          "fr-CA||Québec|French|Canada||two|hi|Ann"},
         // "lang" must come before every chunk but "RSID"; the other chunks are searched from the start.
         {container(apid + langChunk(u"de-DE", u"Deutsch") + chunk("cmnt", counted(u"note"))), "invalid|||||App||note|"},
@@ -178,8 +178,8 @@ TEST(LanguageFile, CountsBeyondTheFileFailAtOnceWithoutAllocating)
         {"xdid M = 0xFFFFFFFF", container(lang + chunk("xdid", u32(0xFFFFFFFF))), false},
         {"xdid M = 2, one pair", container(lang + chunk("xdid", u32(2) + counted(u"k") + counted(u"v"))), false},
         {"data M = 0xFFFFFFFF", container(lang + chunk("STMP", chunk("data", u32(0xFFFFFFFF)))), true},
-        {"entry key N = 0xFFFFFFFF",
-         container(lang + chunk("STMP", chunk("data", u32(1) + u32(0) + u32(0xFFFFFFFF)))), true},
+        {"entry key N = 0xFFFFFFFF", container(lang + chunk("STMP", chunk("data", u32(1) + u32(0) + u32(0xFFFFFFFF)))),
+         true},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
@@ -202,7 +202,8 @@ TEST(LanguageFile, ChunkSizesThatWouldWrapEndTheWalk)
 {
     const Bytes lang = langChunk(u"de-DE", u"Deutsch");
     const Bytes apid = chunk("apid", counted(u"App") + counted(u""));
-    for (const uint64_t size : {~0ull, ~0ull - 11, 1ull << 63, (1ull << 63) - 1, (1ull << 63) - 12, (1ull << 63) - 40}) {
+    for (const uint64_t size :
+         {~0ull, ~0ull - 11, 1ull << 63, (1ull << 63) - 1, (1ull << 63) - 12, (1ull << 63) - 40}) {
         SCOPED_TRACE(size);
         const Bytes file = container(lang + chunk("junk", size, counted(u"j")) + apid + stmpChunk({{u"k", u"v"}}));
         EXPECT_EQ(described(file), "de-DE|Deutsch||German|Germany||||") << "nothing after the chunk is reached";

@@ -12,21 +12,25 @@ using qor_lang::LanguageTagMode;
 namespace {
 
 // Field pointers compare as text; "(null)" keeps null apart from "".
-std::u16string text(const char16_t* p) {
+std::u16string text(const char16_t* p)
+{
     return p != nullptr ? std::u16string(p) : std::u16string(u"(null)");
 }
 
 // Trace labels; the texts traced are ASCII.
-std::string label(const char16_t* p) {
+std::string label(const char16_t* p)
+{
     const std::u16string t = text(p);
     return std::string(t.begin(), t.end());
 }
 
-LanguageId tag(const char16_t* t) {
+LanguageId tag(const char16_t* t)
+{
     return LanguageId(t, LanguageTagMode::Tag);
 }
 
-void expectSameId(const LanguageId& a, const LanguageId& b) {
+void expectSameId(const LanguageId& a, const LanguageId& b)
+{
     EXPECT_EQ(a.valid, b.valid);
     EXPECT_EQ(a.index, b.index);
     EXPECT_EQ(a.iso639_2, b.iso639_2);
@@ -36,9 +40,10 @@ void expectSameId(const LanguageId& a, const LanguageId& b) {
     EXPECT_EQ(a.countryName, b.countryName);
 }
 
-}  // namespace
+} // namespace
 
-TEST(LanguageIdTest, DefaultIdIsValidButEmpty) {
+TEST(LanguageIdTest, DefaultIdIsValidButEmpty)
+{
     const LanguageId id;
     EXPECT_TRUE(id.isValid());
     EXPECT_EQ(id.index, -1);
@@ -48,7 +53,8 @@ TEST(LanguageIdTest, DefaultIdIsValidButEmpty) {
     EXPECT_EQ(id.getTag(), u"");
 }
 
-TEST(LanguageIdTest, TagFindsLanguageAndCountryRows) {
+TEST(LanguageIdTest, TagFindsLanguageAndCountryRows)
+{
     const LanguageId de = tag(u"de-DE");
     ASSERT_TRUE(de.isValid());
     EXPECT_EQ(de.index, -1);
@@ -75,11 +81,13 @@ TEST(LanguageIdTest, TagFindsLanguageAndCountryRows) {
     EXPECT_EQ(ace.getTag(), u"ace-ID");
 }
 
-TEST(LanguageIdTest, TagRejectsAnythingButLanguageCountry) {
+TEST(LanguageIdTest, TagRejectsAnythingButLanguageCountry)
+{
     LanguageId invalid;
     invalid.valid = false;
     // A bare language, extra parts, bibliographic codes, unknown codes, no tokens at all.
-    for (const char16_t* t : std::initializer_list<const char16_t*>{u"de", u"de-DE-x", u"fre-FR", u"ger-DE", u"xx-DE", u"-", u"", nullptr}) {
+    for (const char16_t* t : std::initializer_list<const char16_t*>{u"de", u"de-DE-x", u"fre-FR", u"ger-DE", u"xx-DE",
+                                                                    u"-", u"", nullptr}) {
         SCOPED_TRACE(label(t));
         expectSameId(tag(t), invalid);
     }
@@ -93,7 +101,8 @@ TEST(LanguageIdTest, TagRejectsAnythingButLanguageCountry) {
     EXPECT_EQ(unknownCountry.countryCode, nullptr);
 }
 
-TEST(LanguageIdTest, SingleFieldLookups) {
+TEST(LanguageIdTest, SingleFieldLookups)
+{
     EXPECT_EQ(text(LanguageId(u"GERMAN", LanguageTagMode::LanguageName).iso639_1), u"de");
     // Names compare whole, alternatives included.
     EXPECT_FALSE(LanguageId(u"Dutch", LanguageTagMode::LanguageName).isValid());
@@ -119,15 +128,17 @@ TEST(LanguageIdTest, SingleFieldLookups) {
     ASSERT_TRUE(country.isValid());
     EXPECT_TRUE(country.hasCountry());
     EXPECT_FALSE(country.hasLanguage());
-    EXPECT_EQ(country.getTag(), u"");  // a country alone has no tag
+    EXPECT_EQ(country.getTag(), u""); // a country alone has no tag
 }
 
-TEST(LanguageIdTest, CaseFoldingStopsAtAsciiLetters) {
+TEST(LanguageIdTest, CaseFoldingStopsAtAsciiLetters)
+{
     using qor_lang::equalsIgnoreAsciiCase;
     EXPECT_TRUE(equalsIgnoreAsciiCase(u"AZaz", u"azAZ"));
     // Neighbours of the letter ranges differ by the same 0x20 but are not letters.
     for (char16_t c : std::u16string_view(u"@[\\]^_")) {
-        EXPECT_FALSE(equalsIgnoreAsciiCase(std::u16string(1, c), std::u16string(1, static_cast<char16_t>(c + 0x20)))) << char(c);
+        EXPECT_FALSE(equalsIgnoreAsciiCase(std::u16string(1, c), std::u16string(1, static_cast<char16_t>(c + 0x20))))
+            << char(c);
     }
     EXPECT_FALSE(equalsIgnoreAsciiCase(u"\u00C4", u"\u00E4"));
     EXPECT_FALSE(equalsIgnoreAsciiCase(u"de", u"de-"));

@@ -59,8 +59,8 @@ TEST_F(LanguageManagerTest, SettingTheLanguageLogsStoresLoadsAndTells)
 
     EXPECT_EQ(log.records(), (std::vector<std::string>{"1:Setting Language: de-DE", "1:Setting Language: de-DE",
                                                        "1:Setting Language: fr-FR"}));
-    EXPECT_EQ(journal, (std::vector<std::string>{"first:de-DE", "second:de-DE", "first:de-DE", "second:de-DE",
-                                                 "second:fr-FR"}));
+    EXPECT_EQ(journal,
+              (std::vector<std::string>{"first:de-DE", "second:de-DE", "first:de-DE", "second:de-DE", "second:fr-FR"}));
 }
 
 // Switching between languages that both have files never mixes them: a key the new language
@@ -112,12 +112,12 @@ TEST_F(LanguageManagerTest, SwitchingLanguagesDoesNotMixTheirTexts)
 TEST_F(LanguageManagerTest, ALanguageWithoutAFileFallsBackToItsLanguageElsewhere)
 {
     const std::pair<const char*, const char16_t*> files[] = {
-        {"A-de-DE.qorlang", u"de-DE"}, {"A-de-CH.qorlang", u"de-CH"}, {"A-fr-CA.qorlang", u"fr-CA"},
-        {"A-fr-BE.qorlang", u"fr-BE"}, {"A-es-MX.qorlang", u"es-MX"}, {"A-es-AR.qorlang", u"es-AR"},
-        {"A-en-GB.qorlang", u"en-GB"}, {"A-en-US.qorlang", u"en-US"}, {"A-pt-BR.qorlang", u"pt-BR"},
+        {"A-de-DE.qorlang", u"de-DE"},  {"A-de-CH.qorlang", u"de-CH"},   {"A-fr-CA.qorlang", u"fr-CA"},
+        {"A-fr-BE.qorlang", u"fr-BE"},  {"A-es-MX.qorlang", u"es-MX"},   {"A-es-AR.qorlang", u"es-AR"},
+        {"A-en-GB.qorlang", u"en-GB"},  {"A-en-US.qorlang", u"en-US"},   {"A-pt-BR.qorlang", u"pt-BR"},
         {"A-it-CH.qorlang", u"it-IT"}, // the name decides, not the tag inside
-        {"A-nl-BE.qorlang", u"nl-BE"}, {"A-sv-x-FI.qorlang", u"sv-FI"}, {"A-sv-fi.qorlang", u"sv-FI"},
-        {"Ab-ru-UA.qorlang", u"ru-UA"}, {"A-ru-.qorlang", u"ru-RU"}, {"A-ru-ZZ.qorlang", u"ru-RU"},
+        {"A-nl-BE.qorlang", u"nl-BE"},  {"A-sv-x-FI.qorlang", u"sv-FI"}, {"A-sv-fi.qorlang", u"sv-FI"},
+        {"Ab-ru-UA.qorlang", u"ru-UA"}, {"A-ru-.qorlang", u"ru-RU"},     {"A-ru-ZZ.qorlang", u"ru-RU"},
     };
     for (const auto& [name, inside] : files) {
         CLanguageFileWriter writer;
@@ -135,9 +135,9 @@ TEST_F(LanguageManagerTest, ALanguageWithoutAFileFallsBackToItsLanguageElsewhere
         const char16_t* tag;
         const char* answer;
     } rows[] = {
-        {u"de-AT", "de-DE"}, {u"de-CH", "de-CH"}, {u"fr-FR", "fr-BE"}, {u"es-ES", "es-AR"}, {u"en-AU", "en-US"},
-        {u"pt-PT", "pt-BR"}, {u"it-IT", "it-CH"}, {u"ja-JP", "-"},    {u"nl-NL", "nl-BE"}, {u"sv-SE", "-"},
-        {u"ru-RU", "-"},     {u"DE-at", "de-DE"},
+        {u"de-AT", "de-DE"}, {u"de-CH", "de-CH"}, {u"fr-FR", "fr-BE"}, {u"es-ES", "es-AR"},
+        {u"en-AU", "en-US"}, {u"pt-PT", "pt-BR"}, {u"it-IT", "it-CH"}, {u"ja-JP", "-"},
+        {u"nl-NL", "nl-BE"}, {u"sv-SE", "-"},     {u"ru-RU", "-"},     {u"DE-at", "de-DE"},
     };
     for (const auto& row : rows) {
         manager->setCurrentLanguage(tag(row.tag));

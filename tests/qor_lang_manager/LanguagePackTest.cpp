@@ -22,8 +22,8 @@ struct LanguagePackTest : ::testing::Test {
 
     // `appId` null: no "apid" chunk.
     void writeLanguage(const std::string& name, const char16_t* languageTag,
-                       const std::vector<std::pair<std::u16string, std::u16string>>& strings = {},
-                       int fillers = 0, const char16_t* appId = u"A")
+                       const std::vector<std::pair<std::u16string, std::u16string>>& strings = {}, int fillers = 0,
+                       const char16_t* appId = u"A")
     {
         CLanguageFileWriter writer;
         writer.setLanguage(languageTag, u"", u"");
@@ -159,8 +159,9 @@ TEST_F(LanguagePackTest, FilesCutShortAreDamagedAndTheCauseIsReported)
         {"cut in the STMP header, length fixed", lengthFixed,
          "offset " + std::to_string(stmpAt) + ": the file ends inside a chunk header (7 of its 12 bytes)"},
         {"data chunk longer than the file", container(head + chunk("STMP", chunk("data", 500, u32(0)))),
-         "chunk 'data' at offset " + std::to_string(stmpAt + 12) + ": its header gives 500 bytes of data, but the "
-                                                                     "file ends after 4"},
+         "chunk 'data' at offset " + std::to_string(stmpAt + 12) +
+             ": its header gives 500 bytes of data, but the "
+             "file ends after 4"},
         {"counted string past the end", longText,
          "chunk 'data' at offset " + std::to_string(stmpAt + 12) + ": entry 2 of 2 needs 80 bytes at offset " +
              std::to_string(longText.size()) + ", but the file ends after 0"},

@@ -26,7 +26,10 @@ using chf_test::chunk;
 using chf_test::container;
 using chf_test::operator+;
 
-inline Bytes u32(uint32_t v) { return {uint8_t(v), uint8_t(v >> 8), uint8_t(v >> 16), uint8_t(v >> 24)}; }
+inline Bytes u32(uint32_t v)
+{
+    return {uint8_t(v), uint8_t(v >> 8), uint8_t(v >> 16), uint8_t(v >> 24)};
+}
 
 // A counted string: N = units + 1, the units, a zero unit; nullopt is N = 0.
 inline Bytes counted(const qor_lang::CountedString& text)
@@ -90,8 +93,14 @@ inline Texts readTexts(const Bytes& bytes)
     return contentOf(*qor_lang::CLanguageFile::readTexts(*stream, nullptr));
 }
 
-inline std::string utf8(const kore::P<kore::IString>& s) { return s ? s->toUTF8() : "<null>"; }
-inline qor_lang::LanguageId tag(const char16_t* text) { return {text, qor_lang::LanguageTagMode::Tag}; }
+inline std::string utf8(const kore::P<kore::IString>& s)
+{
+    return s ? s->toUTF8() : "<null>";
+}
+inline qor_lang::LanguageId tag(const char16_t* text)
+{
+    return {text, qor_lang::LanguageTagMode::Tag};
+}
 
 inline void writeBytes(const kore_test::CTempFolder& folder, const std::string& name, const Bytes& bytes)
 {
@@ -129,7 +138,10 @@ public:
 private:
     struct CSink : kore::CObject, kore::ILog {
         std::vector<std::string> records;
-        void write(const kore::CStringArg&, const kore::CStringArg& record) override { records.push_back(record->toUTF8()); }
+        void write(const kore::CStringArg&, const kore::CStringArg& record) override
+        {
+            records.push_back(record->toUTF8());
+        }
         void setLevel(int32_t) override {}
         int32_t getLevel() const override { return 0; }
         void log(int32_t level, const kore::CStringArg&, const kore::CStringArg& text, int32_t, int32_t) override

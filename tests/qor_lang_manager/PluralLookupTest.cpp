@@ -52,12 +52,12 @@ TEST(PluralLookup, AnswersTheFormOfTheLoadedRuleAndAllocatesOnlyTheAnswer)
         const char16_t* tag;
         const char16_t* ownRule;
     } rows[] = {
-        {u"ar-EG", nullptr},                              // six forms from the CLDR table
+        {u"ar-EG", nullptr}, // six forms from the CLDR table
         {u"ru-RU", nullptr},
-        {u"fr-FR", u"nplurals=2; plural=(n > 1);"},       // the file's own
-        {u"pl-PL", u"nplurals=9; plural=0;"},             // a bad own rule: the language's
-        {u"ace-ID", nullptr},                             // no rule anywhere: "n != 1"
-        {u"de-DE", u"nplurals=3; plural=n%100/10%3;"},    // uses / and %
+        {u"fr-FR", u"nplurals=2; plural=(n > 1);"}, // the file's own
+        {u"pl-PL", u"nplurals=9; plural=0;"}, // a bad own rule: the language's
+        {u"ace-ID", nullptr}, // no rule anywhere: "n != 1"
+        {u"de-DE", u"nplurals=3; plural=n%100/10%3;"}, // uses / and %
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(std::string(row.tag, row.tag + std::char_traits<char16_t>::length(row.tag)));

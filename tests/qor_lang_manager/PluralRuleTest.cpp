@@ -14,7 +14,8 @@ namespace {
 
 using Model = std::function<unsigned long(unsigned long)>;
 
-void expectMatchesModel(const std::string& text, unsigned count, const Model& model, unsigned long last = 1200) {
+void expectMatchesModel(const std::string& text, unsigned count, const Model& model, unsigned long last = 1200)
+{
     SCOPED_TRACE(text);
     auto rule = PluralRule::parse(text);
     ASSERT_TRUE(rule.has_value());
@@ -29,23 +30,28 @@ void expectMatchesModel(const std::string& text, unsigned count, const Model& mo
 
 // Operators, precedence and associativity against the same expression compiled by C++: every result
 // is taken modulo 6 so that it always names one of six forms.
-TEST(PluralRuleTest, ExpressionsEvaluateAsInC) {
+TEST(PluralRuleTest, ExpressionsEvaluateAsInC)
+{
     const struct {
         const char* expression;
         Model model;
     } rows[] = {
         {"n+2*3-1", [](unsigned long n) { return n + 2 * 3 - 1; }},
-        {"n-3-1", [](unsigned long n) { return n - 3 - 1; }},  // left-assoc, wraps below zero
+        {"n-3-1", [](unsigned long n) { return n - 3 - 1; }}, // left-assoc, wraps below zero
         {"100/n/2", [](unsigned long n) { return n ? 100 / n / 2 : 0; }},
         {"n*7%5+n%3*2", [](unsigned long n) { return n * 7 % 5 + n % 3 * 2; }},
         {"(n+1)*(n+2)", [](unsigned long n) { return (n + 1) * (n + 2); }},
         {"n<5==n>2", [](unsigned long n) { return (n < 5) == (n > 2); }},
         {"n%4<=2==n%3>=1", [](unsigned long n) { return (n % 4 <= 2) == (n % 3 >= 1); }},
         {"!n+!!n*2+!(n%2)*3", [](unsigned long n) { return !n + !!n * 2 + !(n % 2) * 3; }},
-        {"n==1||n==2&&n!=2||n>10&&n<20", [](unsigned long n) { return n == 1 || (n == 2 && n != 2) || (n > 10 && n < 20); }},
+        {"n==1||n==2&&n!=2||n>10&&n<20",
+         [](unsigned long n) { return n == 1 || (n == 2 && n != 2) || (n > 10 && n < 20); }},
         {"n?n%2?1:2:3", [](unsigned long n) { return n ? (n % 2 ? 1 : 2) : 3; }},
-        {"n<2?0:n<4?1:n<8?2:n<16?3:n<32?4:5", [](unsigned long n) { return n < 2 ? 0 : n < 4 ? 1 : n < 8 ? 2 : n < 16 ? 3 : n < 32 ? 4 : 5; }},
-        {"n==0||10/n>2", [](unsigned long n) { return n == 0 || 10 / n > 2; }},  // short-circuit guards the division
+        {"n<2?0:n<4?1:n<8?2:n<16?3:n<32?4:5",
+         [](unsigned long n) {
+             return n < 2 ? 0 : n < 4 ? 1 : n < 8 ? 2 : n < 16 ? 3 : n < 32 ? 4 : 5;
+         }},
+        {"n==0||10/n>2", [](unsigned long n) { return n == 0 || 10 / n > 2; }}, // short-circuit guards the division
         {" ( n %\t10 ) \n", [](unsigned long n) { return n % 10; }},
     };
     for (const auto& row : rows)
@@ -54,7 +60,8 @@ TEST(PluralRuleTest, ExpressionsEvaluateAsInC) {
 }
 
 // A division by zero or an answer beyond the forms picks form 0, as gettext does; never a crash.
-TEST(PluralRuleTest, OutOfRangeAnswersPickTheFirstForm) {
+TEST(PluralRuleTest, OutOfRangeAnswersPickTheFirstForm)
+{
     expectMatchesModel("nplurals=2; plural=n;", 2, [](unsigned long n) { return n; });
     expectMatchesModel("nplurals=3; plural=1+10/n;", 3, [](unsigned long n) { return n ? 1 + 10 / n : 0; });
     expectMatchesModel("nplurals=3; plural=n%0;", 3, [](unsigned long) { return 0; });
@@ -67,7 +74,8 @@ TEST(PluralRuleTest, OutOfRangeAnswersPickTheFirstForm) {
     EXPECT_FALSE(PluralRule::parse("nplurals=2; plural=" + std::to_string(largest) + "0;"));
 }
 
-TEST(PluralRuleTest, RejectsWhatIsNoRule) {
+TEST(PluralRuleTest, RejectsWhatIsNoRule)
+{
     const std::string deep = "nplurals=2; plural=" + std::string(200, '(') + "n" + std::string(200, ')') + ";";
     const std::string longChain = [] {
         std::string s = "nplurals=2; plural=n";
@@ -75,17 +83,28 @@ TEST(PluralRuleTest, RejectsWhatIsNoRule) {
             s += "+n";
         return s + ";";
     }();
-    for (const std::string& text : {
-             std::string(), std::string("nplurals=2;"), std::string("plural=n!=1; nplurals=2;"),
-             std::string("nplurals=0; plural=0;"), std::string("nplurals=7; plural=0;"),
-             std::string("nplurals=2 plural=n!=1;"), std::string("nplurals=2; plural=n!=1;;"),
-             std::string("nplurals=2; plural=(n!=1;"), std::string("nplurals=2; plural=n!=1);"),
-             std::string("nplurals=2; plural=n=1;"), std::string("nplurals=2; plural=n!=;"),
-             std::string("nplurals=2; plural=-n;"), std::string("nplurals=2; plural=n|1;"),
-             std::string("nplurals=2; plural=m;"), std::string("nplurals=2; plural=nn;"),
-             std::string("nplurals=2; plural=n ? 1;"), std::string("nplurals=2; plural=99999999999999999999;"),
-             std::string("nplurals=2; plural=n!=1; extra"), std::string("nplurals=2; plural=n\0;", 21),
-             std::string("nplurals=2; pluralx=n;"), deep, longChain}) {
+    for (const std::string& text : {std::string(),
+                                    std::string("nplurals=2;"),
+                                    std::string("plural=n!=1; nplurals=2;"),
+                                    std::string("nplurals=0; plural=0;"),
+                                    std::string("nplurals=7; plural=0;"),
+                                    std::string("nplurals=2 plural=n!=1;"),
+                                    std::string("nplurals=2; plural=n!=1;;"),
+                                    std::string("nplurals=2; plural=(n!=1;"),
+                                    std::string("nplurals=2; plural=n!=1);"),
+                                    std::string("nplurals=2; plural=n=1;"),
+                                    std::string("nplurals=2; plural=n!=;"),
+                                    std::string("nplurals=2; plural=-n;"),
+                                    std::string("nplurals=2; plural=n|1;"),
+                                    std::string("nplurals=2; plural=m;"),
+                                    std::string("nplurals=2; plural=nn;"),
+                                    std::string("nplurals=2; plural=n ? 1;"),
+                                    std::string("nplurals=2; plural=99999999999999999999;"),
+                                    std::string("nplurals=2; plural=n!=1; extra"),
+                                    std::string("nplurals=2; plural=n\0;", 21),
+                                    std::string("nplurals=2; pluralx=n;"),
+                                    deep,
+                                    longChain}) {
         EXPECT_FALSE(PluralRule::parse(text).has_value()) << text.substr(0, 60);
     }
     // The spellings real catalogues use are accepted.
@@ -97,7 +116,8 @@ TEST(PluralRuleTest, RejectsWhatIsNoRule) {
 
 // The generated table: every rule parses, its count is what its text says, each form is reached by
 // some whole number, and the well-known languages answer as their grammar demands.
-TEST(PluralRuleTest, TableRulesAreWellFormedAndReachEveryForm) {
+TEST(PluralRuleTest, TableRulesAreWellFormedAndReachEveryForm)
+{
     ASSERT_GT(qor_lang::detail::kPluralRuleRowCount, 150u);
     for (std::size_t i = 0; i < qor_lang::detail::kPluralRuleRowCount; ++i) {
         const auto& row = qor_lang::detail::kPluralRuleRows[i];
@@ -117,7 +137,8 @@ TEST(PluralRuleTest, TableRulesAreWellFormedAndReachEveryForm) {
     }
 }
 
-TEST(PluralRuleTest, KnownLanguagesFollowTheirGrammar) {
+TEST(PluralRuleTest, KnownLanguagesFollowTheirGrammar)
+{
     auto slavic = [](unsigned long n) -> unsigned long {
         return n % 10 == 1 && n % 100 != 11 ? 0 : n % 10 >= 2 && n % 10 <= 4 && (n % 100 < 10 || n % 100 >= 20) ? 1 : 2;
     };
@@ -131,14 +152,19 @@ TEST(PluralRuleTest, KnownLanguagesFollowTheirGrammar) {
         {"DE", 2, [](unsigned long n) -> unsigned long { return n != 1; }},
         {"ru", 3, slavic},
         {"Uk", 3, slavic},
-        {"pl", 3, [](unsigned long n) -> unsigned long {
+        {"pl", 3,
+         [](unsigned long n) -> unsigned long {
              return n == 1 ? 0 : n % 10 >= 2 && n % 10 <= 4 && (n % 100 < 10 || n % 100 >= 20) ? 1 : 2;
          }},
-        {"cs", 3, [](unsigned long n) -> unsigned long { return n == 1 ? 0 : n >= 2 && n <= 4 ? 1 : 2; }},
-        {"ar", 6, [](unsigned long n) -> unsigned long {
+        {"cs", 3, [](unsigned long n) -> unsigned long { return n == 1             ? 0
+                                                                : n >= 2 && n <= 4 ? 1
+                                                                                   : 2; }},
+        {"ar", 6,
+         [](unsigned long n) -> unsigned long {
              return n == 0 ? 0 : n == 1 ? 1 : n == 2 ? 2 : n % 100 >= 3 && n % 100 <= 10 ? 3 : n % 100 >= 11 ? 4 : 5;
          }},
-        {"sl", 4, [](unsigned long n) -> unsigned long {
+        {"sl", 4,
+         [](unsigned long n) -> unsigned long {
              return n % 100 == 1 ? 0 : n % 100 == 2 ? 1 : n % 100 == 3 || n % 100 == 4 ? 2 : 3;
          }},
     };
@@ -151,5 +177,6 @@ TEST(PluralRuleTest, KnownLanguagesFollowTheirGrammar) {
     EXPECT_STRNE(findPluralRule("pt-PT"), findPluralRule("pt"));
     for (const char* unknown : {"", "x", "zz", "ruu", "r", "root", "de-DE"})
         EXPECT_EQ(findPluralRule(unknown), nullptr) << unknown;
-    expectMatchesModel(std::string(qor_lang::kDefaultPluralRule), 2, [](unsigned long n) -> unsigned long { return n != 1; });
+    expectMatchesModel(std::string(qor_lang::kDefaultPluralRule), 2,
+                       [](unsigned long n) -> unsigned long { return n != 1; });
 }

@@ -25,7 +25,11 @@ public:
     }
 
     // A new "data" chunk: the entries go, the buckets stay.
-    void beginChunk() { m_buckets.assign(m_buckets.size(), {}); m_count = 0; }
+    void beginChunk()
+    {
+        m_buckets.assign(m_buckets.size(), {});
+        m_count = 0;
+    }
 
     void insert(const std::u16string& key, const std::u16string& text)
     {

@@ -37,7 +37,8 @@ File languageFile(const std::vector<Chunk>& chunks)
         model.beginChunk();
         Bytes data = u32(static_cast<uint32_t>(entries.size()));
         for (const Entry& e : entries) {
-            for (const Bytes& part : {u32(7), counted(e.key), counted(e.text), counted(u"third"), counted(std::nullopt)})
+            for (const Bytes& part :
+                 {u32(7), counted(e.key), counted(e.text), counted(u"third"), counted(std::nullopt)})
                 data.insert(data.end(), part.begin(), part.end());
             model.insert(e.key.value_or(u""), e.text.value_or(u""));
         }
@@ -60,8 +61,8 @@ TEST(StringTable, OfEntriesWithOneKeyTheTableOrderDecidesAcrossDoublings)
         uint32_t between, after;
         const char16_t* winner;
     } cases[] = {
-        {0, 798, u"first"}, {0, 799, u"second"}, {800, 0, u"first"},
-        {0, 1598, u"second"}, {0, 1599, u"first"}, {799, 1, u"second"}, {1598, 1, u"second"},
+        {0, 798, u"first"},  {0, 799, u"second"}, {800, 0, u"first"},   {0, 1598, u"second"},
+        {0, 1599, u"first"}, {799, 1, u"second"}, {1598, 1, u"second"},
     };
     for (const auto& c : cases) {
         Chunk entries{{u"dup", u"first"}};

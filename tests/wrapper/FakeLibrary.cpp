@@ -67,14 +67,23 @@ int32_t QOR_LANG2_addEx(const QOR_LANG2_CHAR* folderUri, const QOR_LANG2_CHAR* a
     record({folderUri, appId});
     return 0;
 }
-int32_t QOR_LANG2_reload(void) { return 0; }
+int32_t QOR_LANG2_reload(void)
+{
+    return 0;
+}
 int32_t QOR_LANG2_setCurrentLanguage(const QOR_LANG2_CHAR* tag)
 {
     record({tag});
     return text(tag).size() == 5 ? 0 : 20;
 }
-QOR_LANG2_CHAR* QOR_LANG2_getCurrentLanguage(void) { return books().outOfMemory ? nullptr : give(u"de-DE"); }
-int32_t QOR_LANG2_getLanguageCount(const QOR_LANG2_CHAR* appId) { return text(appId) == u"app" ? 2 : 0; }
+QOR_LANG2_CHAR* QOR_LANG2_getCurrentLanguage(void)
+{
+    return books().outOfMemory ? nullptr : give(u"de-DE");
+}
+int32_t QOR_LANG2_getLanguageCount(const QOR_LANG2_CHAR* appId)
+{
+    return text(appId) == u"app" ? 2 : 0;
+}
 QOR_LANG2_CHAR* QOR_LANG2_getLanguage(const QOR_LANG2_CHAR* appId, int32_t index)
 {
     return text(appId) == u"app" && index >= 0 && index < 2 ? give(kTags[index]) : nullptr;
@@ -114,13 +123,37 @@ void QOR_LANG2_freeQorLangFile(QOR_LANG2_FILE_HANDLE file)
     if (file && books().liveHandles.erase(file) == 0)
         ++books().badFrees;
 }
-QOR_LANG2_CHAR* QOR_LANG2_FILE_getAppID(QOR_LANG2_FILE_HANDLE file) { return fileItem(file, u"app"); }
-QOR_LANG2_CHAR* QOR_LANG2_FILE_getAuthor(QOR_LANG2_FILE_HANDLE file) { return fileItem(file, u"Ünal"); }
-QOR_LANG2_CHAR* QOR_LANG2_FILE_getComment(QOR_LANG2_FILE_HANDLE file) { return fileItem(file, u""); }
-QOR_LANG2_CHAR* QOR_LANG2_FILE_getEnglishName(QOR_LANG2_FILE_HANDLE file) { return fileItem(file, u"German"); }
-QOR_LANG2_CHAR* QOR_LANG2_FILE_getEnglishSubName(QOR_LANG2_FILE_HANDLE file) { return fileItem(file, u"Germany"); }
-QOR_LANG2_CHAR* QOR_LANG2_FILE_getNativeName(QOR_LANG2_FILE_HANDLE file) { return fileItem(file, u"Deutsch"); }
-QOR_LANG2_CHAR* QOR_LANG2_FILE_getNativeSubName(QOR_LANG2_FILE_HANDLE file) { return fileItem(file, u"Deutschland"); }
-QOR_LANG2_CHAR* QOR_LANG2_FILE_getLanguageID(QOR_LANG2_FILE_HANDLE file) { return fileItem(file, u"de-DE"); }
+QOR_LANG2_CHAR* QOR_LANG2_FILE_getAppID(QOR_LANG2_FILE_HANDLE file)
+{
+    return fileItem(file, u"app");
+}
+QOR_LANG2_CHAR* QOR_LANG2_FILE_getAuthor(QOR_LANG2_FILE_HANDLE file)
+{
+    return fileItem(file, u"Ünal");
+}
+QOR_LANG2_CHAR* QOR_LANG2_FILE_getComment(QOR_LANG2_FILE_HANDLE file)
+{
+    return fileItem(file, u"");
+}
+QOR_LANG2_CHAR* QOR_LANG2_FILE_getEnglishName(QOR_LANG2_FILE_HANDLE file)
+{
+    return fileItem(file, u"German");
+}
+QOR_LANG2_CHAR* QOR_LANG2_FILE_getEnglishSubName(QOR_LANG2_FILE_HANDLE file)
+{
+    return fileItem(file, u"Germany");
+}
+QOR_LANG2_CHAR* QOR_LANG2_FILE_getNativeName(QOR_LANG2_FILE_HANDLE file)
+{
+    return fileItem(file, u"Deutsch");
+}
+QOR_LANG2_CHAR* QOR_LANG2_FILE_getNativeSubName(QOR_LANG2_FILE_HANDLE file)
+{
+    return fileItem(file, u"Deutschland");
+}
+QOR_LANG2_CHAR* QOR_LANG2_FILE_getLanguageID(QOR_LANG2_FILE_HANDLE file)
+{
+    return fileItem(file, u"de-DE");
+}
 
 } // extern "C"

@@ -47,7 +47,7 @@ TEST_F(Wrapper, EveryReturnedStringIsGivenBackOnceWhateverHappensToItsOwner)
             String second(std::move(first));
             EXPECT_FALSE(first);
             String third = make();
-            third = std::move(second);  // the owner's old string goes back, the moved one stays
+            third = std::move(second); // the owner's old string goes back, the moved one stays
             EXPECT_EQ(books().liveStrings.size(), 1u);
             third = std::move(third);
             EXPECT_EQ(books().liveStrings.size(), 1u) << "a self-move keeps the string";
@@ -75,7 +75,7 @@ TEST_F(Wrapper, AFileHandleIsGivenBackOnceAndANullOneAsksNothing)
         moved = std::move(file);
     }
     EXPECT_EQ(books().liveHandles.size(), 1u);
-    moved = qor_lang2::languageFile("app", 1);  // the first handle goes back
+    moved = qor_lang2::languageFile("app", 1); // the first handle goes back
     EXPECT_EQ(books().liveHandles.size(), 1u);
     moved.reset();
     EXPECT_TRUE(books().liveHandles.empty());
@@ -115,18 +115,24 @@ TEST_F(Wrapper, PluralAndContextAskForTheKeyTheLibraryReads)
         std::vector<std::u16string> asked;
     } rows[] = {
         {[] { return qor_lang2::trn("{0} Datei", "{0} Dateien", 1); },
-         [] { return qor_lang2::trn(u"{0} Datei", u"{0} Dateien", 1); }, {u"{0} Datei" + n(1), u"{0} Datei"}},
-        {[] { return qor_lang2::trn("file", "files", 0); }, [] { return qor_lang2::trn(u"file", u"files", 0); },
+         [] { return qor_lang2::trn(u"{0} Datei", u"{0} Dateien", 1); },
+         {u"{0} Datei" + n(1), u"{0} Datei"}},
+        {[] { return qor_lang2::trn("file", "files", 0); },
+         [] { return qor_lang2::trn(u"file", u"files", 0); },
          {u"file" + n(0), u"files"}},
-        {[] { return qor_lang2::trn("ключ", "ключи", -1ul); }, [] { return qor_lang2::trn(u"ключ", u"ключи", -1ul); },
+        {[] { return qor_lang2::trn("ключ", "ключи", -1ul); },
+         [] { return qor_lang2::trn(u"ключ", u"ключи", -1ul); },
          {u"ключ" + n(-1ul), u"ключи"}},
-        {[] { return qor_lang2::trc("menu", "Open", "Öffnen"); }, [] { return qor_lang2::trc(u"menu", u"Open", u"Öffnen"); },
+        {[] { return qor_lang2::trc("menu", "Open", "Öffnen"); },
+         [] { return qor_lang2::trc(u"menu", u"Open", u"Öffnen"); },
          {u"menu\u0004Open", u"Öffnen"}},
         {[] { return qor_lang2::trc("", "k", ""); }, [] { return qor_lang2::trc(u"", u"k", u""); }, {u"\u0004k", u""}},
         {[] { return qor_lang2::trnc("mail", "message", "messages", 1); },
-         [] { return qor_lang2::trnc(u"mail", u"message", u"messages", 1); }, {u"mail\u0004message" + n(1), u"message"}},
+         [] { return qor_lang2::trnc(u"mail", u"message", u"messages", 1); },
+         {u"mail\u0004message" + n(1), u"message"}},
         {[] { return qor_lang2::trnc("mail", "message", "messages", 21); },
-         [] { return qor_lang2::trnc(u"mail", u"message", u"messages", 21); }, {u"mail\u0004message" + n(21), u"messages"}},
+         [] { return qor_lang2::trnc(u"mail", u"message", u"messages", 21); },
+         {u"mail\u0004message" + n(21), u"messages"}},
     };
     for (const auto& row : rows) {
         const std::string answer = row.utf8();
@@ -174,19 +180,20 @@ TEST_F(Wrapper, OnlyExhaustionMakesANullAnswerAnException)
 
 TEST(Utf, ConversionsRoundTripAndReplaceWhatIsNotText)
 {
-    for (const char* text : {"", "plain", "ß é", "€ ✓ 日本語", "𝄞 🌍 \xF4\x8F\xBF\xBF", "\x7F\xC2\x80\xDF\xBF\xE0\xA0\x80"}) {
+    for (const char* text :
+         {"", "plain", "ß é", "€ ✓ 日本語", "𝄞 🌍 \xF4\x8F\xBF\xBF", "\x7F\xC2\x80\xDF\xBF\xE0\xA0\x80"}) {
         EXPECT_EQ(qor_lang2::toUtf8(qor_lang2::toUtf16(text)), text) << text;
     }
     EXPECT_EQ(qor_lang2::toUtf16("\xF0\x9F\x8C\x8D"), u"\xD83C\xDF0D");
 
     const std::pair<std::string, std::u16string> invalid[] = {
-        {"a\x80z", u"a\xFFFDz"},                 // a stray continuation byte
-        {"a\xC3", u"a\xFFFD"},                   // cut at the end
-        {"a\xE2\x82z", u"a\xFFFDz"},             // cut before an ASCII character, which survives
-        {"\xC0\xAF", u"\xFFFD\xFFFD"},           // an overlong lead is no lead
-        {"\xE0\x80\xAF", u"\xFFFD"},             // overlong
-        {"\xED\xA0\x80", u"\xFFFD"},             // an encoded surrogate
-        {"\xF4\x90\x80\x80", u"\xFFFD"},         // beyond U+10FFFF
+        {"a\x80z", u"a\xFFFDz"}, // a stray continuation byte
+        {"a\xC3", u"a\xFFFD"}, // cut at the end
+        {"a\xE2\x82z", u"a\xFFFDz"}, // cut before an ASCII character, which survives
+        {"\xC0\xAF", u"\xFFFD\xFFFD"}, // an overlong lead is no lead
+        {"\xE0\x80\xAF", u"\xFFFD"}, // overlong
+        {"\xED\xA0\x80", u"\xFFFD"}, // an encoded surrogate
+        {"\xF4\x90\x80\x80", u"\xFFFD"}, // beyond U+10FFFF
         {"\xFF", u"\xFFFD"},
     };
     for (const auto& [bytes, expected] : invalid)

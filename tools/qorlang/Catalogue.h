@@ -22,12 +22,12 @@ using qor_lang::kPluralFormsExtra;
 using qor_lang::kPluralMark;
 
 struct Entry {
-    std::u16string key;  // what the library looks up: [context U+0004] source
+    std::u16string key; // what the library looks up: [context U+0004] source
     std::u16string text; // what it answers; the first form of a plural entry
-    int line = 0;        // 1-based line in the source, 0 when the format has none
+    int line = 0; // 1-based line in the source, 0 when the format has none
     bool fuzzy = false;
     bool obsolete = false;
-    bool plural = false;  // the text is the first of several plural forms
+    bool plural = false; // the text is the first of several plural forms
     bool cFormat = false; // marked as a C format string (PO flag "c-format")
     // A plural entry's source for n != 1 (msgid_plural) and every form in the rule's order
     // (forms[0] == text); both empty for other entries.

@@ -52,7 +52,8 @@ std::optional<std::u16string> CCharset::decode(std::string_view bytes) const
     const size_t produced = out.size() - toLeft;
     std::u16string text(produced / 2, u'\0');
     for (size_t i = 0; i < text.size(); ++i)
-        text[i] = static_cast<char16_t>(static_cast<unsigned char>(out[2 * i]) | static_cast<unsigned char>(out[2 * i + 1]) << 8);
+        text[i] = static_cast<char16_t>(static_cast<unsigned char>(out[2 * i]) |
+                                        static_cast<unsigned char>(out[2 * i + 1]) << 8);
     return text;
 }
 

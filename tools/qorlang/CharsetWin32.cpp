@@ -13,7 +13,8 @@ namespace {
 
 unsigned codePageOf(std::string name)
 {
-    std::transform(name.begin(), name.end(), name.begin(), [](char c) { return c >= 'a' && c <= 'z' ? char(c - 32) : c; });
+    std::transform(name.begin(), name.end(), name.begin(),
+                   [](char c) { return c >= 'a' && c <= 'z' ? char(c - 32) : c; });
     static const std::map<std::string, unsigned> pages = {
         {"UTF-8", 65001},       {"ISO-8859-1", 28591},  {"ISO-8859-2", 28592},  {"ISO-8859-3", 28593},
         {"ISO-8859-4", 28594},  {"ISO-8859-5", 28595},  {"ISO-8859-6", 28596},  {"ISO-8859-7", 28597},
@@ -52,7 +53,8 @@ std::optional<std::u16string> CCharset::decode(std::string_view bytes) const
     if (units <= 0)
         return std::nullopt;
     std::u16string text(static_cast<size_t>(units), u'\0');
-    if (MultiByteToWideChar(m_codePage, MB_ERR_INVALID_CHARS, bytes.data(), size, reinterpret_cast<wchar_t*>(text.data()), units) != units)
+    if (MultiByteToWideChar(m_codePage, MB_ERR_INVALID_CHARS, bytes.data(), size,
+                            reinterpret_cast<wchar_t*>(text.data()), units) != units)
         return std::nullopt;
     return text;
 }

@@ -14,9 +14,18 @@ namespace qorlang {
 
 namespace {
 
-bool isIdentifierStart(char16_t c) { return (c >= u'A' && c <= u'Z') || (c >= u'a' && c <= u'z') || c == u'_'; }
-bool isIdentifierChar(char16_t c) { return isIdentifierStart(c) || (c >= u'0' && c <= u'9'); }
-bool isDigit(char16_t c) { return c >= u'0' && c <= u'9'; }
+bool isIdentifierStart(char16_t c)
+{
+    return (c >= u'A' && c <= u'Z') || (c >= u'a' && c <= u'z') || c == u'_';
+}
+bool isIdentifierChar(char16_t c)
+{
+    return isIdentifierStart(c) || (c >= u'0' && c <= u'9');
+}
+bool isDigit(char16_t c)
+{
+    return c >= u'0' && c <= u'9';
+}
 
 // A word that is itself a printf field ("%d%" is "%d" followed by a percent sign).
 bool looksLikePrintf(std::u16string_view word)
@@ -93,7 +102,8 @@ bool i18nextField(std::u16string_view text, size_t& i, std::vector<std::string>&
     if (!inner.empty() && inner.front() == u'-')
         inner = trim(inner.substr(1));
     inner = trim(inner.substr(0, inner.find(u',')));
-    if (inner.empty() || !std::all_of(inner.begin(), inner.end(), [](char16_t c) { return isIdentifierChar(c) || c == u'.' || c == u'$'; }))
+    if (inner.empty() || !std::all_of(inner.begin(), inner.end(),
+                                      [](char16_t c) { return isIdentifierChar(c) || c == u'.' || c == u'$'; }))
         return false;
     named.push_back("{" + encodeUtf8(inner) + "}");
     i = close + 2;
@@ -143,7 +153,8 @@ Placeholders placeholdersOf(std::u16string_view text)
             continue;
         } else if (text[i] == u'{') {
             size_t end = i + 1;
-            while (end < text.size() && (isIdentifierChar(text[end]) || text[end] == u'.' || text[end] == u'-' || text[end] == u'$'))
+            while (end < text.size() &&
+                   (isIdentifierChar(text[end]) || text[end] == u'.' || text[end] == u'-' || text[end] == u'$'))
                 ++end;
             if (end > i + 1 && end < text.size() && text[end] == u'}') {
                 out.named.push_back(encodeUtf8(text.substr(i, end + 1 - i)));
@@ -203,7 +214,8 @@ std::string quoted(std::u16string_view text)
     return "\"" + encodeUtf8(shown) + "\"";
 }
 
-std::vector<Finding> checkCatalogue(const Catalogue& c, const Catalogue* reference, const std::vector<uint8_t>* languageFile)
+std::vector<Finding> checkCatalogue(const Catalogue& c, const Catalogue* reference,
+                                    const std::vector<uint8_t>* languageFile)
 {
     std::vector<Finding> out;
     const bool compiled = languageFile != nullptr;
@@ -212,11 +224,14 @@ std::vector<Finding> checkCatalogue(const Catalogue& c, const Catalogue* referen
     // The language tag, and for a language file the name the library looks for.
     std::optional<std::u16string> tag;
     if (!c.language || c.language->empty()) {
-        out.push_back({0, compiled, compiled ? "the file names no language" : "the file names no language; compile needs --language"});
+        out.push_back(
+            {0, compiled,
+             compiled ? "the file names no language" : "the file names no language; compile needs --language"});
     } else if (compiled && !(tag = normalisedTag(*c.language))) {
-        out.push_back({c.languageLine, true,
-                       "the language " + quoted(*c.language) +
-                           " is not a tag QOR_LANG2_setCurrentLanguage accepts (it needs language-COUNTRY, such as de-DE)"});
+        out.push_back(
+            {c.languageLine, true,
+             "the language " + quoted(*c.language) +
+                 " is not a tag QOR_LANG2_setCurrentLanguage accepts (it needs language-COUNTRY, such as de-DE)"});
     } else if (!compiled) {
         const TagChoice choice = tagFor(*c.language);
         if (!choice.tag)
@@ -227,7 +242,9 @@ std::vector<Finding> checkCatalogue(const Catalogue& c, const Catalogue* referen
         if (c.appId.value_or(u"").empty())
             out.push_back({0, true, "the file has no application id"});
         else if (encodeUtf8(expected) != name)
-            out.push_back({0, true, "the library looks for this file under the name " + quoted(expected) + ", never under this one"});
+            out.push_back(
+                {0, true,
+                 "the library looks for this file under the name " + quoted(expected) + ", never under this one"});
     }
 
     // Keys defined more than once.
@@ -267,7 +284,8 @@ std::vector<Finding> checkCatalogue(const Catalogue& c, const Catalogue* referen
             continue;
         if (e.text.empty()) {
             if (compiled || formatOf(c.path) == Format::Text)
-                out.push_back({e.line, false, "key " + quoted(e.key) + " has an empty text; the library treats it as missing"});
+                out.push_back(
+                    {e.line, false, "key " + quoted(e.key) + " has an empty text; the library treats it as missing"});
             else
                 ++untranslated;
         } else if (e.fuzzy) {
@@ -351,7 +369,8 @@ std::vector<Finding> checkCatalogue(const Catalogue& c, const Catalogue* referen
 
     // Plural entries against the rule that picks their forms: the catalogue's own, else the
     // language's, as the library chooses.
-    const bool anyPlural = std::any_of(c.entries.begin(), c.entries.end(), [](const Entry& e) { return !e.forms.empty(); });
+    const bool anyPlural =
+        std::any_of(c.entries.begin(), c.entries.end(), [](const Entry& e) { return !e.forms.empty(); });
     std::optional<qor_lang::PluralRule> rule;
     std::string ruleText;
     if (c.pluralForms) {
@@ -370,8 +389,8 @@ std::vector<Finding> checkCatalogue(const Catalogue& c, const Catalogue* referen
             continue;
         if (e.forms.size() != rule->count())
             out.push_back({e.line, true,
-                           "key " + quoted(e.key) + " has " + std::to_string(e.forms.size()) + " plural forms, the rule \"" +
-                               ruleText + "\" counts " + std::to_string(rule->count())});
+                           "key " + quoted(e.key) + " has " + std::to_string(e.forms.size()) +
+                               " plural forms, the rule \"" + ruleText + "\" counts " + std::to_string(rule->count())});
         for (size_t i = 0; i < e.forms.size(); ++i) {
             if (e.forms[i].empty())
                 out.push_back({e.line, false,
@@ -387,11 +406,13 @@ std::vector<Finding> checkCatalogue(const Catalogue& c, const Catalogue* referen
             continue;
         const auto [context, source] = splitKey(e.key);
         if (e.key.find(kPluralMark) != std::u16string::npos)
-            out.push_back({e.line, false, "key " + quoted(e.key) + " holds U+0005, which marks plural forms: no call reaches it"});
+            out.push_back({e.line, false,
+                           "key " + quoted(e.key) + " holds U+0005, which marks plural forms: no call reaches it"});
         else if (context && context->find(u'|') != std::u16string_view::npos && format != Format::Po)
             out.push_back({e.line, false,
-                           "key " + quoted(e.key) + " keeps the Qt context \"" + encodeUtf8(context->substr(0, context->find(u'|'))) +
-                               "\": qor_lang2::tr(" + quoted(source) + ") does not find it (compile a TS file with --qt-context drop)"});
+                           "key " + quoted(e.key) + " keeps the Qt context \"" +
+                               encodeUtf8(context->substr(0, context->find(u'|'))) + "\": qor_lang2::tr(" +
+                               quoted(source) + ") does not find it (compile a TS file with --qt-context drop)"});
     }
 
     // A lone "%" at the end: printf takes the terminating zero for a conversion.
@@ -399,13 +420,15 @@ std::vector<Finding> checkCatalogue(const Catalogue& c, const Catalogue* referen
         if (!e.usable(true))
             continue;
         auto it = referenceTexts.find(e.key);
-        const std::u16string_view source = it != referenceTexts.end() ? std::u16string_view(it->second->text) : splitKey(e.key).second;
+        const std::u16string_view source =
+            it != referenceTexts.end() ? std::u16string_view(it->second->text) : splitKey(e.key).second;
         const std::vector<std::u16string_view> texts = e.texts();
         for (size_t i = 0; i < texts.size(); ++i) {
             if (endsInLonePercent(texts[i]) && !endsInLonePercent(source))
                 out.push_back({e.line, e.cFormat || !placeholdersOf(source).printf.empty(),
                                "key " + quoted(e.key) + (e.forms.empty() ? "" : " form " + std::to_string(i)) +
-                                   ": the text ends in a lone %, which printf reads as the start of a field; write %% for a percent sign"});
+                                   ": the text ends in a lone %, which printf reads as the start of a field; write %% "
+                                   "for a percent sign"});
         }
     }
 
@@ -420,7 +443,8 @@ std::vector<Finding> checkCatalogue(const Catalogue& c, const Catalogue* referen
             if (e.obsolete || here.count(e.key) || !reported.insert(e.key).second)
                 continue;
             out.push_back({0, false,
-                           "key " + quoted(e.key) + " of the reference" + (e.line ? " (line " + std::to_string(e.line) + ")" : std::string()) +
+                           "key " + quoted(e.key) + " of the reference" +
+                               (e.line ? " (line " + std::to_string(e.line) + ")" : std::string()) +
                                " has no translation here"});
         }
     }
@@ -432,7 +456,9 @@ std::vector<Finding> checkCatalogue(const Catalogue& c, const Catalogue* referen
                 wanted.insert(e.key);
         for (const Entry& e : c.entries)
             if (e.usable(true) && !wanted.count(e.key))
-                out.push_back({e.line, false, "key " + quoted(e.key) + " is not in the reference (stale); qorlang merge marks it obsolete"});
+                out.push_back(
+                    {e.line, false,
+                     "key " + quoted(e.key) + " is not in the reference (stale); qorlang merge marks it obsolete"});
     }
     std::stable_sort(out.begin(), out.end(), [](const Finding& a, const Finding& b) { return a.line < b.line; });
     return out;

@@ -34,7 +34,7 @@ std::vector<Finding> checkCatalogue(const Catalogue& catalogue, const Catalogue*
                                     const std::vector<uint8_t>* languageFile);
 
 struct Stats {
-    size_t entries = 0;    // distinct keys
+    size_t entries = 0; // distinct keys
     size_t translated = 0; // keys a compiled file answers
     size_t fuzzy = 0;
     size_t missing = 0; // reference keys without a translation here

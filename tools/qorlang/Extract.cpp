@@ -16,13 +16,13 @@ namespace {
 
 // Keys: tr(key, default), trc(context, key, default), trn(key, pluralKey, n),
 // trnc(context, key, pluralKey, n), QOR_LANG2_getLocalString(key, default).
-const char* const kKeyKeywords[] = {"--keyword=tr:1", "--keyword=trc:1c,2", "--keyword=trn:1,2", "--keyword=trnc:1c,2,3",
-                                    "--keyword=QOR_LANG2_getLocalString:1"};
+const char* const kKeyKeywords[] = {"--keyword=tr:1", "--keyword=trc:1c,2", "--keyword=trn:1,2",
+                                    "--keyword=trnc:1c,2,3", "--keyword=QOR_LANG2_getLocalString:1"};
 const char* const kDefaultKeywords[] = {"--keyword=tr:2", "--keyword=trc:3", "--keyword=QOR_LANG2_getLocalString:2"};
 
 struct Block {
     std::vector<std::string> references; // "file:line" each
-    std::string msgid;                   // as quoted in the file, the pieces joined
+    std::string msgid; // as quoted in the file, the pieces joined
 };
 
 // The entries of xgettext's output, split at blank lines.
@@ -114,7 +114,8 @@ std::string withDefaultsAsTexts(const std::string& pot)
         const size_t empty = text.find("\nmsgstr \"\"\n");
         if (comment != std::string::npos && empty != std::string::npos) {
             const size_t start = comment + marker.size();
-            const std::string value = text.substr(start, text.find('\n', start) - start - 1); // still quoted as PO quotes it
+            const std::string value =
+                text.substr(start, text.find('\n', start) - start - 1); // still quoted as PO quotes it
             text.replace(empty, 11, "\nmsgstr \"" + value + "\"\n");
         }
         out += text + "\n";
@@ -126,12 +127,22 @@ void extractTemplate(const std::vector<std::string>& sources, const std::string&
 {
     const std::string xgettext = requireProgram("xgettext", "gettext (Debian: apt-get install gettext)");
     const auto run = [&](const char* const* keywords, size_t count, const std::string& to) {
-        std::vector<std::string> command = {xgettext, "--language=C++", "--from-code=UTF-8", "--add-comments=TRANSLATORS:",
-                                            "--keyword", "--force-po", "--no-wrap", "--package-name=" + packageName, "-o", to};
+        std::vector<std::string> command = {xgettext,
+                                            "--language=C++",
+                                            "--from-code=UTF-8",
+                                            "--add-comments=TRANSLATORS:",
+                                            "--keyword",
+                                            "--force-po",
+                                            "--no-wrap",
+                                            "--package-name=" + packageName,
+                                            "-o",
+                                            to};
         command.insert(command.end(), keywords, keywords + count);
         command.insert(command.end(), sources.begin(), sources.end());
         if (runProgram(command) != 0)
-            fail(output, 0, "xgettext failed on the sources (its message is above); fix the source it names and run extract again");
+            fail(
+                output, 0,
+                "xgettext failed on the sources (its message is above); fix the source it names and run extract again");
     };
     const std::string keysFile = temporaryBeside(output, ".keys"), defaultsFile = temporaryBeside(output, ".defaults");
     std::string keys, defaults;

@@ -2,8 +2,8 @@
 #include "Unicode.h"
 
 #include "framework/errors/CParseError.h"
-#include "framework/text/CString.h"
 #include "framework/io/FileSystemSupport.h"
+#include "framework/text/CString.h"
 #include "qor_lang_manager/LanguageId.h"
 
 #include <filesystem>
@@ -84,12 +84,9 @@ kore::P<kore::IString> nativeName(const std::string& path)
 std::string readAdvice(const kore::platform::NativeError& error)
 {
     switch (error.kind) {
-    case kore::platform::NativeErrorKind::kNotFound:
-        return "check the name and the folder";
-    case kore::platform::NativeErrorKind::kAccessDenied:
-        return "check that it is a file you may read, not a folder";
-    default:
-        return "check the file and try again";
+    case kore::platform::NativeErrorKind::kNotFound: return "check the name and the folder";
+    case kore::platform::NativeErrorKind::kAccessDenied: return "check that it is a file you may read, not a folder";
+    default: return "check the file and try again";
     }
 }
 
@@ -98,7 +95,8 @@ std::string readAdvice(const kore::platform::NativeError& error)
 std::string readFileBytes(const std::string& path)
 {
     kore::platform::NativeError error;
-    std::unique_ptr<kore::platform::INativeFile> file = kore::platform::openNativeFile(*nativeName(path), kore::platform::kNativeRead, error);
+    std::unique_ptr<kore::platform::INativeFile> file =
+        kore::platform::openNativeFile(*nativeName(path), kore::platform::kNativeRead, error);
     if (!file)
         failFile(path, "cannot open the file for reading", error, readAdvice(error));
     std::string bytes;
@@ -120,7 +118,8 @@ void writeFileAtomically(const std::string& path, std::string_view bytes)
     const kore::P<kore::IString> temporaryName = nativeName(temporary);
     const std::string advice = "check that the folder exists and that you may write in it";
     kore::platform::NativeError error;
-    std::unique_ptr<kore::platform::INativeFile> out = kore::platform::openNativeFile(*temporaryName, kore::platform::kNativeWrite, error);
+    std::unique_ptr<kore::platform::INativeFile> out =
+        kore::platform::openNativeFile(*temporaryName, kore::platform::kNativeWrite, error);
     if (!out)
         failFile(path, "cannot create the file", error, advice);
     const bool written = out->writeAt(0, bytes.data(), static_cast<uint32_t>(bytes.size()), error) && out->close(error);
@@ -178,36 +177,24 @@ Catalogue readCatalogueBytes(const std::string& path, const std::string& bytes, 
 Catalogue readCatalogueBytes(const std::string& path, const std::string& bytes, Format format, QtContext qtContext)
 {
     switch (format) {
-    case Format::Po:
-        return readPo(path, bytes);
-    case Format::Xliff:
-        return readXliff(path, bytes);
-    case Format::Ts:
-        return readTs(path, bytes, qtContext);
-    case Format::Json:
-        return readJson(path, bytes);
-    case Format::Text:
-        return readText(path, bytes);
-    case Format::Qorlang:
-        return readQorlang(path, std::vector<uint8_t>(bytes.begin(), bytes.end()));
-    default:
-        fail(path, 0, "cannot read this format");
+    case Format::Po: return readPo(path, bytes);
+    case Format::Xliff: return readXliff(path, bytes);
+    case Format::Ts: return readTs(path, bytes, qtContext);
+    case Format::Json: return readJson(path, bytes);
+    case Format::Text: return readText(path, bytes);
+    case Format::Qorlang: return readQorlang(path, std::vector<uint8_t>(bytes.begin(), bytes.end()));
+    default: fail(path, 0, "cannot read this format");
     }
 }
 
 std::string writeCatalogue(const Catalogue& catalogue, Format format)
 {
     switch (format) {
-    case Format::Po:
-        return writePo(catalogue);
-    case Format::Json:
-        return writeJson(catalogue);
-    case Format::Xliff:
-        return writeXliff(catalogue);
-    case Format::Ts:
-        return writeTs(catalogue);
-    default:
-        fail(catalogue.path, 0, "cannot write this format");
+    case Format::Po: return writePo(catalogue);
+    case Format::Json: return writeJson(catalogue);
+    case Format::Xliff: return writeXliff(catalogue);
+    case Format::Ts: return writeTs(catalogue);
+    default: fail(catalogue.path, 0, "cannot write this format");
     }
 }
 

@@ -7,15 +7,15 @@
 #include "PluralCategories.h"
 #include "Unicode.h"
 
+#include "framework/errors/CJsonParserError.h"
+#include "framework/objects/Cast.h"
 #include "framework/values/CBool.h"
 #include "framework/values/CInt.h"
 #include "framework/values/CInt64.h"
 #include "framework/values/CJsonParser.h"
-#include "framework/errors/CJsonParserError.h"
 #include "framework/values/CNull.h"
 #include "framework/values/CVariantArray.h"
 #include "framework/values/CVariantMap.h"
-#include "framework/objects/Cast.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -240,9 +240,8 @@ void joinI18nextPlurals(Catalogue& c, std::u16string_view tag)
         const std::map<std::string, size_t>& members = group.second;
         // A group holds the language's last form (i18next's fallback for every count), and a
         // second one of the language unless it has only that one: "show_other" alone stays a key.
-        const auto own = std::count_if(categories.begin(), categories.end(), [&](const std::string& category) {
-            return members.count(category) != 0;
-        });
+        const auto own = std::count_if(categories.begin(), categories.end(),
+                                       [&](const std::string& category) { return members.count(category) != 0; });
         if (!members.count(categories.back()) || (own < 2 && categories.size() > 1))
             continue;
         Entry entry;

@@ -11,7 +11,8 @@ namespace {
 
 bool allLetters(std::u16string_view s)
 {
-    return std::all_of(s.begin(), s.end(), [](char16_t c) { return (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z'); });
+    return std::all_of(s.begin(), s.end(),
+                       [](char16_t c) { return (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z'); });
 }
 
 std::u16string lower(std::u16string_view s)
@@ -26,8 +27,9 @@ std::u16string lower(std::u16string_view s)
 const char16_t* defaultCountry(std::u16string_view language)
 {
     const DefaultCountry* end = kDefaultCountries + kDefaultCountryCount;
-    const DefaultCountry* it = std::lower_bound(kDefaultCountries, end, language,
-                                                [](const DefaultCountry& row, std::u16string_view l) { return row.language < l; });
+    const DefaultCountry* it =
+        std::lower_bound(kDefaultCountries, end, language,
+                         [](const DefaultCountry& row, std::u16string_view l) { return row.language < l; });
     return it != end && it->language == language ? it->country : nullptr;
 }
 

@@ -18,8 +18,8 @@ extern const size_t kDefaultCountryCount;
 
 struct TagChoice {
     std::optional<std::u16string> tag; // the library's spelling, "de-DE"
-    bool completed = false;             // a bare language given its default country
-    std::string problem;                // why no tag fits, when tag is absent
+    bool completed = false; // a bare language given its default country
+    std::string problem; // why no tag fits, when tag is absent
 };
 
 // "ll[_-]CC" as is; a bare "ll" with its most likely country (CLDR); a script subtag or an

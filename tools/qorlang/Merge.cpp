@@ -88,7 +88,8 @@ Catalogue mergeCatalogue(const Catalogue& translation, const Catalogue& templ)
         if (!wanted.count(e.key) && !e.text.empty() && (e.obsolete ? old : current)[e.key] == &e)
             removed.push_back(&e);
     std::set<const Entry*> reused;
-    const std::vector<std::u16string> languageForms = emptyForms(translation.pluralForms, translation.language.value_or(u""));
+    const std::vector<std::u16string> languageForms =
+        emptyForms(translation.pluralForms, translation.language.value_or(u""));
 
     std::set<std::u16string_view> done;
     for (const Entry& t : templ.entries) {

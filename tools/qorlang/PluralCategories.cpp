@@ -14,9 +14,10 @@ std::vector<std::string> pluralCategories(std::u16string_view tag)
     const auto* first = detail::kPluralCategoryRows;
     const auto* last = first + detail::kPluralCategoryRowCount;
     auto find = [&](const std::string& language) -> const char* {
-        const auto* row = std::lower_bound(first, last, language, [](const detail::PluralCategoryRow& r, const std::string& key) {
-            return std::strcmp(r.language, key.c_str()) < 0;
-        });
+        const auto* row =
+            std::lower_bound(first, last, language, [](const detail::PluralCategoryRow& r, const std::string& key) {
+                return std::strcmp(r.language, key.c_str()) < 0;
+            });
         return row != last && language == row->language ? row->categories : nullptr;
     };
     const char* found = find(whole);

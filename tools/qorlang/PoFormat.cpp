@@ -25,7 +25,7 @@ struct PoEntry {
     std::optional<std::string> id;
     std::optional<std::string> idPlural;
     std::map<int, std::string> strs; // msgstr (index 0) or msgstr[N]
-    std::string translatorComment;   // "# " lines, kept for the header
+    std::string translatorComment; // "# " lines, kept for the header
 };
 
 class CPoParser {
@@ -93,11 +93,13 @@ private:
                 for (size_t at = line.find("fuzzy", 2); at != std::string_view::npos; at = line.find("fuzzy", at + 1)) {
                     const bool startOk = line[at - 1] == ',' || line[at - 1] == ' ' || line[at - 1] == '\t';
                     const size_t after = at + 5;
-                    const bool endOk = after == line.size() || line[after] == ',' || line[after] == ' ' || line[after] == '\t';
+                    const bool endOk =
+                        after == line.size() || line[after] == ',' || line[after] == ' ' || line[after] == '\t';
                     if (startOk && endOk)
                         m_entry.fuzzy = true;
                 }
-                for (size_t at = line.find("c-format", 2); at != std::string_view::npos; at = line.find("c-format", at + 1)) {
+                for (size_t at = line.find("c-format", 2); at != std::string_view::npos;
+                     at = line.find("c-format", at + 1)) {
                     if (line[at - 1] == ',' || line[at - 1] == ' ' || line[at - 1] == '\t')
                         m_entry.cFormat = true;
                 }
@@ -197,12 +199,17 @@ private:
             case 'b': out.push_back('\b'); break;
             case 'f': out.push_back('\f'); break;
             case 'v': out.push_back('\v'); break;
-            case '\\': case '"': case '\'': case '?': out.push_back(s[i]); break;
+            case '\\':
+            case '"':
+            case '\'':
+            case '?': out.push_back(s[i]); break;
             case 'x': {
                 int value = 0, digits = 0;
                 while (i + 1 < s.size() && std::isxdigit(static_cast<unsigned char>(s[i + 1]))) {
                     const char h = s[++i];
-                    value = (value * 16 + (std::isdigit(static_cast<unsigned char>(h)) ? h - '0' : (h | 0x20) - 'a' + 10)) & 0xFF;
+                    value =
+                        (value * 16 + (std::isdigit(static_cast<unsigned char>(h)) ? h - '0' : (h | 0x20) - 'a' + 10)) &
+                        0xFF;
                     ++digits;
                 }
                 if (digits == 0)
@@ -233,11 +240,14 @@ private:
         if (m_charset) {
             if (auto decoded = m_charset->decode(text))
                 return std::move(*decoded);
-            fail(m_path, m_entryLine, "not valid " + m_charset->name() + "; the header's Content-Type must name the file's real charset");
+            fail(m_path, m_entryLine,
+                 "not valid " + m_charset->name() + "; the header's Content-Type must name the file's real charset");
         }
         if (auto decoded = decodeUtf8(text))
             return std::move(*decoded);
-        fail(m_path, firstLineNotUtf8(), "not valid UTF-8; convert the file to UTF-8 (iconv, msgconv) or name its real charset in the header's Content-Type");
+        fail(m_path, firstLineNotUtf8(),
+             "not valid UTF-8; convert the file to UTF-8 (iconv, msgconv) or name its real charset in the header's "
+             "Content-Type");
     }
 
     // An entry spans lines; the message names the one holding the bad bytes.
@@ -275,11 +285,14 @@ private:
                 for (char& c : charset)
                     c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
                 // UTF-8 and its subset ASCII are read directly, "CHARSET" is a template's placeholder.
-                if (!charset.empty() && charset != "UTF-8" && charset != "CHARSET" && charset != "ASCII" && charset != "US-ASCII") {
+                if (!charset.empty() && charset != "UTF-8" && charset != "CHARSET" && charset != "ASCII" &&
+                    charset != "US-ASCII") {
                     m_charset = CCharset::open(charset);
                     if (!m_charset)
                         fail(m_path, m_entryLine,
-                             "charset " + charset + " is not known to this system's converter; convert the file with msgconv --to-code=UTF-8");
+                             "charset " + charset +
+                                 " is not known to this system's converter; convert the file with msgconv "
+                                 "--to-code=UTF-8");
                 }
             }
             m_headerFields.emplace_back(name, value);

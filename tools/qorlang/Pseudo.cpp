@@ -14,8 +14,14 @@ static_assert(kLower.size() == 26 && kUpper.size() == 26);
 constexpr char16_t kRightToLeftOverride = u'\x202E';
 constexpr char16_t kPopDirectionalFormatting = u'\x202C';
 
-bool isLetter(char16_t c) { return (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z'); }
-bool isDigit(char16_t c) { return c >= u'0' && c <= u'9'; }
+bool isLetter(char16_t c)
+{
+    return (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z');
+}
+bool isDigit(char16_t c)
+{
+    return c >= u'0' && c <= u'9';
+}
 
 // The length of what must stay as it is at text[i]: a printf field ("%-5.2ld", "%1$s", "%%"),
 // a "%NAME%", a "{name}" or "{{name}}" field, a tag ("<b>"), an entity ("&amp;") or a control

@@ -11,14 +11,16 @@ namespace qorlang {
 
 namespace {
 
-#define QORLANG_PRI_SIZES(conv)                                                                                      \
-    {u"PRI" #conv "8", PRI##conv##8}, {u"PRI" #conv "16", PRI##conv##16}, {u"PRI" #conv "32", PRI##conv##32},        \
-        {u"PRI" #conv "64", PRI##conv##64}, {u"PRI" #conv "LEAST8", PRI##conv##LEAST8},                               \
-        {u"PRI" #conv "LEAST16", PRI##conv##LEAST16}, {u"PRI" #conv "LEAST32", PRI##conv##LEAST32},                   \
-        {u"PRI" #conv "LEAST64", PRI##conv##LEAST64}, {u"PRI" #conv "FAST8", PRI##conv##FAST8},                       \
-        {u"PRI" #conv "FAST16", PRI##conv##FAST16}, {u"PRI" #conv "FAST32", PRI##conv##FAST32},                       \
-        {u"PRI" #conv "FAST64", PRI##conv##FAST64}, {u"PRI" #conv "MAX", PRI##conv##MAX},                             \
-        {u"PRI" #conv "PTR", PRI##conv##PTR}
+#define QORLANG_PRI_SIZES(conv)                                                                                        \
+    {u"PRI" #conv "8", PRI##conv##8}, {u"PRI" #conv "16", PRI##conv##16}, {u"PRI" #conv "32", PRI##conv##32},          \
+        {u"PRI" #conv "64", PRI##conv##64}, {u"PRI" #conv "LEAST8", PRI##conv##LEAST8},                                \
+        {u"PRI" #conv "LEAST16", PRI##conv##LEAST16}, {u"PRI" #conv "LEAST32", PRI##conv##LEAST32},                    \
+        {u"PRI" #conv "LEAST64", PRI##conv##LEAST64}, {u"PRI" #conv "FAST8", PRI##conv##FAST8},                        \
+        {u"PRI" #conv "FAST16", PRI##conv##FAST16}, {u"PRI" #conv "FAST32", PRI##conv##FAST32},                        \
+        {u"PRI" #conv "FAST64", PRI##conv##FAST64}, {u"PRI" #conv "MAX", PRI##conv##MAX},                              \
+    {                                                                                                                  \
+        u"PRI" #conv "PTR", PRI##conv##PTR                                                                             \
+    }
 
 const std::map<std::u16string_view, const char*>& segments()
 {

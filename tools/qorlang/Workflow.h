@@ -12,7 +12,8 @@ namespace qorlang {
 // Runs xgettext over C and C++ `sources` for the library's calls and writes the template
 // `output` (.pot); the default texts of tr/trc/QOR_LANG2_getLocalString become extracted
 // comments ("#. default: ...") where they differ from the key.
-void extractTemplate(const std::vector<std::string>& sources, const std::string& output, const std::string& packageName);
+void extractTemplate(const std::vector<std::string>& sources, const std::string& output,
+                     const std::string& packageName);
 
 // Adds the default-text comments of `defaults` (xgettext's template of the defaults) to
 // `keys` (its template of the keys), pairing entries by their source references.

@@ -88,28 +88,18 @@ std::string protectWhiteSpace(const std::string& bytes)
 std::string xmlProblem(tinyxml2::XMLError error)
 {
     switch (error) {
-    case tinyxml2::XML_ERROR_EMPTY_DOCUMENT:
-        return "the file holds no XML element; it may be empty or cut short";
-    case tinyxml2::XML_ERROR_MISMATCHED_ELEMENT:
-        return "an end tag does not match the element it closes";
-    case tinyxml2::XML_ERROR_PARSING_ELEMENT:
-        return "a tag is not closed or not spelt right";
+    case tinyxml2::XML_ERROR_EMPTY_DOCUMENT: return "the file holds no XML element; it may be empty or cut short";
+    case tinyxml2::XML_ERROR_MISMATCHED_ELEMENT: return "an end tag does not match the element it closes";
+    case tinyxml2::XML_ERROR_PARSING_ELEMENT: return "a tag is not closed or not spelt right";
     case tinyxml2::XML_ERROR_PARSING_ATTRIBUTE:
         return "an attribute is broken (a value needs quotes; write \" as &quot;)";
-    case tinyxml2::XML_ERROR_PARSING_TEXT:
-        return "text or a tag is broken (write < as &lt; and & as &amp; in texts)";
-    case tinyxml2::XML_ERROR_PARSING_CDATA:
-        return "a CDATA section is not closed with ]]>";
-    case tinyxml2::XML_ERROR_PARSING_COMMENT:
-        return "a comment is not closed with -->";
-    case tinyxml2::XML_ERROR_PARSING_DECLARATION:
-        return "the <?xml ...?> declaration is broken";
-    case tinyxml2::XML_ERROR_PARSING_UNKNOWN:
-        return "a <! ...> construct is not closed";
-    case tinyxml2::XML_ELEMENT_DEPTH_EXCEEDED:
-        return "elements are nested too deeply";
-    default:
-        return "the file ends before the document does, or is not XML";
+    case tinyxml2::XML_ERROR_PARSING_TEXT: return "text or a tag is broken (write < as &lt; and & as &amp; in texts)";
+    case tinyxml2::XML_ERROR_PARSING_CDATA: return "a CDATA section is not closed with ]]>";
+    case tinyxml2::XML_ERROR_PARSING_COMMENT: return "a comment is not closed with -->";
+    case tinyxml2::XML_ERROR_PARSING_DECLARATION: return "the <?xml ...?> declaration is broken";
+    case tinyxml2::XML_ERROR_PARSING_UNKNOWN: return "a <! ...> construct is not closed";
+    case tinyxml2::XML_ELEMENT_DEPTH_EXCEEDED: return "elements are nested too deeply";
+    default: return "the file ends before the document does, or is not XML";
     }
 }
 
@@ -117,10 +107,15 @@ void parseDocument(XMLDocument& doc, const std::string& path, const std::string&
 {
     const std::string bytes = protectWhiteSpace(original);
     if (doc.Parse(bytes.data(), bytes.size()) != tinyxml2::XML_SUCCESS)
-        fail(path, doc.ErrorLineNum(), "not well-formed XML: " + xmlProblem(doc.ErrorID()) + "; fix it in an XML editor or the tool that wrote it");
+        fail(path, doc.ErrorLineNum(),
+             "not well-formed XML: " + xmlProblem(doc.ErrorID()) +
+                 "; fix it in an XML editor or the tool that wrote it");
 }
 
-bool named(const XMLElement* e, const char* name) { return std::strcmp(e->Name(), name) == 0; }
+bool named(const XMLElement* e, const char* name)
+{
+    return std::strcmp(e->Name(), name) == 0;
+}
 
 // The local part of a name ("trolltech:po-header-language" -> "po-header-language").
 const char* localName(const XMLElement* e)
@@ -158,7 +153,8 @@ void collectText(const XMLNode* node, std::string& out)
             if (named(e, "byte")) {
                 const char* value = e->Attribute("value");
                 if (value) {
-                    const unsigned long code = value[0] == 'x' ? std::strtoul(value + 1, nullptr, 16) : std::strtoul(value, nullptr, 10);
+                    const unsigned long code =
+                        value[0] == 'x' ? std::strtoul(value + 1, nullptr, 16) : std::strtoul(value, nullptr, 10);
                     out += encodeUtf8(std::u16string(1, static_cast<char16_t>(code)));
                 }
             } else if (const char* ctype = e->Attribute("ctype"); ctype && std::strncmp(ctype, "x-ch-", 5) == 0) {
@@ -296,7 +292,8 @@ private:
                 m_targetLanguage = true;
             }
             if (const XMLElement* header = file->FirstChildElement("header")) {
-                for (const XMLElement* g = header->FirstChildElement("prop-group"); g; g = g->NextSiblingElement("prop-group")) {
+                for (const XMLElement* g = header->FirstChildElement("prop-group"); g;
+                     g = g->NextSiblingElement("prop-group")) {
                     const char* name = g->Attribute("name");
                     if (!name || std::strcmp(name, "qorlang") != 0)
                         continue;
@@ -370,7 +367,8 @@ private:
             for (const XMLElement* holder : {group, unit}) {
                 for (const XMLElement* g = holder ? holder->FirstChildElement("context-group") : nullptr; g;
                      g = g->NextSiblingElement("context-group")) {
-                    for (const XMLElement* x = g->FirstChildElement("context"); x; x = x->NextSiblingElement("context")) {
+                    for (const XMLElement* x = g->FirstChildElement("context"); x;
+                         x = x->NextSiblingElement("context")) {
                         const char* type = x->Attribute("context-type");
                         if (type && std::strcmp(type, "x-gettext-msgctxt") == 0)
                             context = textOf(m_c.path, x);
@@ -561,7 +559,8 @@ std::string writeXliff(const Catalogue& c)
         p.PushAttribute("restype", "x-gettext-plurals");
         contextGroup(context);
         for (size_t i = 0; i < e.forms.size(); ++i) {
-            unit(unitId + "[" + std::to_string(i) + "]", i == 0 ? source : std::u16string_view(e.pluralSource), e.forms[i], e);
+            unit(unitId + "[" + std::to_string(i) + "]", i == 0 ? source : std::u16string_view(e.pluralSource),
+                 e.forms[i], e);
             p.CloseElement();
         }
         p.CloseElement();

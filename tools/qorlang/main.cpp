@@ -4,15 +4,15 @@
 #include "Formats.h"
 #include "Language.h"
 #include "Process.h"
-#include "Workflow.h"
 #include "Unicode.h"
+#include "Workflow.h"
 
-#include "framework/errors/CException.h"
-#include "framework/PlatformSupport.h"
-#include "framework/text/IString.h"
-#include "qor_lang_manager/CLanguageFile.h"
 #include "chunk_file/CMemoryStream.h"
 #include "chunk_file/TChunkRef.h"
+#include "framework/PlatformSupport.h"
+#include "framework/errors/CException.h"
+#include "framework/text/IString.h"
+#include "qor_lang_manager/CLanguageFile.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -57,94 +57,85 @@ const char* const kUsage =
     "2 the command line is wrong.\n";
 
 const std::map<std::string, const char*> kCommandHelp = {
-    {"compile",
-     "usage: qorlang compile INPUT -o OUTPUT [--app-id ID] [--language TAG] [--author NAME]\n"
-     "                       [--comment TEXT] [--native-name NAME] [--native-sub-name NAME]\n"
-     "                       [--use-fuzzy] [--qt-context auto|keep|drop]\n"
-     "\n"
-     "Makes the language file OUTPUT (.qorlang) from INPUT (.po, .xlf, .xliff, .ts, .json, .txt).\n"
-     "  --language TAG  the language, language-COUNTRY such as de-DE; by default the tag OUTPUT's\n"
-     "                  name ends in (app-de-AT.qorlang), else the input's own (PO \"Language\",\n"
-     "                  XLIFF target language, TS language); a bare language takes its usual\n"
-     "                  country (de: de-DE, pt: pt-BR, as CLDR's likely subtags say); a script\n"
-     "                  (sr-Latn, zh-Hant) or modifier (sr@latin) is refused: give --language\n"
-     "  --native-name NAME      the language's name in itself (Deutsch), for language pickers\n"
-     "  --native-sub-name NAME  the variant's name in the language (Österreich)\n"
-     "  --app-id ID     the application id; by default taken from OUTPUT's name <app>-<tag>.qorlang\n"
-     "  --author NAME   by default the PO \"Last-Translator\"\n"
-     "  --comment TEXT  by default the comment lines above a PO header\n"
-     "  --use-fuzzy     keep fuzzy (unreviewed) translations, which are left out otherwise\n"
-     "  --qt-context    how a Qt TS <context><name> enters the keys: keep makes the key\n"
-     "                  \"name|comment\", U+0004, source (as lconvert's PO); drop leaves it out;\n"
-     "                  auto (the default) drops it where every source of the context looks like a\n"
-     "                  key (app.title), and lupdate's context qor_lang2 (of qor_lang2::tr calls)\n"
-     "                  unless kept\n"
-     "Untranslated entries are left out; a key given twice keeps its last text. A gettext\n"
-     "context becomes part of the key: context, U+0004, source text. In i18next JSON nested\n"
-     "objects give dotted keys (\"menu\": {\"open\": ...} is menu.open), and item_one, item_few,\n"
-     "item_other... one plural entry item, its forms in the CLDR order of the language. A plural\n"
-     "entry keeps every form, and the catalogue's plural rule (PO Plural-Forms) goes along;\n"
-     "qor_lang2::trn picks the form for a number.\n"},
-    {"decompile",
-     "usage: qorlang decompile INPUT.qorlang -o OUTPUT\n"
-     "\n"
-     "Writes every entry and the descriptive data of a language file as OUTPUT, whose extension\n"
-     "chooses the format: .po, .xlf/.xliff (XLIFF 1.2), .ts or .json (i18next, flat dotted keys).\n"
-     "Compiling OUTPUT again gives the same entries.\n"},
-    {"check",
-     "usage: qorlang check FILE... [--reference FILE] [--qt-context auto|keep|drop]\n"
-     "\n"
-     "Reports, per file and line, what a translator should fix: placeholders that differ from the\n"
-     "reference's text of the same key (a template's source text), or without a reference from the\n"
-     "entry's own source text\n"
-     "(printf fields %s, %1$d for a c-format entry; {0}, {name}, {{name}} for the others; each\n"
-     "plural form against the singular or the plural source), plural entries whose count of forms\n"
-     "is not the plural rule's, reference keys missing here, keys defined twice, keys no qor_lang2\n"
-     "call reaches, empty texts, a language tag the library rejects, a language file name the\n"
-     "library never looks for. Exits with 1 when there are errors, 0 when there are only warnings.\n"},
-    {"stats",
-     "usage: qorlang stats FILE... [--reference FILE]\n"
-     "\n"
-     "Prints one row per file: entries, translated, fuzzy, missing against the reference and the\n"
-     "translated share (of the reference's keys when one is given).\n"},
-    {"extract",
-     "usage: qorlang extract SOURCE... -o OUTPUT.pot [--package-name NAME]\n"
-     "\n"
-     "Runs gettext's xgettext over C and C++ SOURCEs and writes the template OUTPUT with every key\n"
-     "the program asks for: qor_lang2::tr(key, default), trc(context, key, default),\n"
-     "trn(key, pluralKey, n), trnc(context, key, pluralKey, n) and QOR_LANG2_getLocalString(key,\n"
-     "default), with contexts, plural pairs and source references. A default text that differs\n"
-     "from its key is shown to translators as \"#. default: ...\", comments starting with\n"
-     "TRANSLATORS: too. Needs xgettext (Debian package gettext).\n"},
-    {"init",
-     "usage: qorlang init TEMPLATE -o OUTPUT [--language TAG]\n"
-     "\n"
-     "Starts the translation OUTPUT (.po, .ts, .xlf, .json) of TEMPLATE (usually the .pot of\n"
-     "extract) with every entry untranslated. The language is --language, else OUTPUT's name\n"
-     "(de.po, de_AT.po, app-de-DE.ts; a bare language takes its usual country). A PO file is made\n"
-     "by gettext's msginit, so it carries the language's plural rule. OUTPUT must not exist yet.\n"},
-    {"merge",
-     "usage: qorlang merge TEMPLATE FILE...\n"
-     "\n"
-     "Brings each translation FILE up to date with TEMPLATE, in place: new keys are added\n"
-     "untranslated, a key whose source text changed keeps its old translation marked fuzzy, keys\n"
-     "no longer in TEMPLATE become obsolete. PO files go through gettext's msgmerge (translators'\n"
-     "comments kept); TS, XLIFF and JSON through the tool's own catalogue, with the same rules\n"
-     "(JSON cannot mark obsolete entries, so they are dropped there). Prints per FILE how many\n"
-     "entries were kept, added, marked fuzzy and made obsolete.\n"},
-    {"pseudo",
-     "usage: qorlang pseudo INPUT -o OUTPUT.qorlang [--language TAG] [--app-id ID] [--rtl]\n"
-     "\n"
-     "Writes a language file in which every text of INPUT (its translation, else its source text)\n"
-     "is pseudo-localised: letters accented, about 35 % longer, in brackets, so that texts that\n"
-     "bypass the library, labels cut off and fonts without accents show at once. Placeholders and\n"
-     "markup stay as they are. --rtl also mirrors the text right to left. The tag is --language,\n"
-     "else the one OUTPUT's name ends in, else zxx-US (zxx: no linguistic content), which the host\n"
-     "selects like any other.\n"},
-    {"info",
-     "usage: qorlang info FILE.qorlang\n"
-     "\n"
-     "Prints what the library's file accessors answer for FILE, its version and its entry count.\n"},
+    {"compile", "usage: qorlang compile INPUT -o OUTPUT [--app-id ID] [--language TAG] [--author NAME]\n"
+                "                       [--comment TEXT] [--native-name NAME] [--native-sub-name NAME]\n"
+                "                       [--use-fuzzy] [--qt-context auto|keep|drop]\n"
+                "\n"
+                "Makes the language file OUTPUT (.qorlang) from INPUT (.po, .xlf, .xliff, .ts, .json, .txt).\n"
+                "  --language TAG  the language, language-COUNTRY such as de-DE; by default the tag OUTPUT's\n"
+                "                  name ends in (app-de-AT.qorlang), else the input's own (PO \"Language\",\n"
+                "                  XLIFF target language, TS language); a bare language takes its usual\n"
+                "                  country (de: de-DE, pt: pt-BR, as CLDR's likely subtags say); a script\n"
+                "                  (sr-Latn, zh-Hant) or modifier (sr@latin) is refused: give --language\n"
+                "  --native-name NAME      the language's name in itself (Deutsch), for language pickers\n"
+                "  --native-sub-name NAME  the variant's name in the language (Österreich)\n"
+                "  --app-id ID     the application id; by default taken from OUTPUT's name <app>-<tag>.qorlang\n"
+                "  --author NAME   by default the PO \"Last-Translator\"\n"
+                "  --comment TEXT  by default the comment lines above a PO header\n"
+                "  --use-fuzzy     keep fuzzy (unreviewed) translations, which are left out otherwise\n"
+                "  --qt-context    how a Qt TS <context><name> enters the keys: keep makes the key\n"
+                "                  \"name|comment\", U+0004, source (as lconvert's PO); drop leaves it out;\n"
+                "                  auto (the default) drops it where every source of the context looks like a\n"
+                "                  key (app.title), and lupdate's context qor_lang2 (of qor_lang2::tr calls)\n"
+                "                  unless kept\n"
+                "Untranslated entries are left out; a key given twice keeps its last text. A gettext\n"
+                "context becomes part of the key: context, U+0004, source text. In i18next JSON nested\n"
+                "objects give dotted keys (\"menu\": {\"open\": ...} is menu.open), and item_one, item_few,\n"
+                "item_other... one plural entry item, its forms in the CLDR order of the language. A plural\n"
+                "entry keeps every form, and the catalogue's plural rule (PO Plural-Forms) goes along;\n"
+                "qor_lang2::trn picks the form for a number.\n"},
+    {"decompile", "usage: qorlang decompile INPUT.qorlang -o OUTPUT\n"
+                  "\n"
+                  "Writes every entry and the descriptive data of a language file as OUTPUT, whose extension\n"
+                  "chooses the format: .po, .xlf/.xliff (XLIFF 1.2), .ts or .json (i18next, flat dotted keys).\n"
+                  "Compiling OUTPUT again gives the same entries.\n"},
+    {"check", "usage: qorlang check FILE... [--reference FILE] [--qt-context auto|keep|drop]\n"
+              "\n"
+              "Reports, per file and line, what a translator should fix: placeholders that differ from the\n"
+              "reference's text of the same key (a template's source text), or without a reference from the\n"
+              "entry's own source text\n"
+              "(printf fields %s, %1$d for a c-format entry; {0}, {name}, {{name}} for the others; each\n"
+              "plural form against the singular or the plural source), plural entries whose count of forms\n"
+              "is not the plural rule's, reference keys missing here, keys defined twice, keys no qor_lang2\n"
+              "call reaches, empty texts, a language tag the library rejects, a language file name the\n"
+              "library never looks for. Exits with 1 when there are errors, 0 when there are only warnings.\n"},
+    {"stats", "usage: qorlang stats FILE... [--reference FILE]\n"
+              "\n"
+              "Prints one row per file: entries, translated, fuzzy, missing against the reference and the\n"
+              "translated share (of the reference's keys when one is given).\n"},
+    {"extract", "usage: qorlang extract SOURCE... -o OUTPUT.pot [--package-name NAME]\n"
+                "\n"
+                "Runs gettext's xgettext over C and C++ SOURCEs and writes the template OUTPUT with every key\n"
+                "the program asks for: qor_lang2::tr(key, default), trc(context, key, default),\n"
+                "trn(key, pluralKey, n), trnc(context, key, pluralKey, n) and QOR_LANG2_getLocalString(key,\n"
+                "default), with contexts, plural pairs and source references. A default text that differs\n"
+                "from its key is shown to translators as \"#. default: ...\", comments starting with\n"
+                "TRANSLATORS: too. Needs xgettext (Debian package gettext).\n"},
+    {"init", "usage: qorlang init TEMPLATE -o OUTPUT [--language TAG]\n"
+             "\n"
+             "Starts the translation OUTPUT (.po, .ts, .xlf, .json) of TEMPLATE (usually the .pot of\n"
+             "extract) with every entry untranslated. The language is --language, else OUTPUT's name\n"
+             "(de.po, de_AT.po, app-de-DE.ts; a bare language takes its usual country). A PO file is made\n"
+             "by gettext's msginit, so it carries the language's plural rule. OUTPUT must not exist yet.\n"},
+    {"merge", "usage: qorlang merge TEMPLATE FILE...\n"
+              "\n"
+              "Brings each translation FILE up to date with TEMPLATE, in place: new keys are added\n"
+              "untranslated, a key whose source text changed keeps its old translation marked fuzzy, keys\n"
+              "no longer in TEMPLATE become obsolete. PO files go through gettext's msgmerge (translators'\n"
+              "comments kept); TS, XLIFF and JSON through the tool's own catalogue, with the same rules\n"
+              "(JSON cannot mark obsolete entries, so they are dropped there). Prints per FILE how many\n"
+              "entries were kept, added, marked fuzzy and made obsolete.\n"},
+    {"pseudo", "usage: qorlang pseudo INPUT -o OUTPUT.qorlang [--language TAG] [--app-id ID] [--rtl]\n"
+               "\n"
+               "Writes a language file in which every text of INPUT (its translation, else its source text)\n"
+               "is pseudo-localised: letters accented, about 35 % longer, in brackets, so that texts that\n"
+               "bypass the library, labels cut off and fonts without accents show at once. Placeholders and\n"
+               "markup stay as they are. --rtl also mirrors the text right to left. The tag is --language,\n"
+               "else the one OUTPUT's name ends in, else zxx-US (zxx: no linguistic content), which the host\n"
+               "selects like any other.\n"},
+    {"info", "usage: qorlang info FILE.qorlang\n"
+             "\n"
+             "Prints what the library's file accessors answer for FILE, its version and its entry count.\n"},
 };
 
 struct Arguments {
@@ -156,8 +147,8 @@ struct Arguments {
 bool takesValue(const std::string& option)
 {
     return option == "-o" || option == "--app-id" || option == "--language" || option == "--author" ||
-           option == "--comment" || option == "--reference" || option == "--native-name" || option == "--native-sub-name" ||
-           option == "--package-name" || option == "--qt-context";
+           option == "--comment" || option == "--reference" || option == "--native-name" ||
+           option == "--native-sub-name" || option == "--package-name" || option == "--qt-context";
 }
 
 Arguments parseArguments(const std::string& command, const std::vector<std::string>& args,
@@ -208,7 +199,8 @@ QtContext qtContextOption(const std::string& command, const Arguments& a)
 
 void warn(const std::string& where, int line, const std::string& message)
 {
-    std::fprintf(stderr, "%s%s: warning: %s\n", where.c_str(), line ? (":" + std::to_string(line)).c_str() : "", message.c_str());
+    std::fprintf(stderr, "%s%s: warning: %s\n", where.c_str(), line ? (":" + std::to_string(line)).c_str() : "",
+                 message.c_str());
 }
 
 // --app-id, else the output's name <app>-<tag>.qorlang, else the catalogue's own.
@@ -219,16 +211,18 @@ void setApplicationId(const Arguments& a, Catalogue& c, const std::string& outpu
         c.appId = *id;
     } else {
         const std::string suffix = "-" + encodeUtf8(tag) + ".qorlang";
-        if (outputName.size() > suffix.size() && outputName.compare(outputName.size() - suffix.size(), suffix.size(), suffix) == 0)
+        if (outputName.size() > suffix.size() &&
+            outputName.compare(outputName.size() - suffix.size(), suffix.size(), suffix) == 0)
             c.appId = decodeUtf8(outputName.substr(0, outputName.size() - suffix.size()));
         else if (!c.appId || c.appId->empty())
-            fail(output, 0, "the name is not <app>-" + encodeUtf8(tag) + ".qorlang, so give the application id with --app-id");
+            fail(output, 0,
+                 "the name is not <app>-" + encodeUtf8(tag) + ".qorlang, so give the application id with --app-id");
     }
 }
 
 // Runs a gettext program that writes `temporary`, and returns what it wrote.
-std::string outputOfProgram(const std::vector<std::string>& command, const std::string& temporary, bool quiet, const std::string& target,
-                            const std::string& failure)
+std::string outputOfProgram(const std::vector<std::string>& command, const std::string& temporary, bool quiet,
+                            const std::string& target, const std::string& failure)
 {
     const int status = runProgram(command, quiet);
     std::string bytes = status == 0 ? readFileBytes(temporary) : std::string();
@@ -241,42 +235,50 @@ std::string outputOfProgram(const std::vector<std::string>& command, const std::
 
 // --language, else the tag the output's name ends in, else the catalogue's own language (a bare
 // language completed with its usual country).
-std::u16string compiledTag(const Arguments& a, const Catalogue& c, const std::string& input, const std::string& outputName)
+std::u16string compiledTag(const Arguments& a, const Catalogue& c, const std::string& input,
+                           const std::string& outputName)
 {
     if (auto given = optionText(a, "--language")) {
         const TagChoice choice = tagFor(*given);
         if (!choice.tag)
-            usageError("compile", "--language: " + choice.problem.substr(0, choice.problem.find(';')) + "; a tag is language-COUNTRY, such as de-DE");
+            usageError("compile", "--language: " + choice.problem.substr(0, choice.problem.find(';')) +
+                                      "; a tag is language-COUNTRY, such as de-DE");
         return *choice.tag;
     }
-    const std::optional<TagChoice> own = c.language && !c.language->empty() ? std::optional(tagFor(*c.language)) : std::nullopt;
+    const std::optional<TagChoice> own =
+        c.language && !c.language->empty() ? std::optional(tagFor(*c.language)) : std::nullopt;
     if (auto named = tagOfFileName(outputName)) {
         if (own && own->tag && own->tag->substr(0, own->tag->find(u'-')) != named->substr(0, named->find(u'-')))
-            warn(input, c.languageLine, "the file's language is " + qorlang::quoted(*c.language) + " but the output is named for " +
-                                            encodeUtf8(*named) + "; the name wins (--language decides otherwise)");
+            warn(input, c.languageLine,
+                 "the file's language is " + qorlang::quoted(*c.language) + " but the output is named for " +
+                     encodeUtf8(*named) + "; the name wins (--language decides otherwise)");
         return *named;
     }
     if (!own)
-        fail(input, 0, "the file names no language; give one with --language, such as --language de-DE, or name the output <app>-<tag>.qorlang");
+        fail(input, 0,
+             "the file names no language; give one with --language, such as --language de-DE, or name the output "
+             "<app>-<tag>.qorlang");
     if (!own->tag)
         fail(input, c.languageLine, own->problem);
     if (own->completed)
-        warn(input, c.languageLine, "the language " + qorlang::quoted(*c.language) + " names no country; using " + encodeUtf8(*own->tag) +
-                                        ", its usual one (--language chooses another)");
+        warn(input, c.languageLine,
+             "the language " + qorlang::quoted(*c.language) + " names no country; using " + encodeUtf8(*own->tag) +
+                 ", its usual one (--language chooses another)");
     return *own->tag;
 }
 
 int compile(const std::vector<std::string>& args)
 {
     const Arguments a = parseArguments("compile", args,
-                                       {"-o", "--app-id", "--language", "--author", "--comment", "--use-fuzzy", "--native-name",
-                                        "--native-sub-name", "--qt-context"});
+                                       {"-o", "--app-id", "--language", "--author", "--comment", "--use-fuzzy",
+                                        "--native-name", "--native-sub-name", "--qt-context"});
     if (a.files.size() != 1 || !a.options.count("-o"))
         usageError("compile", "needs one INPUT and -o OUTPUT");
     const std::string& input = a.files[0];
     const std::string& output = a.options.at("-o");
     if (isFolder(output))
-        usageError("compile", "-o " + output + " is a folder; give the file to write, such as " + output + "/app-de-DE.qorlang");
+        usageError("compile",
+                   "-o " + output + " is a folder; give the file to write, such as " + output + "/app-de-DE.qorlang");
     if (formatOf(output) != Format::Qorlang)
         fail(output, 0, "the output of compile is a language file, its name ends in .qorlang");
     Catalogue c = readCatalogue(input, qtContextOption("compile", a));
@@ -307,9 +309,10 @@ int compile(const std::vector<std::string>& args)
             continue;
         auto [it, added] = firstLine.emplace(e.key, e.line);
         if (!added)
-            warn(input, e.line, "key " + qorlang::quoted(e.key) + " was defined before" +
-                                    (it->second ? " (line " + std::to_string(it->second) + ")" : std::string()) +
-                                    "; this later text is the one kept");
+            warn(input, e.line,
+                 "key " + qorlang::quoted(e.key) + " was defined before" +
+                     (it->second ? " (line " + std::to_string(it->second) + ")" : std::string()) +
+                     "; this later text is the one kept");
     }
     const std::vector<uint8_t> bytes = compileLanguageFile(c, options);
     const std::string expected = encodeUtf8(languageFileName(*c.appId, tag));
@@ -327,7 +330,8 @@ int decompile(const std::vector<std::string>& args)
     const std::string& input = a.files[0];
     const std::string& output = a.options.at("-o");
     if (isFolder(output))
-        usageError("decompile", "-o " + output + " is a folder; give the file to write, such as " + output + "/de-DE.po");
+        usageError("decompile",
+                   "-o " + output + " is a folder; give the file to write, such as " + output + "/de-DE.po");
     if (formatOf(input) != Format::Qorlang)
         fail(input, 0, "decompile reads a language file (.qorlang)");
     const Format format = formatOf(output);
@@ -363,7 +367,10 @@ void printError(const std::string& message)
     std::fprintf(stderr, "%s\n", line.c_str());
 }
 
-std::string describe(const kore::CException& e) { return e.getDescription()->toUTF8(); }
+std::string describe(const kore::CException& e)
+{
+    return e.getDescription()->toUTF8();
+}
 
 // i18next plural keys join into entries by the file's own language, when it names one.
 Catalogue withI18nextPlurals(Catalogue c)
@@ -426,7 +433,8 @@ int stats(const std::vector<std::string>& args)
     size_t width = 4;
     for (const auto& file : in.files)
         width = std::max(width, file.path.size());
-    std::printf("%-*s %8s %10s %6s %8s %8s\n", int(width), "file", "entries", "translated", "fuzzy", "missing", "percent");
+    std::printf("%-*s %8s %10s %6s %8s %8s\n", int(width), "file", "entries", "translated", "fuzzy", "missing",
+                "percent");
     for (const auto& [path, catalogue, languageFile] : in.files) {
         if (!catalogue)
             continue;
@@ -449,10 +457,14 @@ int info(const std::vector<std::string>& args)
     const Catalogue c = readQorlang(path, bytes);
     chf::TChunkRef<chf::CMemoryStream> stream(new chf::CMemoryStream(bytes));
     const kore::P<qor_lang::CLanguageFile> file = kore::make<qor_lang::CLanguageFile>(nullptr, *stream);
-    auto row = [](const char* accessor, const std::string& value) { std::printf("%-33s %s\n", accessor, value.c_str()); };
+    auto row = [](const char* accessor, const std::string& value) {
+        std::printf("%-33s %s\n", accessor, value.c_str());
+    };
     auto text = [](const kore::P<kore::IString>& s) { return "\"" + s->toUTF8() + "\""; };
-    row("QOR_LANG2_FILE_getLanguageID", "\"" + encodeUtf8(file->getLanguage().getTag()) + "\"" +
-                                            (file->getLanguage().isValid() ? "" : "  (the tag " + qorlang::quoted(file->getTagText()) + " is not valid)"));
+    row("QOR_LANG2_FILE_getLanguageID",
+        "\"" + encodeUtf8(file->getLanguage().getTag()) + "\"" +
+            (file->getLanguage().isValid() ? ""
+                                           : "  (the tag " + qorlang::quoted(file->getTagText()) + " is not valid)"));
     row("QOR_LANG2_FILE_getAppID", text(file->getAppId()));
     row("QOR_LANG2_FILE_getAuthor", text(file->getAuthor()));
     row("QOR_LANG2_FILE_getComment", text(file->getComment()));
@@ -491,9 +503,12 @@ int extract(const std::vector<std::string>& args)
         usageError("extract", "needs SOURCE files and -o OUTPUT.pot");
     const std::string& output = a.options.at("-o");
     if (isFolder(output))
-        usageError("extract", "-o " + output + " is a folder; give the template to write, such as " + output + "/app.pot");
+        usageError("extract",
+                   "-o " + output + " is a folder; give the template to write, such as " + output + "/app.pot");
     const std::string name = fileNameOf(output);
-    extractTemplate(a.files, output, a.options.count("--package-name") ? a.options.at("--package-name") : name.substr(0, name.rfind('.')));
+    extractTemplate(a.files, output,
+                    a.options.count("--package-name") ? a.options.at("--package-name")
+                                                      : name.substr(0, name.rfind('.')));
     return 0;
 }
 
@@ -516,9 +531,10 @@ int init(const std::vector<std::string>& args)
         std::string locale = encodeUtf8(tag);
         std::replace(locale.begin(), locale.end(), '-', '_');
         const std::string temporary = output + ".init.tmp";
-        std::string bytes = outputOfProgram({requireProgram("msginit", "gettext (Debian: apt-get install gettext)"), "--no-translator",
-                                             "--no-wrap", "-i", templ, "-o", temporary, "-l", locale},
-                                            temporary, true, output, "msginit failed; run msginit -i " + templ + " -l " + locale + " to see why");
+        std::string bytes = outputOfProgram(
+            {requireProgram("msginit", "gettext (Debian: apt-get install gettext)"), "--no-translator", "--no-wrap",
+             "-i", templ, "-o", temporary, "-l", locale},
+            temporary, true, output, "msginit failed; run msginit -i " + templ + " -l " + locale + " to see why");
         // msginit picks the charset of its own locale; translators write UTF-8, of which ASCII is part.
         if (const size_t at = bytes.find("charset=ASCII\\n"); at != std::string::npos)
             bytes.replace(at, 13, "charset=UTF-8");
@@ -547,15 +563,15 @@ int merge(const std::vector<std::string>& args)
             const Catalogue before = withI18nextPlurals(readCatalogue(path));
             std::string bytes;
             if (format == Format::Po && formatOf(templPath) == Format::Po)
-                bytes = outputOfProgram({requireProgram("msgmerge", "gettext (Debian: apt-get install gettext)"), "--quiet", "--previous",
-                                         "-o", temporary, path, templPath},
+                bytes = outputOfProgram({requireProgram("msgmerge", "gettext (Debian: apt-get install gettext)"),
+                                         "--quiet", "--previous", "-o", temporary, path, templPath},
                                         temporary, false, path, "msgmerge failed (its message is above)");
             else
                 bytes = writeCatalogue(mergeCatalogue(before, templ), format);
             const MergeCounts counts = countChanges(before, withI18nextPlurals(readCatalogueBytes(path, bytes)));
             writeFileAtomically(path, bytes);
-            std::printf("%s: %zu kept, %zu added, %zu fuzzy, %zu obsolete\n", path.c_str(), counts.kept, counts.added, counts.fuzzy,
-                        counts.obsolete);
+            std::printf("%s: %zu kept, %zu added, %zu fuzzy, %zu obsolete\n", path.c_str(), counts.kept, counts.added,
+                        counts.fuzzy, counts.obsolete);
         } catch (const kore::CException& e) {
             printError(describe(e));
             status = 1;
@@ -571,12 +587,14 @@ int pseudo(const std::vector<std::string>& args)
         usageError("pseudo", "needs one INPUT and -o OUTPUT.qorlang");
     const std::string& output = a.options.at("-o");
     if (isFolder(output))
-        usageError("pseudo", "-o " + output + " is a folder; give the file to write, such as " + output + "/app-zxx-US.qorlang");
+        usageError("pseudo",
+                   "-o " + output + " is a folder; give the file to write, such as " + output + "/app-zxx-US.qorlang");
     if (formatOf(output) != Format::Qorlang)
         usageError("pseudo", "the output of pseudo is a language file, its name ends in .qorlang");
     // A template's key-based entries show their default texts rather than their keys.
-    Catalogue c = formatOf(a.files[0]) == Format::Po ? readPo(a.files[0], withDefaultsAsTexts(readFileBytes(a.files[0])))
-                                                     : withI18nextPlurals(readCatalogue(a.files[0]));
+    Catalogue c = formatOf(a.files[0]) == Format::Po
+                      ? readPo(a.files[0], withDefaultsAsTexts(readFileBytes(a.files[0])))
+                      : withI18nextPlurals(readCatalogue(a.files[0]));
     const std::string outputName = fileNameOf(output);
     std::u16string tag = u"zxx-US";
     if (auto given = optionText(a, "--language")) {
@@ -628,7 +646,8 @@ int run(const std::vector<std::string>& args)
         std::fprintf(stderr, "qorlang: unknown command '%s' (see qorlang --help)\n", command.c_str());
         return 2;
     }
-    if (std::find(rest.begin(), rest.end(), "--help") != rest.end() || std::find(rest.begin(), rest.end(), "-h") != rest.end()) {
+    if (std::find(rest.begin(), rest.end(), "--help") != rest.end() ||
+        std::find(rest.begin(), rest.end(), "-h") != rest.end()) {
         std::fputs(help->second, stdout);
         return 0;
     }

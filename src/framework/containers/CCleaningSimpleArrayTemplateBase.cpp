@@ -6,8 +6,7 @@
 
 namespace kore {
 
-CCleaningSimpleArrayTemplateBase::CCleaningSimpleArrayTemplateBase(P<CSimpleArrayTemplateBase> array,
-                                                                   bool autoClean)
+CCleaningSimpleArrayTemplateBase::CCleaningSimpleArrayTemplateBase(P<CSimpleArrayTemplateBase> array, bool autoClean)
     : m_array(std::move(array)), m_autoClean(autoClean)
 {
 }
@@ -17,11 +16,10 @@ CCleaningSimpleArrayTemplateBase::~CCleaningSimpleArrayTemplateBase() = default;
 void CCleaningSimpleArrayTemplateBase::removeAt(int32_t index)
 {
     if (index < 0 || index >= m_array->getCount())
-        throw CInvalidArgError(nullptr, "TCleaningSimpleArray::removeAt",
-                               ("index " + std::to_string(index) + " outside 0.." +
-                                std::to_string(m_array->getCount() - 1))
-                                   .c_str(),
-                               "TCleaningSimpleArray");
+        throw CInvalidArgError(
+            nullptr, "TCleaningSimpleArray::removeAt",
+            ("index " + std::to_string(index) + " outside 0.." + std::to_string(m_array->getCount() - 1)).c_str(),
+            "TCleaningSimpleArray");
     if (m_walkDepth == 0) {
         m_array->remove(index);
         return;

@@ -7,8 +7,8 @@
 //
 // Not locked: the owner serialises access.
 
-#include "framework/objects/CObject.h"
 #include "framework/containers/CSimpleArrayTemplateBase.h"
+#include "framework/objects/CObject.h"
 #include "framework/objects/P.h"
 
 #include <cstdint>

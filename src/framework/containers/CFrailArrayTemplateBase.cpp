@@ -6,8 +6,7 @@ namespace kore {
 
 // Listener lists are short and change rarely: a small grow step, and empty slots cleaned away
 // as soon as the last walk over them ends.
-CFrailArrayTemplateBase::CFrailArrayTemplateBase()
-    : m_list(make<TCleaningSimpleArray<PFrail<IBase>>>(10, true))
+CFrailArrayTemplateBase::CFrailArrayTemplateBase() : m_list(make<TCleaningSimpleArray<PFrail<IBase>>>(10, true))
 {
 }
 
@@ -35,8 +34,7 @@ bool CFrailArrayTemplateBase::addObject(IBase* listener)
 
 bool CFrailArrayTemplateBase::removeObject(const IBase* listener)
 {
-    const int32_t index =
-        m_list->findIf([listener](const PFrail<IBase>& entry) { return entry.get() == listener; });
+    const int32_t index = m_list->findIf([listener](const PFrail<IBase>& entry) { return entry.get() == listener; });
     if (index < 0)
         return false;
     m_list->removeAt(index);
@@ -45,8 +43,7 @@ bool CFrailArrayTemplateBase::removeObject(const IBase* listener)
 
 bool CFrailArrayTemplateBase::containsObject(const IBase* listener) const
 {
-    return listener &&
-           m_list->findIf([listener](const PFrail<IBase>& entry) { return entry.get() == listener; }) >= 0;
+    return listener && m_list->findIf([listener](const PFrail<IBase>& entry) { return entry.get() == listener; }) >= 0;
 }
 
 void CFrailArrayTemplateBase::walk(void (*visit)(void* context, IBase& listener), void* context)

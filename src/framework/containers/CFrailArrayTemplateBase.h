@@ -6,10 +6,10 @@
 //
 // Not locked: the owner serialises access.
 
+#include "framework/containers/TCleaningSimpleArray.h"
 #include "framework/objects/CObject.h"
 #include "framework/objects/P.h"
 #include "framework/objects/PFrail.h"
-#include "framework/containers/TCleaningSimpleArray.h"
 
 #include <cstdint>
 

@@ -1,7 +1,7 @@
 #include "framework/containers/CPageBuffer.h"
 
-#include "framework/errors/COutOfmemoryException.h"
 #include "framework/PlatformSupport.h"
+#include "framework/errors/COutOfmemoryException.h"
 
 #include <cstring>
 #include <new>

@@ -40,8 +40,7 @@ void CSimpleArrayTemplateBase::setGrowStep(int32_t growStep)
 void* CSimpleArrayTemplateBase::allocate(int32_t n)
 {
     try {
-        return ::operator new(static_cast<size_t>(n) * elementSize(),
-                              std::align_val_t(elementAlignment()));
+        return ::operator new(static_cast<size_t>(n) * elementSize(), std::align_val_t(elementAlignment()));
     } catch (const std::bad_alloc&) {
         throw COutOfmemoryException();
     }
@@ -88,8 +87,8 @@ void CSimpleArrayTemplateBase::setCapacity(int32_t capacity)
 void CSimpleArrayTemplateBase::insertElements(int32_t position, const void* from, int32_t n)
 {
     if (position < 0 || position > m_count)
-        badArgument("TSimpleArray::insert", "position " + std::to_string(position) +
-                                                " outside 0.." + std::to_string(m_count));
+        badArgument("TSimpleArray::insert",
+                    "position " + std::to_string(position) + " outside 0.." + std::to_string(m_count));
     if (n < 0)
         badArgument("TSimpleArray::insert", "count " + std::to_string(n) + " < 0");
     if (n == 0)
@@ -112,9 +111,8 @@ void CSimpleArrayTemplateBase::insertElements(int32_t position, const void* from
 
     if (m_count + n > m_capacity) {
         // Linear growth, never doubling: the larger of what is needed and one grow step more.
-        const int64_t wanted = std::min(
-            kMaxElements, std::max<int64_t>(static_cast<int64_t>(m_count) + n,
-                                            static_cast<int64_t>(m_capacity) + m_growStep));
+        const int64_t wanted = std::min(kMaxElements, std::max<int64_t>(static_cast<int64_t>(m_count) + n,
+                                                                        static_cast<int64_t>(m_capacity) + m_growStep));
         setCapacity(static_cast<int32_t>(wanted));
         if (aliasIndex >= 0)
             from = elementAddress(static_cast<int32_t>(aliasIndex));
@@ -139,8 +137,7 @@ void CSimpleArrayTemplateBase::remove(int32_t position, int32_t count)
 {
     if (count < 0 || position < 0 || static_cast<int64_t>(position) + count > m_count)
         badArgument("TSimpleArray::remove", std::to_string(count) + " element(s) from position " +
-                                                std::to_string(position) + " of " +
-                                                std::to_string(m_count));
+                                                std::to_string(position) + " of " + std::to_string(m_count));
     if (count == 0)
         return;
     rotateElements(position, position + count, m_count);
@@ -159,8 +156,7 @@ void CSimpleArrayTemplateBase::clear()
 void CSimpleArrayTemplateBase::checkIndex(int32_t index, const char* method) const
 {
     if (index < 0 || index >= m_count)
-        badArgument(method, "index " + std::to_string(index) + " outside 0.." +
-                                std::to_string(m_count - 1));
+        badArgument(method, "index " + std::to_string(index) + " outside 0.." + std::to_string(m_count - 1));
 }
 
 void CSimpleArrayTemplateBase::releaseBuffer() noexcept

@@ -1,16 +1,16 @@
 #include "framework/containers/CSimpleHashTableTemplateBase.h"
 
+#include "framework/containers/TSimpleHashTable.h"
 #include "framework/errors/CInvalidArgError.h"
 #include "framework/errors/COutOfmemoryException.h"
 #include "framework/text/CString.h"
-#include "framework/containers/TSimpleHashTable.h"
 
 #include <cmath>
 #include <cstring>
 #include <limits>
-#include <utility>
 #include <new>
 #include <string>
+#include <utility>
 
 namespace kore {
 
@@ -23,8 +23,7 @@ void checkFactor(double value, const char* name)
 {
     if (!std::isfinite(value) || value <= 0.0)
         throw CInvalidArgError(nullptr, "TSimpleHashTable::TSimpleHashTable",
-                               (std::string(name) + " " + std::to_string(value) + " is not a positive number")
-                                   .c_str(),
+                               (std::string(name) + " " + std::to_string(value) + " is not a positive number").c_str(),
                                "TSimpleHashTable");
 }
 
@@ -52,8 +51,7 @@ void CSimpleHashTableTemplateBase::rehash()
         if (m_bucketCount >= kMaxBucketCount)
             throw COutOfmemoryException();
         const double grown = std::floor(static_cast<double>(m_bucketCount) * m_growthFactor);
-        newCount = grown >= static_cast<double>(kMaxBucketCount) ? kMaxBucketCount
-                                                                  : static_cast<uint32_t>(grown);
+        newCount = grown >= static_cast<double>(kMaxBucketCount) ? kMaxBucketCount : static_cast<uint32_t>(grown);
         if (newCount < m_bucketCount + 1)
             newCount = m_bucketCount + 1;
     }

@@ -19,8 +19,7 @@ class TCleaningSimpleArray : public CCleaningSimpleArrayTemplateBase {
 public:
     using ElementType = E;
 
-    explicit TCleaningSimpleArray(int32_t growStep = CSimpleArrayTemplateBase::kDefaultGrowStep,
-                                  bool autoClean = true)
+    explicit TCleaningSimpleArray(int32_t growStep = CSimpleArrayTemplateBase::kDefaultGrowStep, bool autoClean = true)
         : CCleaningSimpleArrayTemplateBase(make<TSimpleArray<E>>(growStep), autoClean)
     {
     }
@@ -30,11 +29,7 @@ public:
     // The element in a slot (empty slots give a default value).
     const E& get(int32_t index) const { return array()[index]; }
     // Index of the first slot holding `element`, or -1.
-    int32_t indexOf(const E& element) const
-        requires std::equality_comparable<E>
-    {
-        return array().indexOf(element);
-    }
+    int32_t indexOf(const E& element) const requires std::equality_comparable<E> { return array().indexOf(element); }
     // Index of the first slot whose element satisfies `match`, or -1.
     template <class Match>
     int32_t findIf(Match&& match) const

@@ -53,14 +53,10 @@ public:
         return m_count - 1;
     }
     void insert(int32_t position, const E& element) { insertElements(position, &element, 1); }
-    void insert(int32_t position, const E* elements, int32_t count)
-    {
-        insertElements(position, elements, count);
-    }
+    void insert(int32_t position, const E* elements, int32_t count) { insertElements(position, elements, count); }
 
     // Index of the first element equal to `element` at or after `from`, or -1.
-    int32_t indexOf(const E& element, int32_t from = 0) const
-        requires std::equality_comparable<E>
+    int32_t indexOf(const E& element, int32_t from = 0) const requires std::equality_comparable<E>
     {
         for (int32_t i = std::max(from, 0); i < m_count; ++i) {
             if (data()[i] == element)

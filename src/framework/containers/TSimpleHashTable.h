@@ -10,8 +10,8 @@
 // Another key type supplies its own traits (hash, equals, view, isValid; see below).
 
 #include "framework/containers/CSimpleHashTableTemplateBase.h"
-#include "framework/text/IString.h"
 #include "framework/objects/P.h"
+#include "framework/text/IString.h"
 
 #include <cstdint>
 #include <type_traits>
@@ -56,8 +56,7 @@ public:
     using ValueType = V;
     using Lookup = typename Traits::Lookup;
 
-    explicit TSimpleHashTable(double loadFactor = kDefaultLoadFactor,
-                              double growthFactor = kDefaultGrowthFactor)
+    explicit TSimpleHashTable(double loadFactor = kDefaultLoadFactor, double growthFactor = kDefaultGrowthFactor)
         : CSimpleHashTableTemplateBase(loadFactor, growthFactor)
     {
     }
@@ -72,10 +71,7 @@ public:
     const V* find(const Lookup& key) const { return const_cast<TSimpleHashTable*>(this)->find(key); }
     // The same with the key's hash (Traits::hash(key)) computed by the caller, which may do the
     // costly part of a look-up outside its lock.
-    V* findHashed(const Lookup& key, uint32_t hash)
-    {
-        return m_bucketCount == 0 ? nullptr : findWithHash(key, hash);
-    }
+    V* findHashed(const Lookup& key, uint32_t hash) { return m_bucketCount == 0 ? nullptr : findWithHash(key, hash); }
     const V* findHashed(const Lookup& key, uint32_t hash) const
     {
         return const_cast<TSimpleHashTable*>(this)->findHashed(key, hash);
@@ -88,7 +84,8 @@ public:
         if (!Traits::isValid(key))
             throwInvalidKey();
         bool added = false;
-        V& slot = findOrAdd(Traits::view(key), [&key]() -> K { return key; }, &added);
+        V& slot = findOrAdd(
+            Traits::view(key), [&key]() -> K { return key; }, &added);
         slot = std::move(value);
         return added;
     }
@@ -154,10 +151,7 @@ public:
 
 protected:
     void*& nextOf(void* node) const noexcept override { return static_cast<Node*>(node)->next; }
-    uint32_t hashOf(const void* node) const noexcept override
-    {
-        return static_cast<const Node*>(node)->hash;
-    }
+    uint32_t hashOf(const void* node) const noexcept override { return static_cast<const Node*>(node)->hash; }
     void deleteNode(void* node) noexcept override { delete static_cast<Node*>(node); }
 
 private:

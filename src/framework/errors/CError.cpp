@@ -12,8 +12,8 @@
 #include "framework/errors/COutOfmemoryException.h"
 #include "framework/errors/CParseError.h"
 #include "framework/errors/CReadOnlyError.h"
-#include "framework/text/CString.h"
 #include "framework/errors/LocalizedText.h"
+#include "framework/text/CString.h"
 
 namespace kore {
 
@@ -35,7 +35,9 @@ P<CException> CError::clone() const
     return make<CError>(*this);
 }
 
-COutOfmemoryException::COutOfmemoryException() : CException("OutOfMemory", "Unspecified error") {}
+COutOfmemoryException::COutOfmemoryException() : CException("OutOfMemory", "Unspecified error")
+{
+}
 
 P<CException> COutOfmemoryException::clone() const
 {
@@ -53,14 +55,13 @@ P<IString> CObjectError::describe(const IBase* object, const CStringArg& objectD
     return keepText("unknown object");
 }
 
-CObjectError::CObjectError(const IBase* object, const CStringArg& text,
-                           const CStringArg& objectDescription)
+CObjectError::CObjectError(const IBase* object, const CStringArg& text, const CStringArg& objectDescription)
     : CObjectError(Described{}, object, describe(object, objectDescription), text)
 {
 }
 
-CObjectError::CObjectError(Described, const IBase* object, P<IString> objectDescription,
-                           const CStringArg& description, const CStringArg& generalDescription)
+CObjectError::CObjectError(Described, const IBase* object, P<IString> objectDescription, const CStringArg& description,
+                           const CStringArg& generalDescription)
     : CError(generalDescription, description.get().replaceAll("%OBJECTDESC%", objectDescription)),
       m_object(const_cast<IBase*>(object)), m_objectDescription(std::move(objectDescription))
 {
@@ -88,8 +89,7 @@ P<CException> CCastError::clone() const
     return make<CCastError>(*this);
 }
 
-CInvalidArgError::CInvalidArgError(const IBase* object, const CStringArg& methodName,
-                                   const CStringArg& argumentName,
+CInvalidArgError::CInvalidArgError(const IBase* object, const CStringArg& methodName, const CStringArg& argumentName,
                                    const CStringArg& objectDescription)
     : CObjectError(Described{}, object, describe(object, objectDescription),
                    *keepText("An invalid argument was passed to method '")
@@ -107,12 +107,10 @@ P<CException> CInvalidArgError::clone() const
     return make<CInvalidArgError>(*this);
 }
 
-CMethodNotImplementedError::CMethodNotImplementedError(const IBase* object,
-                                                       const CStringArg& methodName)
+CMethodNotImplementedError::CMethodNotImplementedError(const IBase* object, const CStringArg& methodName)
     : CObjectError(Described{}, object, describe(object, ""),
-                   methodName->getLength()
-                       ? *keepText("Method not implemented (")->concat(methodName)->concat(").")
-                       : *keepText("Method not implemented (unspecified method.)"))
+                   methodName->getLength() ? *keepText("Method not implemented (")->concat(methodName)->concat(").")
+                                           : *keepText("Method not implemented (unspecified method.)"))
 {
 }
 
@@ -129,8 +127,7 @@ CInvalidObjectStateError::CInvalidObjectStateError(const IBase* object, const CS
 {
 }
 
-CInvalidObjectStateError::CInvalidObjectStateError(Described, const IBase* object,
-                                                   const CStringArg& state,
+CInvalidObjectStateError::CInvalidObjectStateError(Described, const IBase* object, const CStringArg& state,
                                                    const CStringArg& description)
     : CObjectError(Described{}, object, describe(object, ""), description), m_state(keepText(state))
 {
@@ -143,8 +140,7 @@ P<CException> CInvalidObjectStateError::clone() const
 
 CEndOfEnumError::CEndOfEnumError(const IBase* enumerator)
     : CInvalidObjectStateError(Described{}, enumerator, "end of enumeration",
-                               getLocalizedText("kore.CEndOfEnumError.desc",
-                                                "end of enumeration already reached"))
+                               getLocalizedText("kore.CEndOfEnumError.desc", "end of enumeration already reached"))
 {
 }
 
@@ -156,8 +152,7 @@ P<CException> CEndOfEnumError::clone() const
 // --- Other general errors
 
 CNoSuchObjectError::CNoSuchObjectError(const CStringArg& name)
-    : CError("", getLocalizedText("kore.CNoSuchObjectError.desc", "No such object.")),
-      m_name(keepText(name))
+    : CError("", getLocalizedText("kore.CNoSuchObjectError.desc", "No such object.")), m_name(keepText(name))
 {
 }
 
@@ -168,8 +163,7 @@ P<CException> CNoSuchObjectError::clone() const
 
 CReadOnlyError::CReadOnlyError(const CStringArg& objectDescription)
     : CError("", localizedWith("kore.readOnlyErrorObjectDesc",
-                               "The object (%DESC%) is read-only and cannot be changed.", "%DESC%",
-                               objectDescription))
+                               "The object (%DESC%) is read-only and cannot be changed.", "%DESC%", objectDescription))
 {
 }
 
@@ -178,15 +172,16 @@ P<CException> CReadOnlyError::clone() const
     return make<CReadOnlyError>(*this);
 }
 
-CParseError::CParseError(const CStringArg& description) : CError("Parse error", description) {}
+CParseError::CParseError(const CStringArg& description) : CError("Parse error", description)
+{
+}
 
 P<CException> CParseError::clone() const
 {
     return make<CParseError>(*this);
 }
 
-CJsonParserError::CJsonParserError(const CStringArg& description)
-    : CError("JSONParser Error", description)
+CJsonParserError::CJsonParserError(const CStringArg& description) : CError("JSONParser Error", description)
 {
 }
 

@@ -1,7 +1,7 @@
 #include "framework/errors/CException.h"
 
-#include "framework/text/CString.h"
 #include "framework/errors/LocalizedText.h"
+#include "framework/text/CString.h"
 
 namespace kore {
 
@@ -10,8 +10,8 @@ P<IString> keepText(const CStringArg& text)
     return make<CString>(text.get(), *text->getEncoding());
 }
 
-P<IString> localizedWith(const CStringArg& key, const CStringArg& englishDefault,
-                         const CStringArg& placeholder, const CStringArg& value)
+P<IString> localizedWith(const CStringArg& key, const CStringArg& englishDefault, const CStringArg& placeholder,
+                         const CStringArg& value)
 {
     return getLocalizedText(key, englishDefault)->replaceAll(placeholder, value);
 }
@@ -35,8 +35,7 @@ const char* CException::what() const noexcept
         if (!m_description)
             return "";
         if (!m_what) {
-            if (m_description->getEncoding()->getId() == CCPCharEncoding::kId &&
-                m_description->isTerminated())
+            if (m_description->getEncoding()->getId() == CCPCharEncoding::kId && m_description->isTerminated())
                 m_what = m_description;
             else
                 m_what = m_description->convertTo(*CCPCharEncoding::instance());

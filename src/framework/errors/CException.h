@@ -4,9 +4,9 @@
 // are built once, in the constructor; a later change of language does not change them.
 
 #include "framework/objects/CObject.h"
+#include "framework/objects/P.h"
 #include "framework/text/CStringArg.h"
 #include "framework/text/IString.h"
-#include "framework/objects/P.h"
 
 #include <exception>
 
@@ -36,7 +36,7 @@ private:
 P<IString> keepText(const CStringArg& text);
 // The localised text for `key` (English default `englishDefault`) with every `placeholder`
 // replaced by `value`.
-P<IString> localizedWith(const CStringArg& key, const CStringArg& englishDefault,
-                         const CStringArg& placeholder, const CStringArg& value);
+P<IString> localizedWith(const CStringArg& key, const CStringArg& englishDefault, const CStringArg& placeholder,
+                         const CStringArg& value);
 
 } // namespace kore

@@ -7,15 +7,13 @@ namespace kore {
 // "The object is in an invalid state (<state>)."
 class CInvalidObjectStateError : public CObjectError {
 public:
-    CInvalidObjectStateError(const IBase* object, const CStringArg& state,
-                             const CStringArg& objectDescription = "");
+    CInvalidObjectStateError(const IBase* object, const CStringArg& state, const CStringArg& objectDescription = "");
     P<CException> clone() const override;
 
     P<IString> getState() const { return m_state; }
 
 protected:
-    CInvalidObjectStateError(Described, const IBase* object, const CStringArg& state,
-                             const CStringArg& description);
+    CInvalidObjectStateError(Described, const IBase* object, const CStringArg& state, const CStringArg& description);
 
 private:
     P<IString> m_state;

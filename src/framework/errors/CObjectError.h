@@ -22,8 +22,8 @@ public:
 protected:
     // For subclasses that build their description themselves.
     struct Described {};
-    CObjectError(Described, const IBase* object, P<IString> objectDescription,
-                 const CStringArg& description, const CStringArg& generalDescription = "Object error");
+    CObjectError(Described, const IBase* object, P<IString> objectDescription, const CStringArg& description,
+                 const CStringArg& generalDescription = "Object error");
 
 private:
     P<IBase> m_object;

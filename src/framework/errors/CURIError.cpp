@@ -5,10 +5,10 @@
 #include "framework/errors/CFileAccessDeniedError.h"
 #include "framework/errors/CFileNotFoundError.h"
 #include "framework/errors/CStreamClosedError.h"
-#include "framework/text/CString.h"
 #include "framework/errors/CURIFormatError.h"
 #include "framework/errors/CURITypeNotSupportedError.h"
 #include "framework/errors/LocalizedText.h"
+#include "framework/text/CString.h"
 
 namespace kore {
 
@@ -17,8 +17,7 @@ P<IString> CURIError::uriText(const IURI* uri)
     return uri ? uri->toString() : keepText("<uri unknown>");
 }
 
-CURIError::CURIError(const IURI* uri, const CStringArg& generalDescription,
-                     const CStringArg& description)
+CURIError::CURIError(const IURI* uri, const CStringArg& generalDescription, const CStringArg& description)
     : CError(generalDescription, description), m_uri(const_cast<IURI*>(uri))
 {
 }
@@ -33,15 +32,17 @@ P<CException> CURIError::clone() const
     return make<CURIError>(*this);
 }
 
-CURIFormatError::CURIFormatError(const IURI* uri) : CURIFormatError(uri, *uriText(uri)) {}
+CURIFormatError::CURIFormatError(const IURI* uri) : CURIFormatError(uri, *uriText(uri))
+{
+}
 
-CURIFormatError::CURIFormatError(const CStringArg& text) : CURIFormatError(nullptr, text) {}
+CURIFormatError::CURIFormatError(const CStringArg& text) : CURIFormatError(nullptr, text)
+{
+}
 
 CURIFormatError::CURIFormatError(const IURI* uri, const CStringArg& text)
-    : CURIError(uri,
-                getLocalizedText("kore.CURIFormatError.GeneralDesc", "The URI has an invalid format."),
-                localizedWith("kore.CURIFormatError.Desc", "The URI ('%URI%') has an invalid format.",
-                              "%URI%", text))
+    : CURIError(uri, getLocalizedText("kore.CURIFormatError.GeneralDesc", "The URI has an invalid format."),
+                localizedWith("kore.CURIFormatError.Desc", "The URI ('%URI%') has an invalid format.", "%URI%", text))
 {
 }
 
@@ -50,23 +51,20 @@ P<CException> CURIFormatError::clone() const
     return make<CURIFormatError>(*this);
 }
 
-CURITypeNotSupportedError::CURITypeNotSupportedError(const IURI* uri)
-    : CURITypeNotSupportedError(uri, *uriText(uri))
+CURITypeNotSupportedError::CURITypeNotSupportedError(const IURI* uri) : CURITypeNotSupportedError(uri, *uriText(uri))
 {
 }
 
-CURITypeNotSupportedError::CURITypeNotSupportedError(const CStringArg& text)
-    : CURITypeNotSupportedError(nullptr, text)
+CURITypeNotSupportedError::CURITypeNotSupportedError(const CStringArg& text) : CURITypeNotSupportedError(nullptr, text)
 {
 }
 
 CURITypeNotSupportedError::CURITypeNotSupportedError(const IURI* uri, const CStringArg& text)
     : CURIError(uri,
                 // "This type URI" lacks a word; the text is kept as the framework has always had it.
-                getLocalizedText("kore.CURITypeNotSupportedError.GeneralDesc",
-                                 "This type URI is not supported."),
-                localizedWith("kore.CURITypeNotSupportedError.Desc",
-                              "This type of URI ('%URI%') is not supported.", "%URI%", text))
+                getLocalizedText("kore.CURITypeNotSupportedError.GeneralDesc", "This type URI is not supported."),
+                localizedWith("kore.CURITypeNotSupportedError.Desc", "This type of URI ('%URI%') is not supported.",
+                              "%URI%", text))
 {
 }
 
@@ -77,13 +75,11 @@ P<CException> CURITypeNotSupportedError::clone() const
 
 // --- File errors
 
-CFileError::CFileError(const IURI* uri, const CStringArg& description)
-    : CURIError(uri, "FileError", description)
+CFileError::CFileError(const IURI* uri, const CStringArg& description) : CURIError(uri, "FileError", description)
 {
 }
 
-CFileError::CFileError(const IURI* uri, const CStringArg& generalDescription,
-                       const CStringArg& description)
+CFileError::CFileError(const IURI* uri, const CStringArg& generalDescription, const CStringArg& description)
     : CURIError(uri, generalDescription, description)
 {
 }
@@ -94,9 +90,9 @@ P<CException> CFileError::clone() const
 }
 
 CFileNotFoundError::CFileNotFoundError(const IURI* uri)
-    : CFileError(uri, getLocalizedText("kore.CFileNotFoundError.GeneralDesc", "The file was not found."),
-                 localizedWith("kore.CFileNotFoundError.Desc", "The file '%FILE%' was not found.",
-                               "%FILE%", uriText(uri)))
+    : CFileError(
+          uri, getLocalizedText("kore.CFileNotFoundError.GeneralDesc", "The file was not found."),
+          localizedWith("kore.CFileNotFoundError.Desc", "The file '%FILE%' was not found.", "%FILE%", uriText(uri)))
 {
 }
 
@@ -107,8 +103,8 @@ P<CException> CFileNotFoundError::clone() const
 
 CFileAccessDeniedError::CFileAccessDeniedError(const IURI* uri)
     : CFileError(uri, "FileError",
-                 localizedWith("kore.CFileAccessDeniedError.Desc",
-                               "The access of the file '%FILE%' was denied.", "%FILE%", uriText(uri)))
+                 localizedWith("kore.CFileAccessDeniedError.Desc", "The access of the file '%FILE%' was denied.",
+                               "%FILE%", uriText(uri)))
 {
 }
 
@@ -119,8 +115,7 @@ P<CException> CFileAccessDeniedError::clone() const
 
 // --- Stream errors
 
-CStreamError::CStreamError(const IURI* uri, const CStringArg& generalDescription,
-                           const CStringArg& description)
+CStreamError::CStreamError(const IURI* uri, const CStringArg& generalDescription, const CStringArg& description)
     : CURIError(uri, generalDescription, description)
 {
 }
@@ -132,9 +127,7 @@ P<CException> CStreamError::clone() const
 
 CEndOfStreamError::CEndOfStreamError(const IURI* uri, const CStringArg& generalDescription)
     : CStreamError(uri, generalDescription,
-                   uri ? *keepText("Unexpected end of data stream (uri: '")
-                              ->concat(uri->toString())
-                              ->concat("')")
+                   uri ? *keepText("Unexpected end of data stream (uri: '")->concat(uri->toString())->concat("')")
                        : *keepText("Unexpected end of data stream."))
 {
 }

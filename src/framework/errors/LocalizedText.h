@@ -3,8 +3,8 @@
 // `key`, or `englishDefault` when the current language has none. Placeholders in the result are
 // left for the caller to fill.
 
-#include "framework/text/CStringArg.h"
 #include "framework/objects/P.h"
+#include "framework/text/CStringArg.h"
 
 namespace kore {
 

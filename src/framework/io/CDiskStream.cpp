@@ -5,10 +5,10 @@
 #include "framework/errors/CInvalidObjectStateError.h"
 #include "framework/errors/CReadOnlyError.h"
 #include "framework/errors/CStreamClosedError.h"
-#include "framework/text/CString.h"
 #include "framework/errors/CURITypeNotSupportedError.h"
-#include "framework/io/IURI.h"
 #include "framework/errors/LocalizedText.h"
+#include "framework/io/IURI.h"
+#include "framework/text/CString.h"
 
 #include <algorithm>
 #include <cstring>
@@ -17,8 +17,7 @@
 
 namespace kore {
 
-CDiskStream::CDiskStream(const IURI& uri, uint32_t mode)
-    : m_uri(const_cast<IURI*>(&uri)), m_mode(mode)
+CDiskStream::CDiskStream(const IURI& uri, uint32_t mode) : m_uri(const_cast<IURI*>(&uri)), m_mode(mode)
 {
     if (mode != kRead && mode != kWrite && mode != kReadWrite)
         throw CInvalidArgError(nullptr, "CDiskStream::CDiskStream", "mode", "CDiskStream");
@@ -33,8 +32,7 @@ CDiskStream::CDiskStream(const IURI& uri, uint32_t mode)
     m_buffer.reset(new uint8_t[kBufferSize]);
     int64_t size = 0;
     if (!m_file->getSize(size, error))
-        throwStreamError("kore.CDiskStream.SizeFailed", "The size of '%URI%' is not known: %DESC%",
-                         error);
+        throwStreamError("kore.CDiskStream.SizeFailed", "The size of '%URI%' is not known: %DESC%", error);
     m_length = size;
 }
 
@@ -119,8 +117,7 @@ void CDiskStream::refreshLength()
     platform::NativeError error;
     int64_t size = 0;
     if (!m_file->getSize(size, error))
-        throwStreamError("kore.CDiskStream.SizeFailed", "The size of '%URI%' is not known: %DESC%",
-                         error);
+        throwStreamError("kore.CDiskStream.SizeFailed", "The size of '%URI%' is not known: %DESC%", error);
     m_length = std::max(m_length, size);
 }
 
@@ -214,8 +211,7 @@ uint32_t CDiskStream::write(const void* buffer, uint32_t count)
     uint32_t done = 0;
     while (done < count) {
         // The buffer takes the write when it continues or overlaps the bytes it holds.
-        const bool inWindow = m_position >= m_bufferStart &&
-                              m_position - m_bufferStart <= m_bufferLength &&
+        const bool inWindow = m_position >= m_bufferStart && m_position - m_bufferStart <= m_bufferLength &&
                               m_position - m_bufferStart < kBufferSize;
         if (!inWindow) {
             flushBuffer();

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "framework/objects/CObject.h"
 #include "framework/io/FileSystemSupport.h"
 #include "framework/io/ISeekableIOStream.h"
+#include "framework/objects/CObject.h"
 
 #include <memory>
 

@@ -1,18 +1,18 @@
 #include "framework/io/CFileSystemManager.h"
 
-#include "framework/text/CCaseTable.h"
-#include "framework/text/CCharCursor.h"
 #include "framework/errors/CEndOfEnumError.h"
-#include "framework/objects/CGlobalObjFactory.h"
 #include "framework/errors/CInvalidArgError.h"
-#include "framework/log/CLogManager.h"
-#include "framework/text/CStringFormat.h"
-#include "framework/text/CString.h"
 #include "framework/errors/CURITypeNotSupportedError.h"
 #include "framework/io/FileSystemSupport.h"
 #include "framework/io/IFileEntry.h"
 #include "framework/io/IFileEnum.h"
 #include "framework/io/IURI.h"
+#include "framework/log/CLogManager.h"
+#include "framework/objects/CGlobalObjFactory.h"
+#include "framework/text/CCaseTable.h"
+#include "framework/text/CCharCursor.h"
+#include "framework/text/CString.h"
+#include "framework/text/CStringFormat.h"
 
 #include <algorithm>
 #include <string>
@@ -175,17 +175,16 @@ P<IFileEnum> CFileSystemManager::enumerate(const IURI& folder, const CStringArg&
         P<IString> name = CString::tryFromUTF8(entry.name);
         if (!name) {
             CLogManager::instance()->log(kWarningLevel, kLogModule,
-                                         *formatString("skipped an entry of '%s': its name is not UTF-8", *path),
-                                         0, -1);
+                                         *formatString("skipped an entry of '%s': its name is not UTF-8", *path), 0,
+                                         -1);
             continue;
         }
         std::u32string points = codePoints(*name);
         if (matchCodePoints(points, patternPoints, ignoreCase))
             matched.push_back({std::move(name), std::move(points), entry.isFolder});
     }
-    std::sort(matched.begin(), matched.end(), [](const Match& a, const Match& b) {
-        return compareCodePoints(a.key, b.key) < 0;
-    });
+    std::sort(matched.begin(), matched.end(),
+              [](const Match& a, const Match& b) { return compareCodePoints(a.key, b.key) < 0; });
 
     std::vector<P<IFileEntry>> entries;
     entries.reserve(matched.size());

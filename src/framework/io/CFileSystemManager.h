@@ -1,7 +1,7 @@
 #pragma once
 
-#include "framework/objects/CObject.h"
 #include "framework/io/IFileSystemManager.h"
+#include "framework/objects/CObject.h"
 #include "framework/text/IString.h"
 
 #include <cstdint>

@@ -80,8 +80,7 @@ uint32_t CMemoryStream::write(const void* buffer, uint32_t count)
     checkBuffer(buffer, count, "CMemoryStream::write");
     if (count == 0)
         return 0;
-    const auto limit = static_cast<int64_t>(std::min<size_t>(m_data.max_size(),
-                                                             std::numeric_limits<int64_t>::max()));
+    const auto limit = static_cast<int64_t>(std::min<size_t>(m_data.max_size(), std::numeric_limits<int64_t>::max()));
     if (m_position > limit - count)
         throw COutOfmemoryException();
     const int64_t end = m_position + count;
@@ -89,8 +88,7 @@ uint32_t CMemoryStream::write(const void* buffer, uint32_t count)
         if (end > getLength()) {
             // Geometric growth keeps a series of small appends linear; the gap reads as zeros.
             if (static_cast<size_t>(end) > m_data.capacity())
-                m_data.reserve(std::min(m_data.max_size(),
-                                        std::max(static_cast<size_t>(end), m_data.capacity() * 2)));
+                m_data.reserve(std::min(m_data.max_size(), std::max(static_cast<size_t>(end), m_data.capacity() * 2)));
             m_data.resize(static_cast<size_t>(end), 0);
         }
     } catch (const std::bad_alloc&) {

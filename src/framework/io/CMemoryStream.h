@@ -1,7 +1,7 @@
 #pragma once
 
-#include "framework/objects/CObject.h"
 #include "framework/io/ISeekableIOStream.h"
+#include "framework/objects/CObject.h"
 
 #include <cstddef>
 #include <vector>

@@ -1,10 +1,10 @@
 #include "framework/io/CStreamManager.h"
 
-#include "framework/io/CDiskStream.h"
-#include "framework/objects/CGlobalObjFactory.h"
 #include "framework/errors/CInvalidArgError.h"
-#include "framework/io/CURI.h"
 #include "framework/errors/CURITypeNotSupportedError.h"
+#include "framework/io/CDiskStream.h"
+#include "framework/io/CURI.h"
+#include "framework/objects/CGlobalObjFactory.h"
 
 namespace kore {
 

@@ -1,10 +1,10 @@
 #include "framework/io/CURI.h"
 
 #include "framework/errors/CInvalidArgError.h"
-#include "framework/text/CString.h"
 #include "framework/errors/CURIFormatError.h"
 #include "framework/errors/CURITypeNotSupportedError.h"
 #include "framework/io/FileSystemSupport.h"
+#include "framework/text/CString.h"
 #include "framework/text/UTF8Decoding.h"
 
 #include <string_view>
@@ -141,12 +141,9 @@ bool allowedIn(Component component, char c)
     if (isUnreserved(c) || isSubDelim(c) || c == ':' || c == '@')
         return true;
     switch (component) {
-    case Component::kAuthority:
-        return c == '[' || c == ']';
-    case Component::kPath:
-        return c == '/';
-    case Component::kQueryOrFragment:
-        return c == '/' || c == '?';
+    case Component::kAuthority: return c == '[' || c == ']';
+    case Component::kPath: return c == '/';
+    case Component::kQueryOrFragment: return c == '/' || c == '?';
     }
     return false;
 }
@@ -303,8 +300,7 @@ P<CURI> CURI::fromLocalPath(const CStringArg& path)
     // The "\\?\" and "\\?\UNC\" prefixes of long Windows paths.
     if (s.size() >= 4 && isSeparator(s[0]) && isSeparator(s[1]) && s[2] == '?' && isSeparator(s[3])) {
         s.erase(0, 4);
-        if (s.size() >= 4 && (s[0] | 0x20) == 'u' && (s[1] | 0x20) == 'n' && (s[2] | 0x20) == 'c' &&
-            isSeparator(s[3]))
+        if (s.size() >= 4 && (s[0] | 0x20) == 'u' && (s[1] | 0x20) == 'n' && (s[2] | 0x20) == 'c' && isSeparator(s[3]))
             s = "\\\\" + s.substr(4);
         else if (!startsWithDrive(s))
             throwFormat(path);
@@ -317,8 +313,7 @@ P<CURI> CURI::fromLocalPath(const CStringArg& path)
     if (s.size() >= 2 && isSeparator(s[0]) && isSeparator(s[1])) {
         const std::vector<std::string_view> segments = splitSegments(std::string_view(s).substr(2), true);
         // The host must follow the two separators directly; "\\.\" and "\\?\" are device paths.
-        if (segments.empty() || s.size() < 3 || isSeparator(s[2]) || segments[0] == "." ||
-            segments[0] == "?")
+        if (segments.empty() || s.size() < 3 || isSeparator(s[2]) || segments[0] == "." || segments[0] == "?")
             throwFormat(path);
         parts.authority = escapeHost(segments[0]);
         parts.path = joinEscaped(segments, 1, trailing);
@@ -436,8 +431,7 @@ P<IString> CURI::getLocalPath(PathStyle style) const
 P<IURI> CURI::resolve(const CStringArg& name, bool asFolder) const
 {
     const std::string raw = name->toUTF8();
-    if (raw.empty() || raw == "." || raw == ".." ||
-        raw.find_first_of(std::string_view("/\0", 2)) != std::string::npos)
+    if (raw.empty() || raw == "." || raw == ".." || raw.find_first_of(std::string_view("/\0", 2)) != std::string::npos)
         throw CInvalidArgError(this, "CURI::resolve", "name");
     // An opaque URI ("mailto:x") has no folders to resolve in.
     if (!m_parts.hasAuthority && (m_parts.path.empty() || m_parts.path[0] != '/'))

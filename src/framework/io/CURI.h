@@ -6,8 +6,8 @@
 // for a UNC path, "file:///usr/share/x" for a POSIX path. Which local path syntaxes are
 // understood does not depend on the platform; only getLocalPath() answers in the platform's form.
 
-#include "framework/objects/CObject.h"
 #include "framework/io/IURI.h"
+#include "framework/objects/CObject.h"
 
 #include <string>
 

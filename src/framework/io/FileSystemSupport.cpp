@@ -4,9 +4,9 @@
 
 #include "framework/errors/CFileAccessDeniedError.h"
 #include "framework/errors/CFileNotFoundError.h"
-#include "framework/text/CString.h"
 #include "framework/errors/CURIError.h"
 #include "framework/errors/LocalizedText.h"
+#include "framework/text/CString.h"
 
 #include <atomic>
 
@@ -28,16 +28,12 @@ std::unique_ptr<INativeFile> openNativeFile(const IString& path, uint32_t mode, 
     return openSystemFile(path, mode, error);
 }
 
-void throwFileError(const IURI* uri, const NativeError& error, const char* key,
-                    const char* englishDefault)
+void throwFileError(const IURI* uri, const NativeError& error, const char* key, const char* englishDefault)
 {
     switch (error.kind) {
-    case NativeErrorKind::kNotFound:
-        throw CFileNotFoundError(uri);
-    case NativeErrorKind::kAccessDenied:
-        throw CFileAccessDeniedError(uri);
-    case NativeErrorKind::kOther:
-        break;
+    case NativeErrorKind::kNotFound: throw CFileNotFoundError(uri);
+    case NativeErrorKind::kAccessDenied: throw CFileAccessDeniedError(uri);
+    case NativeErrorKind::kOther: break;
     }
     throw CFileError(uri, getLocalizedText(key, englishDefault)
                               ->replaceAll("%FILE%", CURIError::uriText(uri))

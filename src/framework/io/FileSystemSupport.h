@@ -12,7 +12,7 @@
 namespace kore {
 class IString;
 class IURI;
-}
+} // namespace kore
 
 namespace kore::platform {
 
@@ -25,13 +25,13 @@ enum class NativeErrorKind { kNotFound, kAccessDenied, kOther };
 
 struct NativeError {
     NativeErrorKind kind = NativeErrorKind::kOther;
-    uint32_t code = 0;   // errno or GetLastError()
+    uint32_t code = 0; // errno or GetLastError()
     std::string message; // the system's text for the code, UTF-8
 };
 
 // Open modes, the stream manager's values.
 constexpr uint32_t kNativeRead = 1;
-constexpr uint32_t kNativeWrite = 2;     // creates or truncates
+constexpr uint32_t kNativeWrite = 2; // creates or truncates
 constexpr uint32_t kNativeReadWrite = 3; // opens or creates, keeps the content
 
 // One open file, read and written at explicit offsets.
@@ -39,8 +39,7 @@ class INativeFile {
 public:
     virtual ~INativeFile() = default;
     // One system read of up to `count` bytes; `done` is 0 at the end of the file.
-    virtual bool readAt(int64_t offset, void* buffer, uint32_t count, uint32_t& done,
-                        NativeError& error) = 0;
+    virtual bool readAt(int64_t offset, void* buffer, uint32_t count, uint32_t& done, NativeError& error) = 0;
     // Writes all `count` bytes or fails; a gap before `offset` reads as zeros afterwards.
     virtual bool writeAt(int64_t offset, const void* buffer, uint32_t count, NativeError& error) = 0;
     virtual bool getSize(int64_t& size, NativeError& error) = 0;
@@ -57,8 +56,7 @@ std::unique_ptr<INativeFile> openSystemFile(const IString& path, uint32_t mode, 
 // Replaces how every file of the process is opened, so that tests can hand out files that fail
 // on purpose; null restores openSystemFile. Returns the opener installed before. Not for use
 // while other threads open files.
-using NativeFileOpener = std::unique_ptr<INativeFile> (*)(const IString& path, uint32_t mode,
-                                                          NativeError& error);
+using NativeFileOpener = std::unique_ptr<INativeFile> (*)(const IString& path, uint32_t mode, NativeError& error);
 NativeFileOpener setNativeFileOpener(NativeFileOpener opener);
 
 struct NativeFolderEntry {
@@ -68,8 +66,7 @@ struct NativeFolderEntry {
 
 // Every entry of a folder except "." and "..", in no particular order. A missing folder, or a
 // path that is not a folder, is kNotFound.
-bool listNativeFolder(const IString& path, std::vector<NativeFolderEntry>& entries,
-                      NativeError& error);
+bool listNativeFolder(const IString& path, std::vector<NativeFolderEntry>& entries, NativeError& error);
 
 // Puts the file `from` in the place of `to` in one step, replacing `to` if it exists: readers
 // see the old or the new file, never a part of one. `from`'s content is on the disk before.

@@ -6,7 +6,6 @@
 namespace kore {
 
 // A stream that is read and written.
-class IIOStream : public virtual IInStream, public virtual IOutStream {
-};
+class IIOStream : public virtual IInStream, public virtual IOutStream {};
 
 } // namespace kore

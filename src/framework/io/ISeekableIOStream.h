@@ -8,7 +8,6 @@ namespace kore {
 
 class ISeekableIOStream : public virtual IIOStream,
                           public virtual ISeekableInStream,
-                          public virtual ISeekableOutStream {
-};
+                          public virtual ISeekableOutStream {};
 
 } // namespace kore

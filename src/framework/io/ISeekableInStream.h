@@ -5,7 +5,6 @@
 
 namespace kore {
 
-class ISeekableInStream : public virtual IInStream, public virtual ISeekable {
-};
+class ISeekableInStream : public virtual IInStream, public virtual ISeekable {};
 
 } // namespace kore

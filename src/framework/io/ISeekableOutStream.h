@@ -5,7 +5,6 @@
 
 namespace kore {
 
-class ISeekableOutStream : public virtual IOutStream, public virtual ISeekable {
-};
+class ISeekableOutStream : public virtual IOutStream, public virtual ISeekable {};
 
 } // namespace kore

@@ -1,10 +1,10 @@
 #include "framework/log/CLogManager.h"
 
-#include "framework/objects/CGlobalObjFactory.h"
 #include "framework/errors/CInvalidArgError.h"
-#include "framework/values/CValueList.h"
-#include "framework/sync/IMutexFactory.h"
 #include "framework/log/Trace.h"
+#include "framework/objects/CGlobalObjFactory.h"
+#include "framework/sync/IMutexFactory.h"
+#include "framework/values/CValueList.h"
 
 #include <exception>
 #include <memory>
@@ -107,7 +107,9 @@ P<CLogManager>& CLogManager::instance()
     return CGlobalObjFactory::accessor<CLogManager, &create>();
 }
 
-CLogManager::CLogManager() : m_mutex(createMutexFactory()->createMutex()) {}
+CLogManager::CLogManager() : m_mutex(createMutexFactory()->createMutex())
+{
+}
 
 CLogManager::~CLogManager()
 {
@@ -145,8 +147,7 @@ int32_t CLogManager::getLevel() const
     return m_level;
 }
 
-void CLogManager::log(int32_t level, const CStringArg& module, const CStringArg& text, int32_t code,
-                      int32_t line)
+void CLogManager::log(int32_t level, const CStringArg& module, const CStringArg& text, int32_t code, int32_t line)
 {
     CMutexLock lock(*m_mutex);
     if (level < m_level)
@@ -159,8 +160,7 @@ void CLogManager::addLog(const CStringArg& module, ILog* sink)
     if (!sink)
         throw CInvalidArgError(nullptr, "CLogManager::addLog", "sink (null)", "CLogManager");
     if (sink == static_cast<ILog*>(this))
-        throw CInvalidArgError(nullptr, "CLogManager::addLog", "sink (the manager itself)",
-                               "CLogManager");
+        throw CInvalidArgError(nullptr, "CLogManager::addLog", "sink (the manager itself)", "CLogManager");
     CMutexLock lock(*m_mutex);
     if (module->getLength() == 0) {
         m_global.addFront(sink);

@@ -15,13 +15,13 @@
 // and one module's records to a file with
 //     CLogManager::instance()->addLog("qor_lang::manager", make<CFileLog>(path).get());
 
-#include "framework/objects/CObject.h"
-#include "framework/sync/IMutex.h"
+#include "framework/containers/TSimpleHashTable.h"
 #include "framework/log/ILog.h"
 #include "framework/log/ILogManager.h"
-#include "framework/text/IString.h"
+#include "framework/objects/CObject.h"
 #include "framework/objects/P.h"
-#include "framework/containers/TSimpleHashTable.h"
+#include "framework/sync/IMutex.h"
+#include "framework/text/IString.h"
 
 #include <cstdint>
 
@@ -67,8 +67,7 @@ public:
     void write(const CStringArg& module, const CStringArg& record) override;
     void setLevel(int32_t level) override;
     int32_t getLevel() const override;
-    void log(int32_t level, const CStringArg& module, const CStringArg& text, int32_t code,
-             int32_t line) override;
+    void log(int32_t level, const CStringArg& module, const CStringArg& text, int32_t code, int32_t line) override;
 
     // Throws CInvalidArgError for a null sink or the manager itself.
     void addLog(const CStringArg& module, ILog* sink) override;

@@ -20,8 +20,7 @@ void appendTime(std::string& out, std::chrono::system_clock::time_point time)
     std::snprintf(text, sizeof text, "%04d-%02u-%02uT%02d:%02d:%02d.%03dZ", static_cast<int>(date.year()),
                   static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
                   static_cast<int>(clock.hours().count()), static_cast<int>(clock.minutes().count()),
-                  static_cast<int>(clock.seconds().count()),
-                  static_cast<int>(clock.subseconds().count()));
+                  static_cast<int>(clock.seconds().count()), static_cast<int>(clock.subseconds().count()));
     out += text;
 }
 
@@ -39,14 +38,10 @@ void appendModule(std::string& out, const IString& module)
 std::string CLogSink::levelName(int32_t level)
 {
     switch (level) {
-    case kDebug:
-        return "DEBUG";
-    case kInfo:
-        return "INFO";
-    case kWarning:
-        return "WARN";
-    case kError:
-        return "ERROR";
+    case kDebug: return "DEBUG";
+    case kInfo: return "INFO";
+    case kWarning: return "WARN";
+    case kError: return "ERROR";
     default: {
         // Appending rather than "L" + ...: gcc 12 at -O3 warns falsely about the latter.
         std::string name = "L";
@@ -56,9 +51,8 @@ std::string CLogSink::levelName(int32_t level)
     }
 }
 
-std::string CLogSink::formatRecord(std::chrono::system_clock::time_point time, int32_t level,
-                                   const IString& module, const IString& text, int32_t code,
-                                   int32_t line)
+std::string CLogSink::formatRecord(std::chrono::system_clock::time_point time, int32_t level, const IString& module,
+                                   const IString& text, int32_t code, int32_t line)
 {
     std::string out;
     out.reserve(64 + text.getByteLength());
@@ -95,13 +89,11 @@ void CLogSink::write(const CStringArg& module, const CStringArg& record)
     writeLine(formatWrite(std::chrono::system_clock::now(), module.get(), record.get()));
 }
 
-void CLogSink::log(int32_t level, const CStringArg& module, const CStringArg& text, int32_t code,
-                   int32_t line)
+void CLogSink::log(int32_t level, const CStringArg& module, const CStringArg& text, int32_t code, int32_t line)
 {
     if (level < getLevel())
         return;
-    writeLine(formatRecord(std::chrono::system_clock::now(), level, module.get(), text.get(), code,
-                           line));
+    writeLine(formatRecord(std::chrono::system_clock::now(), level, module.get(), text.get(), code, line));
 }
 
 } // namespace kore

@@ -9,8 +9,8 @@
 // code and line when given. A record from write() has no level: "<time> [module] record".
 // Subclasses only put finished lines somewhere.
 
-#include "framework/objects/CObject.h"
 #include "framework/log/ILog.h"
+#include "framework/objects/CObject.h"
 
 #include <atomic>
 #include <chrono>
@@ -25,15 +25,13 @@ public:
     void setLevel(int32_t level) override { m_level.store(level); }
     int32_t getLevel() const override { return m_level.load(); }
     // Drops records below the sink's own level.
-    void log(int32_t level, const CStringArg& module, const CStringArg& text, int32_t code,
-             int32_t line) override;
+    void log(int32_t level, const CStringArg& module, const CStringArg& text, int32_t code, int32_t line) override;
 
     // The line for one record, ending in "\n".
-    static std::string formatRecord(std::chrono::system_clock::time_point time, int32_t level,
-                                    const IString& module, const IString& text, int32_t code,
-                                    int32_t line);
-    static std::string formatWrite(std::chrono::system_clock::time_point time,
-                                   const IString& module, const IString& record);
+    static std::string formatRecord(std::chrono::system_clock::time_point time, int32_t level, const IString& module,
+                                    const IString& text, int32_t code, int32_t line);
+    static std::string formatWrite(std::chrono::system_clock::time_point time, const IString& module,
+                                   const IString& record);
     // "DEBUG", "INFO", "WARN", "ERROR", else "L<level>".
     static std::string levelName(int32_t level);
 

@@ -12,8 +12,8 @@
 // comes from (-1: not given). The shortcuts pass -1 as the line.
 
 #include "framework/errors/CException.h"
-#include "framework/text/CStringArg.h"
 #include "framework/objects/IBase.h"
+#include "framework/text/CStringArg.h"
 #include "framework/text/IString.h"
 
 #include <cstdint>
@@ -32,8 +32,7 @@ public:
     virtual void write(const CStringArg& module, const CStringArg& record) = 0;
     virtual void setLevel(int32_t level) = 0;
     virtual int32_t getLevel() const = 0;
-    virtual void log(int32_t level, const CStringArg& module, const CStringArg& text, int32_t code,
-                     int32_t line) = 0;
+    virtual void log(int32_t level, const CStringArg& module, const CStringArg& text, int32_t code, int32_t line) = 0;
 
     virtual void debug(const CStringArg& module, const CStringArg& text, int32_t code)
     {

@@ -2,8 +2,8 @@
 // Registration of log sinks with a log manager, either for one module name (such as
 // "qor_lang::manager") or, with an empty module name, for every module.
 
-#include "framework/text/CStringArg.h"
 #include "framework/objects/IBase.h"
+#include "framework/text/CStringArg.h"
 
 namespace kore {
 

@@ -1,8 +1,8 @@
 #include "framework/log/Trace.h"
 
+#include "framework/log/LogPlatform.h"
 #include "framework/text/CCharCursor.h"
 #include "framework/text/IString.h"
-#include "framework/log/LogPlatform.h"
 
 #include <atomic>
 #include <cstdlib>

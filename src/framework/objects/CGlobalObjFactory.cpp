@@ -13,10 +13,7 @@ namespace {
 struct FactoryRecord {
     FactoryRecord() { new (m_instance) P<CGlobalObjFactory>(); }
 
-    P<CGlobalObjFactory>& instance()
-    {
-        return *std::launder(reinterpret_cast<P<CGlobalObjFactory>*>(m_instance));
-    }
+    P<CGlobalObjFactory>& instance() { return *std::launder(reinterpret_cast<P<CGlobalObjFactory>*>(m_instance)); }
 
     std::atomic<uint64_t> state{0};
     std::atomic<uint64_t> deadMark{0};

@@ -5,9 +5,9 @@
 // (CGlobalObjFactory::accessor), never through globals.
 
 #include "framework/objects/CObject.h"
+#include "framework/objects/P.h"
 #include "framework/sync/IMutex.h"
 #include "framework/sync/IMutexFactory.h"
-#include "framework/objects/P.h"
 
 #include <atomic>
 #include <cstdint>
@@ -56,9 +56,8 @@ public:
     template <class T>
     P<T>& getOrCreate(uint64_t key, Creator<T> creator)
     {
-        return *static_cast<P<T>*>(getOrCreateHolder(key, [creator]() -> IPtrHolder* {
-            return new CPtrHolderImpl<T>(creator());
-        }));
+        return *static_cast<P<T>*>(
+            getOrCreateHolder(key, [creator]() -> IPtrHolder* { return new CPtrHolderImpl<T>(creator()); }));
     }
 
     // The accessor body shared by every service: the first call creates or finds the service and

@@ -8,7 +8,8 @@
 namespace kore {
 
 class IString;
-template <class T> class P;
+template <class T>
+class P;
 struct CCastCandidate;
 
 class IBase {

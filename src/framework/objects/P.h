@@ -29,15 +29,11 @@ public:
     P(const P& other) noexcept : P(other.m_p) {}
     P(P&& other) noexcept : m_p(other.detach()) {}
     template <class U>
-        requires std::convertible_to<U*, T*>
-    P(const P<U>& other) noexcept : P(other.get())
-    {
-    }
+    requires std::convertible_to<U*, T*> P(const P<U>& other)
+    noexcept : P(other.get()) {}
     template <class U>
-        requires std::convertible_to<U*, T*>
-    P(P<U>&& other) noexcept : m_p(other.detach())
-    {
-    }
+    requires std::convertible_to<U*, T*> P(P<U>&& other)
+    noexcept : m_p(other.detach()) {}
     ~P()
     {
         if (m_p)
@@ -70,8 +66,7 @@ public:
         return *this;
     }
     template <class U>
-        requires std::convertible_to<U*, T*>
-    P& operator=(const P<U>& other) noexcept
+    requires std::convertible_to<U*, T*> P& operator=(const P<U>& other) noexcept
     {
         assign(other.get());
         return *this;

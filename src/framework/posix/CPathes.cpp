@@ -1,9 +1,9 @@
 #include "framework/posix/CPathes.h"
 
+#include "framework/errors/CURIFormatError.h"
+#include "framework/io/CURI.h"
 #include "framework/objects/CGlobalObjFactory.h"
 #include "framework/text/CString.h"
-#include "framework/io/CURI.h"
-#include "framework/errors/CURIFormatError.h"
 
 #include <unistd.h>
 

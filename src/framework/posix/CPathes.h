@@ -1,7 +1,7 @@
 #pragma once
 
-#include "framework/objects/CObject.h"
 #include "framework/io/IPathes.h"
+#include "framework/objects/CObject.h"
 
 namespace kore::posix {
 

@@ -1,9 +1,9 @@
 #include "framework/posix/CSystem.h"
 
-#include "framework/objects/CGlobalObjFactory.h"
 #include "framework/errors/CURITypeNotSupportedError.h"
-#include "framework/text/IString.h"
 #include "framework/io/IURI.h"
+#include "framework/objects/CGlobalObjFactory.h"
+#include "framework/text/IString.h"
 
 #include <sys/stat.h>
 

@@ -25,19 +25,13 @@ NativeError errorFrom(int code)
     error.message = std::error_code(code, std::generic_category()).message();
     switch (code) {
     case ENOENT:
-    case ENOTDIR:
-        error.kind = NativeErrorKind::kNotFound;
-        break;
+    case ENOTDIR: error.kind = NativeErrorKind::kNotFound; break;
     case EACCES:
     case EPERM:
     case EROFS:
     case EISDIR:
-    case ETXTBSY:
-        error.kind = NativeErrorKind::kAccessDenied;
-        break;
-    default:
-        error.kind = NativeErrorKind::kOther;
-        break;
+    case ETXTBSY: error.kind = NativeErrorKind::kAccessDenied; break;
+    default: error.kind = NativeErrorKind::kOther; break;
     }
     return error;
 }

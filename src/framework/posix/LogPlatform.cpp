@@ -1,8 +1,8 @@
 #include "framework/log/LogPlatform.h"
 
-#include "framework/text/IString.h"
 #include "framework/log/Trace.h"
 #include "framework/text/CUTF16String.h"
+#include "framework/text/IString.h"
 
 #include <cstdio>
 #include <string>

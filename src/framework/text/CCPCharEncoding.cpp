@@ -1,7 +1,7 @@
 #include "framework/text/CCPCharEncoding.h"
 
-#include "framework/objects/CGlobalObjFactory.h"
 #include "framework/errors/CMethodNotImplementedError.h"
+#include "framework/objects/CGlobalObjFactory.h"
 #include "framework/text/CodePage.h"
 
 namespace kore {
@@ -29,7 +29,9 @@ P<CCPCharEncoding>& CCPCharEncoding::instance()
     return CGlobalObjFactory::accessor<CCPCharEncoding, &create>();
 }
 
-CCPCharEncoding::CCPCharEncoding() : CCharEncodingBase(1) {}
+CCPCharEncoding::CCPCharEncoding() : CCharEncodingBase(1)
+{
+}
 
 uint32_t CCPCharEncoding::getMaxCharSize() const
 {
@@ -88,8 +90,7 @@ uint32_t CCPCharEncoding::getCharOffset(const uint8_t*, uint32_t len, uint32_t n
 }
 
 // One byte is one character: multibyte code pages are deliberately not decoded as such.
-uint32_t CCPCharEncoding::decodeCharStrict(uint32_t& out, const uint8_t* buf, uint32_t len,
-                                           uint32_t off) const
+uint32_t CCPCharEncoding::decodeCharStrict(uint32_t& out, const uint8_t* buf, uint32_t len, uint32_t off) const
 {
     return decodeStrict(out, buf, len, off);
 }
@@ -109,15 +110,14 @@ uint32_t CCPCharEncoding::decodePrevChar(uint32_t&, const uint8_t*, uint32_t, ui
     throw CMethodNotImplementedError(this, "");
 }
 
-uint32_t CCPCharEncoding::decodePrevChars(uint32_t*, uint32_t, uint32_t&, const uint8_t*, uint32_t,
-                                          uint32_t, uint32_t*) const
+uint32_t CCPCharEncoding::decodePrevChars(uint32_t*, uint32_t, uint32_t&, const uint8_t*, uint32_t, uint32_t,
+                                          uint32_t*) const
 {
     throw CMethodNotImplementedError(this, "");
 }
 
-uint32_t CCPCharEncoding::decodeChars(uint32_t* out, uint32_t max, uint32_t& count,
-                                       const uint8_t* buf, uint32_t len, uint32_t off,
-                                       uint32_t* offsets) const
+uint32_t CCPCharEncoding::decodeChars(uint32_t* out, uint32_t max, uint32_t& count, const uint8_t* buf, uint32_t len,
+                                      uint32_t off, uint32_t* offsets) const
 {
     return decodeCharsWith(decodeStrict, 1, out, max, count, buf, len, off, offsets);
 }

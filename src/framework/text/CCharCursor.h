@@ -4,10 +4,10 @@
 // Forwards, a UTF-16 unit outside the surrogates and an ASCII byte of UTF-8 are characters on
 // their own: those are read straight from the buffer, inline, and only the rest is decoded.
 
-#include "framework/text/ICharEncoding.h"
-#include "framework/text/IString.h"
 #include "framework/text/CUTF16CharEncoding.h"
 #include "framework/text/CUTF8CharEncoding.h"
+#include "framework/text/ICharEncoding.h"
+#include "framework/text/IString.h"
 
 namespace kore {
 
@@ -37,9 +37,7 @@ public:
                 return true;
             }
         }
-        return take(cp, [this] {
-            return m_enc->decodeChars(m_block, kBlock, m_count, m_buf, m_len, m_off, nullptr);
-        });
+        return take(cp, [this] { return m_enc->decodeChars(m_block, kBlock, m_count, m_buf, m_len, m_off, nullptr); });
     }
 
     // Backwards from the end; call only on a fresh cursor.
@@ -50,9 +48,8 @@ public:
             m_directEnd = 0;
             m_off = m_len;
         }
-        return take(cp, [this] {
-            return m_enc->decodePrevChars(m_block, kBlock, m_count, m_buf, m_len, m_off, nullptr);
-        });
+        return take(cp,
+                    [this] { return m_enc->decodePrevChars(m_block, kBlock, m_count, m_buf, m_len, m_off, nullptr); });
     }
 
 private:

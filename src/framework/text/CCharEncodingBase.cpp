@@ -50,8 +50,7 @@ uint32_t CCharEncodingBase::findCharStart(const uint8_t* buf, uint32_t len, uint
     return kFail;
 }
 
-uint32_t CCharEncodingBase::decodeChar(uint32_t& out, const uint8_t* buf, uint32_t len,
-                                       uint32_t off) const
+uint32_t CCharEncodingBase::decodeChar(uint32_t& out, const uint8_t* buf, uint32_t len, uint32_t off) const
 {
     for (; off < len; off += m_unit) {
         const uint32_t end = decodeCharStrict(out, buf, len, off);
@@ -87,8 +86,7 @@ uint32_t CCharEncodingBase::findPrevCharStart(const uint8_t* buf, uint32_t len, 
     }
 }
 
-uint32_t CCharEncodingBase::decodePrevCharStrict(uint32_t& out, const uint8_t* buf, uint32_t len,
-                                                 uint32_t off) const
+uint32_t CCharEncodingBase::decodePrevCharStrict(uint32_t& out, const uint8_t* buf, uint32_t len, uint32_t off) const
 {
     if (off > len || off % m_unit != 0)
         return kFail;
@@ -103,8 +101,7 @@ uint32_t CCharEncodingBase::decodePrevCharStrict(uint32_t& out, const uint8_t* b
     return kFail;
 }
 
-uint32_t CCharEncodingBase::decodePrevChar(uint32_t& out, const uint8_t* buf, uint32_t len,
-                                           uint32_t off) const
+uint32_t CCharEncodingBase::decodePrevChar(uint32_t& out, const uint8_t* buf, uint32_t len, uint32_t off) const
 {
     off = backwardStart(len, off);
     // The character must fit before `off`: decode as if the buffer ended there.
@@ -116,9 +113,8 @@ uint32_t CCharEncodingBase::decodePrevChar(uint32_t& out, const uint8_t* buf, ui
     return kFail;
 }
 
-uint32_t CCharEncodingBase::decodeChars(uint32_t* out, uint32_t max, uint32_t& count,
-                                        const uint8_t* buf, uint32_t len, uint32_t off,
-                                        uint32_t* offsets) const
+uint32_t CCharEncodingBase::decodeChars(uint32_t* out, uint32_t max, uint32_t& count, const uint8_t* buf, uint32_t len,
+                                        uint32_t off, uint32_t* offsets) const
 {
     count = 0;
     while (count < max) {
@@ -133,9 +129,8 @@ uint32_t CCharEncodingBase::decodeChars(uint32_t* out, uint32_t max, uint32_t& c
     return off;
 }
 
-uint32_t CCharEncodingBase::decodePrevChars(uint32_t* out, uint32_t max, uint32_t& count,
-                                            const uint8_t* buf, uint32_t len, uint32_t off,
-                                            uint32_t* offsets) const
+uint32_t CCharEncodingBase::decodePrevChars(uint32_t* out, uint32_t max, uint32_t& count, const uint8_t* buf,
+                                            uint32_t len, uint32_t off, uint32_t* offsets) const
 {
     count = 0;
     while (count < max) {

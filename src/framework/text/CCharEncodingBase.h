@@ -14,18 +14,15 @@ public:
     uint32_t countChars(const uint8_t* buf, uint32_t len, uint32_t off) const override;
     uint32_t getCharOffset(const uint8_t* buf, uint32_t len, uint32_t n) const override;
     uint32_t findCharStart(const uint8_t* buf, uint32_t len, uint32_t off) const override;
-    uint32_t decodeChar(uint32_t& out, const uint8_t* buf, uint32_t len,
-                        uint32_t off) const override;
+    uint32_t decodeChar(uint32_t& out, const uint8_t* buf, uint32_t len, uint32_t off) const override;
     bool supportsReverse() const override { return true; }
     uint32_t findPrevCharStart(const uint8_t* buf, uint32_t len, uint32_t off) const override;
-    uint32_t decodePrevCharStrict(uint32_t& out, const uint8_t* buf, uint32_t len,
-                                  uint32_t off) const override;
-    uint32_t decodePrevChar(uint32_t& out, const uint8_t* buf, uint32_t len,
-                            uint32_t off) const override;
-    uint32_t decodeChars(uint32_t* out, uint32_t max, uint32_t& count, const uint8_t* buf,
-                         uint32_t len, uint32_t off, uint32_t* offsets) const override;
-    uint32_t decodePrevChars(uint32_t* out, uint32_t max, uint32_t& count, const uint8_t* buf,
-                             uint32_t len, uint32_t off, uint32_t* offsets) const override;
+    uint32_t decodePrevCharStrict(uint32_t& out, const uint8_t* buf, uint32_t len, uint32_t off) const override;
+    uint32_t decodePrevChar(uint32_t& out, const uint8_t* buf, uint32_t len, uint32_t off) const override;
+    uint32_t decodeChars(uint32_t* out, uint32_t max, uint32_t& count, const uint8_t* buf, uint32_t len, uint32_t off,
+                         uint32_t* offsets) const override;
+    uint32_t decodePrevChars(uint32_t* out, uint32_t max, uint32_t& count, const uint8_t* buf, uint32_t len,
+                             uint32_t off, uint32_t* offsets) const override;
 
 protected:
     // `unit` is the size of one code unit: invalid input is skipped one unit at a time.
@@ -35,9 +32,8 @@ protected:
     // through the vtable: the block operation is the hot path of every string read. Same results
     // as the generic decodeChars.
     template <class Decode>
-    static uint32_t decodeCharsWith(const Decode& decode, uint32_t unit, uint32_t* out, uint32_t max,
-                                    uint32_t& count, const uint8_t* buf, uint32_t len,
-                                    uint32_t off, uint32_t* offsets)
+    static uint32_t decodeCharsWith(const Decode& decode, uint32_t unit, uint32_t* out, uint32_t max, uint32_t& count,
+                                    const uint8_t* buf, uint32_t len, uint32_t off, uint32_t* offsets)
     {
         count = 0;
         while (count < max) {
@@ -60,8 +56,7 @@ protected:
     // countChars without a virtual call per character: invalid input is skipped a unit at a
     // time, which counts exactly what findCharStart-and-retry would.
     template <class Decode>
-    static uint32_t countCharsWith(const Decode& decode, uint32_t unit, const uint8_t* buf, uint32_t len,
-                                   uint32_t off)
+    static uint32_t countCharsWith(const Decode& decode, uint32_t unit, const uint8_t* buf, uint32_t len, uint32_t off)
     {
         uint32_t count = 0;
         uint32_t ignored = 0;

@@ -25,7 +25,9 @@ P<CLatin1CharEncoding>& CLatin1CharEncoding::instance()
     return CGlobalObjFactory::accessor<CLatin1CharEncoding, &create>();
 }
 
-CLatin1CharEncoding::CLatin1CharEncoding() : CCharEncodingBase(1) {}
+CLatin1CharEncoding::CLatin1CharEncoding() : CCharEncodingBase(1)
+{
+}
 
 uint32_t CLatin1CharEncoding::getMaxCharSize() const
 {
@@ -54,8 +56,7 @@ uint32_t CLatin1CharEncoding::getTerminatedLength(const uint8_t* buf) const
     return n;
 }
 
-uint32_t CLatin1CharEncoding::decodeCharStrict(uint32_t& out, const uint8_t* buf, uint32_t len,
-                                               uint32_t off) const
+uint32_t CLatin1CharEncoding::decodeCharStrict(uint32_t& out, const uint8_t* buf, uint32_t len, uint32_t off) const
 {
     return decodeStrict(out, buf, len, off);
 }
@@ -75,9 +76,8 @@ uint32_t CLatin1CharEncoding::getCharOffset(const uint8_t*, uint32_t len, uint32
     return n <= len ? n : kFail;
 }
 
-uint32_t CLatin1CharEncoding::decodeChars(uint32_t* out, uint32_t max, uint32_t& count,
-                                           const uint8_t* buf, uint32_t len, uint32_t off,
-                                           uint32_t* offsets) const
+uint32_t CLatin1CharEncoding::decodeChars(uint32_t* out, uint32_t max, uint32_t& count, const uint8_t* buf,
+                                          uint32_t len, uint32_t off, uint32_t* offsets) const
 {
     return decodeCharsWith(decodeStrict, 1, out, max, count, buf, len, off, offsets);
 }

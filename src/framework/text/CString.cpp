@@ -1,11 +1,11 @@
 #include "framework/text/CString.h"
 
-#include "framework/text/CCaseTable.h"
-#include "framework/text/CCharCursor.h"
-#include "framework/text/CStringSlice.h"
 #include "framework/errors/CInvalidArgError.h"
 #include "framework/errors/COutOfmemoryException.h"
 #include "framework/objects/Cast.h"
+#include "framework/text/CCaseTable.h"
+#include "framework/text/CCharCursor.h"
+#include "framework/text/CStringSlice.h"
 #include "framework/text/UTF8Decoding.h"
 
 #include <algorithm>
@@ -34,8 +34,7 @@ std::vector<uint32_t> decodeAll(const IString& s)
     return cps;
 }
 
-bool matchesAt(const std::vector<uint32_t>& hay, size_t at, const std::vector<uint32_t>& needle,
-               bool ignoreCase)
+bool matchesAt(const std::vector<uint32_t>& hay, size_t at, const std::vector<uint32_t>& needle, bool ignoreCase)
 {
     for (size_t i = 0; i < needle.size(); ++i) {
         if (!sameChar(hay[at + i], needle[i], ignoreCase))
@@ -109,8 +108,7 @@ P<IString> buildString(ICharEncoding& encoding, const ForEach& forEach)
 {
     const EncodedText text = encodeAll(encoding, forEach);
     try {
-        return make<CString>(text.buffer, text.length, IString::kUnknown, true, encoding,
-                             CString::kAdopt);
+        return make<CString>(text.buffer, text.length, IString::kUnknown, true, encoding, CString::kAdopt);
     } catch (...) {
         CString::freeBuffer(text.buffer);
         throw;
@@ -123,16 +121,12 @@ P<IString> buildString(ICharEncoding& encoding, const ForEach& forEach)
 bool holds(uint32_t id, uint32_t cp)
 {
     switch (id) {
-    case CUTF32CharEncoding::kId:
-        return true;
-    case CUTF16CharEncoding::kId:
-        return cp < 0x110000 && (cp < 0xD800 || cp > 0xDFFF);
+    case CUTF32CharEncoding::kId: return true;
+    case CUTF16CharEncoding::kId: return cp < 0x110000 && (cp < 0xD800 || cp > 0xDFFF);
     case CUTF8CharEncoding::kId:
         return cp < 0x110000 && (cp < 0x800 || cp >= 0x1000) && (cp < 0x10000 || cp >= 0x40000);
-    case CLatin1CharEncoding::kId:
-        return cp < 0x100;
-    default:
-        return false;
+    case CLatin1CharEncoding::kId: return cp < 0x100;
+    default: return false;
     }
 }
 
@@ -168,15 +162,14 @@ CString::CString()
     initFrom(kEmptyBuffer, 0, 0, true, kBorrow);
 }
 
-CString::CString(const void* buffer, uint32_t byteLength, uint32_t charCount, bool terminated,
-                 ICharEncoding& encoding, StorageMode mode)
+CString::CString(const void* buffer, uint32_t byteLength, uint32_t charCount, bool terminated, ICharEncoding& encoding,
+                 StorageMode mode)
 {
     m_encoding = &encoding;
     initFrom(buffer, byteLength, charCount, terminated, mode);
 }
 
-CString::CString(SliceTag, const uint8_t* buffer, uint32_t byteLength, uint32_t charCount,
-                 ICharEncoding& encoding)
+CString::CString(SliceTag, const uint8_t* buffer, uint32_t byteLength, uint32_t charCount, ICharEncoding& encoding)
 {
     m_encoding = &encoding;
     initFrom(buffer, byteLength, charCount, false, kBorrow);
@@ -205,8 +198,7 @@ CString::~CString()
         freeBuffer(const_cast<uint8_t*>(m_buffer));
 }
 
-void CString::initFrom(const void* buffer, uint32_t byteLength, uint32_t charCount, bool terminated,
-                       StorageMode mode)
+void CString::initFrom(const void* buffer, uint32_t byteLength, uint32_t charCount, bool terminated, StorageMode mode)
 {
     const auto* bytes = static_cast<const uint8_t*>(buffer);
     if (!bytes) {
@@ -252,9 +244,7 @@ void CString::initFrom(const void* buffer, uint32_t byteLength, uint32_t charCou
     m_fixedUnit = static_cast<uint8_t>(fixedUnit(*m_encoding, m_byteLength, m_charCount));
     // A code page's byte still has to be decoded to become a character.
     const uint32_t id = m_encoding->getId();
-    m_directUnit = m_fixedUnit == 1 && id != CLatin1CharEncoding::kId && id != CUTF8CharEncoding::kId
-                       ? 0
-                       : m_fixedUnit;
+    m_directUnit = m_fixedUnit == 1 && id != CLatin1CharEncoding::kId && id != CUTF8CharEncoding::kId ? 0 : m_fixedUnit;
 }
 
 uint8_t* CString::allocateBuffer(uint32_t bytes)
@@ -322,8 +312,7 @@ int32_t CString::compareTo(const IComparable& other) const
     return compareString(*cast<const IString>(&other), false, kUnknown, false);
 }
 
-int32_t CString::compareString(const IString& other, bool ignoreCase, uint32_t limit,
-                               bool prefix) const
+int32_t CString::compareString(const IString& other, bool ignoreCase, uint32_t limit, bool prefix) const
 {
     CCharCursor a(*this);
     CCharCursor b(other);
@@ -339,12 +328,8 @@ uint32_t fixedUnit(const ICharEncoding& enc, uint32_t byteLength, uint32_t charC
 {
     uint32_t unit = 0;
     switch (enc.getId()) {
-    case CUTF16CharEncoding::kId:
-        unit = 2;
-        break;
-    case CUTF32CharEncoding::kId:
-        unit = 4;
-        break;
+    case CUTF16CharEncoding::kId: unit = 2; break;
+    case CUTF32CharEncoding::kId: unit = 4; break;
     default:
         unit = 1; // UTF-8 (then ASCII), Latin-1, code page: one byte per character
         break;
@@ -355,8 +340,8 @@ uint32_t fixedUnit(const ICharEncoding& enc, uint32_t byteLength, uint32_t charC
 // Searches units of type T for `needle` from unit `from`. `limit` is the largest value a unit
 // holds as a character by itself; a needle character beyond it cannot occur.
 template <class T>
-uint32_t findUnits(const uint8_t* buffer, uint32_t units, const std::vector<uint32_t>& needle,
-                   uint32_t from, uint32_t limit)
+uint32_t findUnits(const uint8_t* buffer, uint32_t units, const std::vector<uint32_t>& needle, uint32_t from,
+                   uint32_t limit)
 {
     std::basic_string<T> want;
     want.reserve(needle.size());
@@ -488,8 +473,7 @@ P<IString> CString::replaceAllString(const IString& what, const IString& with) c
     const std::vector<uint32_t> replacement = decodeAll(with);
     return buildString(resultEncoding(*this, with), [&](auto&& sink) {
         for (size_t at = 0; at < hay.size();) {
-            if (!needle.empty() && at + needle.size() <= hay.size() &&
-                matchesAt(hay, at, needle, false)) {
+            if (!needle.empty() && at + needle.size() <= hay.size() && matchesAt(hay, at, needle, false)) {
                 for (uint32_t cp : replacement)
                     sink(cp);
                 at += needle.size();
@@ -518,8 +502,7 @@ uint32_t CString::getCharAt(uint32_t index) const
         return kNotFound;
     // Where every unit is a character, the unit is the answer.
     switch (m_directUnit) {
-    case 1:
-        return m_buffer[index];
+    case 1: return m_buffer[index];
     case 2: {
         char16_t unit;
         std::memcpy(&unit, m_buffer + 2 * size_t(index), 2);
@@ -530,15 +513,13 @@ uint32_t CString::getCharAt(uint32_t index) const
         std::memcpy(&unit, m_buffer + 4 * size_t(index), 4);
         return unit;
     }
-    default:
-        break;
+    default: break;
     }
     const uint32_t off = charOffset(index);
     if (off == ICharEncoding::kFail)
         return kNotFound;
     uint32_t cp = 0;
-    return m_encoding->decodeChar(cp, m_buffer, m_byteLength, off) == ICharEncoding::kFail ? kNotFound
-                                                                                          : cp;
+    return m_encoding->decodeChar(cp, m_buffer, m_byteLength, off) == ICharEncoding::kFail ? kNotFound : cp;
 }
 
 uint32_t CString::charOffset(uint32_t index) const
@@ -553,8 +534,7 @@ uint32_t CString::charOffset(uint32_t index) const
     uint32_t knownOffset = static_cast<uint32_t>(last);
     if (known > index || knownOffset > m_byteLength)
         known = knownOffset = 0;
-    const uint32_t rest = m_encoding->getCharOffset(m_buffer + knownOffset, m_byteLength - knownOffset,
-                                                    index - known);
+    const uint32_t rest = m_encoding->getCharOffset(m_buffer + knownOffset, m_byteLength - knownOffset, index - known);
     if (rest == ICharEncoding::kFail)
         return rest;
     const uint32_t offset = knownOffset + rest;
@@ -624,19 +604,12 @@ void CStringArg::borrow(const void* buffer, uint32_t byteLength, int encodingKin
 {
     ICharEncoding* enc = nullptr;
     switch (encodingKind) {
-    case kLatin1Kind:
-        enc = CLatin1CharEncoding::instance().get();
-        break;
-    case kUTF16Kind:
-        enc = CUTF16CharEncoding::instance().get();
-        break;
-    default:
-        enc = CUTF32CharEncoding::instance().get();
-        break;
+    case kLatin1Kind: enc = CLatin1CharEncoding::instance().get(); break;
+    case kUTF16Kind: enc = CUTF16CharEncoding::instance().get(); break;
+    default: enc = CUTF32CharEncoding::instance().get(); break;
     }
     const bool terminated = byteLength == kUnknownLength;
-    m_str = new (m_storage) CString(buffer, byteLength, IString::kUnknown, terminated, *enc,
-                                    CString::kBorrow);
+    m_str = new (m_storage) CString(buffer, byteLength, IString::kUnknown, terminated, *enc, CString::kBorrow);
     m_wrapped = true;
 }
 

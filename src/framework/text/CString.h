@@ -8,9 +8,9 @@
 // caller's memory, which must outlive it unchanged).
 
 #include "framework/objects/CObject.h"
+#include "framework/objects/P.h"
 #include "framework/text/ICharEncoding.h"
 #include "framework/text/IString.h"
-#include "framework/objects/P.h"
 
 #include <atomic>
 #include <string_view>
@@ -24,8 +24,8 @@ public:
     // The empty string (UTF-16).
     CString();
     // `byteLength` kUnknown: measure up to the encoded NUL. `charCount` kUnknown: count them.
-    CString(const void* buffer, uint32_t byteLength, uint32_t charCount, bool terminated,
-            ICharEncoding& encoding, StorageMode mode);
+    CString(const void* buffer, uint32_t byteLength, uint32_t charCount, bool terminated, ICharEncoding& encoding,
+            StorageMode mode);
     // Conversion of any string into `encoding`.
     CString(const IString& source, ICharEncoding& encoding);
     // Copies the bytes (a borrowed source becomes an owned copy).
@@ -61,8 +61,7 @@ public:
     ICharEncoding* getEncoding() const override { return m_encoding.get(); }
 
     int32_t compareTo(const IComparable& other) const override;
-    int32_t compareString(const IString& other, bool ignoreCase, uint32_t limit,
-                          bool prefix) const override;
+    int32_t compareString(const IString& other, bool ignoreCase, uint32_t limit, bool prefix) const override;
     uint32_t findString(const IString& what, uint32_t from, bool ignoreCase) const override;
     uint32_t findLastString(const IString& what, uint32_t from, bool ignoreCase) const override;
     uint32_t countString(const IString& what, bool ignoreCase) const override;
@@ -81,14 +80,12 @@ public:
 protected:
     // For subclasses that keep the buffer's owner alive themselves (slices).
     struct SliceTag {};
-    CString(SliceTag, const uint8_t* buffer, uint32_t byteLength, uint32_t charCount,
-            ICharEncoding& encoding);
+    CString(SliceTag, const uint8_t* buffer, uint32_t byteLength, uint32_t charCount, ICharEncoding& encoding);
 
 private:
     // The byte offset at which character `index` (up to the count: the end) begins, or kFail.
     uint32_t charOffset(uint32_t index) const;
-    void initFrom(const void* buffer, uint32_t byteLength, uint32_t charCount, bool terminated,
-                  StorageMode mode);
+    void initFrom(const void* buffer, uint32_t byteLength, uint32_t charCount, bool terminated, StorageMode mode);
 
     const uint8_t* m_buffer = nullptr;
     uint32_t m_byteLength = 0;

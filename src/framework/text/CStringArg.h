@@ -10,7 +10,8 @@
 namespace kore {
 
 class IString;
-template <class T> class P;
+template <class T>
+class P;
 
 class CStringArg {
 public:

@@ -1,10 +1,10 @@
 #include "framework/text/CStringFormat.h"
 
-#include "framework/text/CCharCursor.h"
 #include "framework/errors/CInvalidArgError.h"
 #include "framework/errors/CInvalidObjectStateError.h"
-#include "framework/text/CLatin1CharEncoding.h"
 #include "framework/errors/COutOfmemoryException.h"
+#include "framework/text/CCharCursor.h"
+#include "framework/text/CLatin1CharEncoding.h"
 #include "framework/text/CString.h"
 #include "framework/text/CUTF16CharEncoding.h"
 
@@ -146,26 +146,21 @@ uint32_t kindOf(char16_t letter)
 {
     switch (letter) {
     case u'c':
-    case u'C':
-        return CStringFormat::kChar;
+    case u'C': return CStringFormat::kChar;
     case u'd':
     case u'i':
     case u'o':
     case u'x':
     case u'X':
-    case u'u':
-        return CStringFormat::kInteger;
+    case u'u': return CStringFormat::kInteger;
     case u'e':
     case u'E':
     case u'f':
     case u'g':
-    case u'G':
-        return CStringFormat::kFloat;
+    case u'G': return CStringFormat::kFloat;
     case u's':
-    case u'S':
-        return CStringFormat::kString;
-    default:
-        return CStringFormat::kNone;
+    case u'S': return CStringFormat::kString;
+    default: return CStringFormat::kNone;
     }
 }
 
@@ -340,16 +335,13 @@ void CStringFormat::scanField(size_t& pos)
         case u'L':
         case u'z':
         case u'j':
-        case u't':
-            ++pos;
-            break;
+        case u't': ++pos; break;
         case u'I':
             // Only "I64"; a lone "I" is read as the (invalid) conversion letter.
             if (pos + 2 < n && f[pos + 1] == u'6' && f[pos + 2] == u'4')
                 pos += 3;
             break;
-        default:
-            break;
+        default: break;
         }
     }
 
@@ -403,8 +395,7 @@ void CStringFormat::doInt(uint64_t bits, bool isSigned)
         writeInteger(bits, isSigned);
         goToNextFormatField();
         return;
-    default:
-        fail("CStringFormat::doInt", kMismatch);
+    default: fail("CStringFormat::doInt", kMismatch);
     }
 }
 
@@ -610,9 +601,8 @@ void CStringFormat::formatWithRuntime(size_t scratchSize, T value)
 
 void CStringFormat::fail(const char* context, const char* message) const
 {
-    P<IString> text = keepText(message)
-                          ->concat(CStringArg(m_format.data(), static_cast<uint32_t>(m_format.size())))
-                          ->concat("'");
+    P<IString> text =
+        keepText(message)->concat(CStringArg(m_format.data(), static_cast<uint32_t>(m_format.size())))->concat("'");
     throw CInvalidArgError(nullptr, context, text, kObjectDescription);
 }
 

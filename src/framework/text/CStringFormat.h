@@ -34,9 +34,9 @@
 // The result is UTF-16. A formatter belongs to one thread at a time; it may live on the stack.
 
 #include "framework/objects/CObject.h"
+#include "framework/objects/P.h"
 #include "framework/text/CStringArg.h"
 #include "framework/text/IString.h"
-#include "framework/objects/P.h"
 
 #include <concepts>
 #include <cstddef>
@@ -129,8 +129,8 @@ private:
 namespace detail {
 
 template <class T>
-inline constexpr bool kIsCharType = std::is_same_v<T, char> || std::is_same_v<T, char16_t> ||
-                                    std::is_same_v<T, char32_t> || std::is_same_v<T, wchar_t>;
+inline constexpr bool kIsCharType =
+    std::is_same_v<T, char> || std::is_same_v<T, char16_t> || std::is_same_v<T, char32_t> || std::is_same_v<T, wchar_t>;
 
 template <class T>
 void pushArgument(CStringFormat& format, const T& value)

@@ -1,10 +1,10 @@
 #include "framework/text/CStringLocalizer.h"
 
-#include "framework/objects/CGlobalObjFactory.h"
 #include "framework/errors/CInvalidArgError.h"
+#include "framework/objects/CGlobalObjFactory.h"
+#include "framework/sync/IMutexFactory.h"
 #include "framework/text/CString.h"
 #include "framework/text/CUTF16CharEncoding.h"
-#include "framework/sync/IMutexFactory.h"
 #include "framework/text/IString.h"
 
 #include <cstring>
@@ -253,8 +253,7 @@ const IStringLocalizer& CStringLocalizer::forLookups()
     return *instance();
 }
 
-CStringLocalizer::CStringLocalizer()
-    : m_content(new CContent()), m_writeLock(createMutexFactory()->createMutex())
+CStringLocalizer::CStringLocalizer() : m_content(new CContent()), m_writeLock(createMutexFactory()->createMutex())
 {
 }
 
@@ -334,8 +333,8 @@ P<IString> CStringLocalizer::getString(const CStringArg& key, const CStringArg& 
         const CContent& content = *m_content.load(std::memory_order_seq_cst);
         CTextTable::Text text;
         if (content.find(units, count, hash, text))
-            return make<CString>(text.bytes, 2 * text.units, CString::kUnknown, false,
-                                 *CUTF16CharEncoding::instance(), CString::kCopy);
+            return make<CString>(text.bytes, 2 * text.units, CString::kUnknown, false, *CUTF16CharEncoding::instance(),
+                                 CString::kCopy);
         if (content.fallback)
             return content.fallback->getString(key, defaultText);
         return nullptr;
@@ -344,8 +343,8 @@ P<IString> CStringLocalizer::getString(const CStringArg& key, const CStringArg& 
         return found;
     // The default may borrow the caller's memory; the result must outlive the call.
     const IString& text = defaultText.get();
-    return make<CString>(text.getBuffer(), text.getByteLength(), text.getLength(), false,
-                         *text.getEncoding(), CString::kCopy);
+    return make<CString>(text.getBuffer(), text.getByteLength(), text.getLength(), false, *text.getEncoding(),
+                         CString::kCopy);
 }
 
 char16_t* CStringLocalizer::copyString(const char16_t* key, const char16_t* defaultText, TextCopier copy) const
@@ -356,7 +355,8 @@ char16_t* CStringLocalizer::copyString(const char16_t* key, const char16_t* defa
         defaultText = u"";
     struct CContentLookup final : CLookup {
         explicit CContentLookup(const CContent& content) : content(content) {}
-        bool find(const char16_t* k, uint32_t n, CTextTable::Text& text, const CTextTable** table) const noexcept override
+        bool find(const char16_t* k, uint32_t n, CTextTable::Text& text,
+                  const CTextTable** table) const noexcept override
         {
             return content.find(k, n, CTextTable::hash(k, n), text, table);
         }

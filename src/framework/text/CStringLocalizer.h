@@ -15,10 +15,10 @@
 // the process exits and the factory destroys its services, and they must find their texts.
 
 #include "framework/objects/CObject.h"
+#include "framework/objects/P.h"
 #include "framework/sync/CReaderSlots.h"
 #include "framework/sync/IMutex.h"
 #include "framework/text/IStringLocalizer.h"
-#include "framework/objects/P.h"
 
 #include <atomic>
 #include <memory>

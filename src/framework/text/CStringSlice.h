@@ -3,16 +3,15 @@
 // string that owns them alive. A slice of a slice holds that owner, not the slice it was cut
 // from, so slicing in a loop leaves no chain behind (whose release would recurse once per link).
 
-#include "framework/text/CString.h"
 #include "framework/objects/PC.h"
+#include "framework/text/CString.h"
 
 namespace kore {
 
 class CStringSlice : public CString {
 public:
     CStringSlice(const IString& parent, uint32_t byteStart, uint32_t byteEnd, uint32_t charCount)
-        : CString(SliceTag{}, parent.getBuffer() + byteStart, byteEnd - byteStart, charCount,
-                  *parent.getEncoding()),
+        : CString(SliceTag{}, parent.getBuffer() + byteStart, byteEnd - byteStart, charCount, *parent.getEncoding()),
           m_parent(owner(parent))
     {
     }

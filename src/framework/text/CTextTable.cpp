@@ -79,7 +79,10 @@ inline int compareKeys(uint32_t aTag, const uint8_t* a, uint32_t aUnits, uint32_
     return aUnits == 0 ? 0 : std::memcmp(a, b, 2 * static_cast<std::size_t>(aUnits));
 }
 
-inline std::size_t unitBytes(uint32_t units) { return 2 * static_cast<std::size_t>(units); }
+inline std::size_t unitBytes(uint32_t units)
+{
+    return 2 * static_cast<std::size_t>(units);
+}
 
 } // namespace
 
@@ -126,8 +129,7 @@ uint64_t CTextTable::hashTerminated(const char16_t* key, uint32_t& units) noexce
     return finish(even, odd, n);
 }
 
-CTextTable::CTextTable(CPageBuffer block, CPageBuffer index, uint32_t bucketBits, uint32_t count,
-                       P<CObject> companion)
+CTextTable::CTextTable(CPageBuffer block, CPageBuffer index, uint32_t bucketBits, uint32_t count, P<CObject> companion)
     : m_block(std::move(block)), m_index(std::move(index)), m_bucketStart(m_index.as<uint32_t>()),
       m_entries(reinterpret_cast<const Entry*>(m_index.as<uint32_t>() + (std::size_t(1) << bucketBits) + 1)),
       m_shift(64 - bucketBits), m_count(count), m_companion(std::move(companion))
@@ -173,7 +175,9 @@ bool CTextTable::find(const void* key, uint32_t units, uint64_t hash, Text& text
     return true;
 }
 
-CTextTable::CBuilder::CBuilder(CPageBuffer block) : m_block(std::move(block)), m_blockUsed(m_block.size()) {}
+CTextTable::CBuilder::CBuilder(CPageBuffer block) : m_block(std::move(block)), m_blockUsed(m_block.size())
+{
+}
 
 void CTextTable::CBuilder::reserve(uint32_t entries)
 {
@@ -274,7 +278,8 @@ P<CTextTable> CTextTable::CBuilder::build()
     m_added = CPageBuffer();
     m_count = 0;
     m_blockUsed = 0;
-    return P<CTextTable>::adopt(new CTextTable(std::move(m_block), std::move(index), bits, kept, std::move(m_companion)));
+    return P<CTextTable>::adopt(
+        new CTextTable(std::move(m_block), std::move(index), bits, kept, std::move(m_companion)));
 }
 
 } // namespace kore

@@ -10,8 +10,8 @@
 // hostile file whose keys all share one hash is searched in logarithmic time and built in
 // n log n.
 
-#include "framework/objects/CObject.h"
 #include "framework/containers/CPageBuffer.h"
+#include "framework/objects/CObject.h"
 #include "framework/objects/P.h"
 
 #include <bit>
@@ -57,8 +57,7 @@ public:
         // table keeps the one of the highest rank (of equal ranks, the one added last).
         void add(Span key, Span text, uint64_t rank);
         // Copies the units (any alignment) to the end of the block, then adds them.
-        void addCopy(const void* key, uint32_t keyUnits, const void* text, uint32_t textUnits,
-                     uint64_t rank);
+        void addCopy(const void* key, uint32_t keyUnits, const void* text, uint32_t textUnits, uint64_t rank);
         uint32_t getCount() const noexcept { return m_count; }
         // Something the layer building the table derives from its entries once and keeps with it
         // for the table's whole life (the language layer's parsed plural rule), so that readers
@@ -119,8 +118,8 @@ private:
     CPageBuffer m_block;
     CPageBuffer m_index;
     const uint32_t* m_bucketStart; // bucket count + 1 values, in m_index
-    const Entry* m_entries;        // in m_index, after the bucket starts
-    uint32_t m_shift;              // 64 - bucket bits
+    const Entry* m_entries; // in m_index, after the bucket starts
+    uint32_t m_shift; // 64 - bucket bits
     uint32_t m_count;
     P<CObject> m_companion;
 };

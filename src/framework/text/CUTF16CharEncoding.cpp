@@ -58,7 +58,9 @@ P<CUTF16CharEncoding>& CUTF16CharEncoding::instance()
     return CGlobalObjFactory::accessor<CUTF16CharEncoding, &create>();
 }
 
-CUTF16CharEncoding::CUTF16CharEncoding() : CCharEncodingBase(2) {}
+CUTF16CharEncoding::CUTF16CharEncoding() : CCharEncodingBase(2)
+{
+}
 
 uint32_t CUTF16CharEncoding::getMaxCharSize() const
 {
@@ -119,15 +121,13 @@ uint32_t CUTF16CharEncoding::getTerminatedLength(const uint8_t* buf) const
     return n;
 }
 
-uint32_t CUTF16CharEncoding::decodeCharStrict(uint32_t& out, const uint8_t* buf, uint32_t len,
-                                              uint32_t off) const
+uint32_t CUTF16CharEncoding::decodeCharStrict(uint32_t& out, const uint8_t* buf, uint32_t len, uint32_t off) const
 {
     return decodeStrict(out, buf, len, off);
 }
 
-uint32_t CUTF16CharEncoding::decodeChars(uint32_t* out, uint32_t max, uint32_t& count,
-                                          const uint8_t* buf, uint32_t len, uint32_t off,
-                                          uint32_t* offsets) const
+uint32_t CUTF16CharEncoding::decodeChars(uint32_t* out, uint32_t max, uint32_t& count, const uint8_t* buf, uint32_t len,
+                                         uint32_t off, uint32_t* offsets) const
 {
     return decodeCharsWith(decodeStrict, 2, out, max, count, buf, len, off, offsets);
 }

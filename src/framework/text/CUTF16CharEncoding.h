@@ -1,7 +1,7 @@
 #pragma once
 
-#include "framework/text/CCharEncodingBase.h"
 #include "framework/objects/P.h"
+#include "framework/text/CCharEncodingBase.h"
 
 namespace kore {
 
@@ -21,10 +21,9 @@ public:
     uint32_t getEncodedSize(uint32_t ch) const override;
     uint32_t countChars(const uint8_t* buf, uint32_t len, uint32_t off) const override;
     uint32_t getTerminatedLength(const uint8_t* buf) const override;
-    uint32_t decodeCharStrict(uint32_t& out, const uint8_t* buf, uint32_t len,
-                              uint32_t off) const final;
-    uint32_t decodeChars(uint32_t* out, uint32_t max, uint32_t& count, const uint8_t* buf,
-                         uint32_t len, uint32_t off, uint32_t* offsets) const override;
+    uint32_t decodeCharStrict(uint32_t& out, const uint8_t* buf, uint32_t len, uint32_t off) const final;
+    uint32_t decodeChars(uint32_t* out, uint32_t max, uint32_t& count, const uint8_t* buf, uint32_t len, uint32_t off,
+                         uint32_t* offsets) const override;
 };
 
 } // namespace kore

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "framework/text/CUTF16CharEncoding.h"
 #include "framework/text/CString.h"
+#include "framework/text/CUTF16CharEncoding.h"
 
 namespace kore {
 

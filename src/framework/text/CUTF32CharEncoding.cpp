@@ -26,7 +26,9 @@ P<CUTF32CharEncoding>& CUTF32CharEncoding::instance()
     return CGlobalObjFactory::accessor<CUTF32CharEncoding, &create>();
 }
 
-CUTF32CharEncoding::CUTF32CharEncoding() : CCharEncodingBase(4) {}
+CUTF32CharEncoding::CUTF32CharEncoding() : CCharEncodingBase(4)
+{
+}
 
 uint32_t CUTF32CharEncoding::getMaxCharSize() const
 {
@@ -56,8 +58,7 @@ uint32_t CUTF32CharEncoding::getTerminatedLength(const uint8_t* buf) const
     return n;
 }
 
-uint32_t CUTF32CharEncoding::decodeCharStrict(uint32_t& out, const uint8_t* buf, uint32_t len,
-                                              uint32_t off) const
+uint32_t CUTF32CharEncoding::decodeCharStrict(uint32_t& out, const uint8_t* buf, uint32_t len, uint32_t off) const
 {
     return decodeStrict(out, buf, len, off);
 }
@@ -80,9 +81,8 @@ uint32_t CUTF32CharEncoding::getCharOffset(const uint8_t*, uint32_t len, uint32_
     return 4 * n;
 }
 
-uint32_t CUTF32CharEncoding::decodeChars(uint32_t* out, uint32_t max, uint32_t& count,
-                                          const uint8_t* buf, uint32_t len, uint32_t off,
-                                          uint32_t* offsets) const
+uint32_t CUTF32CharEncoding::decodeChars(uint32_t* out, uint32_t max, uint32_t& count, const uint8_t* buf, uint32_t len,
+                                         uint32_t off, uint32_t* offsets) const
 {
     return decodeCharsWith(decodeStrict, 4, out, max, count, buf, len, off, offsets);
 }

@@ -56,7 +56,9 @@ P<CUTF8CharEncoding>& CUTF8CharEncoding::instance()
     return CGlobalObjFactory::accessor<CUTF8CharEncoding, &create>();
 }
 
-CUTF8CharEncoding::CUTF8CharEncoding() : CCharEncodingBase(1) {}
+CUTF8CharEncoding::CUTF8CharEncoding() : CCharEncodingBase(1)
+{
+}
 
 uint32_t CUTF8CharEncoding::getMaxCharSize() const
 {
@@ -83,9 +85,7 @@ uint32_t CUTF8CharEncoding::encodeChar(uint32_t ch, uint8_t* buf, uint32_t len, 
         return off;
     uint8_t* p = buf + off;
     switch (size) {
-    case 1:
-        p[0] = static_cast<uint8_t>(ch);
-        break;
+    case 1: p[0] = static_cast<uint8_t>(ch); break;
     case 2:
         p[0] = static_cast<uint8_t>(0xC0 | (ch >> 6));
         p[1] = static_cast<uint8_t>(0x80 | (ch & 0x3F));
@@ -118,15 +118,13 @@ uint32_t CUTF8CharEncoding::getTerminatedLength(const uint8_t* buf) const
     return n;
 }
 
-uint32_t CUTF8CharEncoding::decodeCharStrict(uint32_t& out, const uint8_t* buf, uint32_t len,
-                                             uint32_t off) const
+uint32_t CUTF8CharEncoding::decodeCharStrict(uint32_t& out, const uint8_t* buf, uint32_t len, uint32_t off) const
 {
     return decodeStrict(out, buf, len, off);
 }
 
-uint32_t CUTF8CharEncoding::decodeChars(uint32_t* out, uint32_t max, uint32_t& count,
-                                         const uint8_t* buf, uint32_t len, uint32_t off,
-                                         uint32_t* offsets) const
+uint32_t CUTF8CharEncoding::decodeChars(uint32_t* out, uint32_t max, uint32_t& count, const uint8_t* buf, uint32_t len,
+                                        uint32_t off, uint32_t* offsets) const
 {
     return decodeCharsWith(decodeStrict, 1, out, max, count, buf, len, off, offsets);
 }

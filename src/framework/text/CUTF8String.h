@@ -1,7 +1,7 @@
 #pragma once
 
-#include "framework/text/CUTF8CharEncoding.h"
 #include "framework/text/CString.h"
+#include "framework/text/CUTF8CharEncoding.h"
 
 namespace kore {
 

@@ -33,30 +33,25 @@ public:
     // First offset at or after `off` where a valid character begins, or kFail.
     virtual uint32_t findCharStart(const uint8_t* buf, uint32_t len, uint32_t off) const = 0;
     // Decodes the character at `off` into `out`; returns the offset after it, or kFail.
-    virtual uint32_t decodeCharStrict(uint32_t& out, const uint8_t* buf, uint32_t len,
-                                      uint32_t off) const = 0;
+    virtual uint32_t decodeCharStrict(uint32_t& out, const uint8_t* buf, uint32_t len, uint32_t off) const = 0;
     // Decodes the first valid character at or after `off`, skipping invalid bytes.
-    virtual uint32_t decodeChar(uint32_t& out, const uint8_t* buf, uint32_t len,
-                                uint32_t off) const = 0;
+    virtual uint32_t decodeChar(uint32_t& out, const uint8_t* buf, uint32_t len, uint32_t off) const = 0;
     virtual bool supportsReverse() const = 0;
     // Start of the last valid character that begins before `off`, or kFail.
     virtual uint32_t findPrevCharStart(const uint8_t* buf, uint32_t len, uint32_t off) const = 0;
     // Decodes the character ending exactly at `off`; returns its start, or kFail.
-    virtual uint32_t decodePrevCharStrict(uint32_t& out, const uint8_t* buf, uint32_t len,
-                                          uint32_t off) const = 0;
+    virtual uint32_t decodePrevCharStrict(uint32_t& out, const uint8_t* buf, uint32_t len, uint32_t off) const = 0;
     // Decodes the nearest valid character starting before `off`, skipping invalid bytes.
-    virtual uint32_t decodePrevChar(uint32_t& out, const uint8_t* buf, uint32_t len,
-                                    uint32_t off) const = 0;
+    virtual uint32_t decodePrevChar(uint32_t& out, const uint8_t* buf, uint32_t len, uint32_t off) const = 0;
     // Decodes up to `max` characters forwards with decodeChar. `count` receives the number decoded;
     // `offsets[i]`, when given, the offset at which character i was looked for. Returns the offset
     // after the last character decoded, or `off` when none was.
-    virtual uint32_t decodeChars(uint32_t* out, uint32_t max, uint32_t& count, const uint8_t* buf,
-                                 uint32_t len, uint32_t off, uint32_t* offsets) const = 0;
+    virtual uint32_t decodeChars(uint32_t* out, uint32_t max, uint32_t& count, const uint8_t* buf, uint32_t len,
+                                 uint32_t off, uint32_t* offsets) const = 0;
     // The same backwards with decodePrevChar; `offsets[i]` receives the start of character i.
     // Returns the start of the last character decoded, or `off` when none was.
-    virtual uint32_t decodePrevChars(uint32_t* out, uint32_t max, uint32_t& count,
-                                     const uint8_t* buf, uint32_t len, uint32_t off,
-                                     uint32_t* offsets) const = 0;
+    virtual uint32_t decodePrevChars(uint32_t* out, uint32_t max, uint32_t& count, const uint8_t* buf, uint32_t len,
+                                     uint32_t off, uint32_t* offsets) const = 0;
 };
 
 } // namespace kore

@@ -4,9 +4,9 @@
 // different encodings compare, search and convert by code point; bytes that the encoding
 // rejects are skipped silently.
 
-#include "framework/text/CStringArg.h"
 #include "framework/objects/IComparable.h"
 #include "framework/objects/P.h"
+#include "framework/text/CStringArg.h"
 
 #include <cstdint>
 #include <string>
@@ -33,8 +33,7 @@ public:
     // --- The operations, each written once
     // Negative, 0 or positive. `limit` caps the number of characters compared; with `prefix`,
     // this string equals `other` when `other` runs out first.
-    virtual int32_t compareString(const IString& other, bool ignoreCase, uint32_t limit,
-                                  bool prefix) const = 0;
+    virtual int32_t compareString(const IString& other, bool ignoreCase, uint32_t limit, bool prefix) const = 0;
     // Character index of the first match at or after `from`, or kNotFound.
     virtual uint32_t findString(const IString& what, uint32_t from, bool ignoreCase) const = 0;
     // Character index of the last match that starts at or before `from` (kUnknown: anywhere),
@@ -62,8 +61,7 @@ public:
     {
         return compareString(other.get(), false, limit, prefix);
     }
-    int32_t compareIgnoreCase(const CStringArg& other, uint32_t limit = kUnknown,
-                              bool prefix = false) const
+    int32_t compareIgnoreCase(const CStringArg& other, uint32_t limit = kUnknown, bool prefix = false) const
     {
         return compareString(other.get(), true, limit, prefix);
     }
@@ -76,10 +74,7 @@ public:
         return compareString(other.get(), true, kUnknown, false) == 0;
     }
 
-    uint32_t find(const CStringArg& what, uint32_t from = 0) const
-    {
-        return findString(what.get(), from, false);
-    }
+    uint32_t find(const CStringArg& what, uint32_t from = 0) const { return findString(what.get(), from, false); }
     uint32_t findIgnoreCase(const CStringArg& what, uint32_t from = 0) const
     {
         return findString(what.get(), from, true);
@@ -95,15 +90,9 @@ public:
     uint32_t count(const CStringArg& what) const { return countString(what.get(), false); }
     uint32_t countIgnoreCase(const CStringArg& what) const { return countString(what.get(), true); }
     bool startsWith(const CStringArg& what) const { return startsWithString(what.get(), false); }
-    bool startsWithIgnoreCase(const CStringArg& what) const
-    {
-        return startsWithString(what.get(), true);
-    }
+    bool startsWithIgnoreCase(const CStringArg& what) const { return startsWithString(what.get(), true); }
     bool endsWith(const CStringArg& what) const { return endsWithString(what.get(), false); }
-    bool endsWithIgnoreCase(const CStringArg& what) const
-    {
-        return endsWithString(what.get(), true);
-    }
+    bool endsWithIgnoreCase(const CStringArg& what) const { return endsWithString(what.get(), true); }
     P<IString> replaceAll(const CStringArg& what, const CStringArg& with) const
     {
         return replaceAllString(what.get(), with.get());
@@ -116,18 +105,9 @@ public:
     uint32_t find(char32_t c, uint32_t from = 0) const { return find(CStringArg(c), from); }
     uint32_t find(wchar_t c, uint32_t from = 0) const { return find(CStringArg(c), from); }
     uint32_t findLast(char c, uint32_t from = kUnknown) const { return findLast(CStringArg(c), from); }
-    uint32_t findLast(char16_t c, uint32_t from = kUnknown) const
-    {
-        return findLast(CStringArg(c), from);
-    }
-    uint32_t findLast(char32_t c, uint32_t from = kUnknown) const
-    {
-        return findLast(CStringArg(c), from);
-    }
-    uint32_t findLast(wchar_t c, uint32_t from = kUnknown) const
-    {
-        return findLast(CStringArg(c), from);
-    }
+    uint32_t findLast(char16_t c, uint32_t from = kUnknown) const { return findLast(CStringArg(c), from); }
+    uint32_t findLast(char32_t c, uint32_t from = kUnknown) const { return findLast(CStringArg(c), from); }
+    uint32_t findLast(wchar_t c, uint32_t from = kUnknown) const { return findLast(CStringArg(c), from); }
     uint32_t count(char c) const { return count(CStringArg(c)); }
     uint32_t count(char16_t c) const { return count(CStringArg(c)); }
     uint32_t count(char32_t c) const { return count(CStringArg(c)); }

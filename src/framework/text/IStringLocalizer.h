@@ -3,10 +3,10 @@
 // language. Framework code asks it for a key together with an English default at each place of
 // use, and gets the translation when one is loaded, else the default.
 
-#include "framework/text/CStringArg.h"
-#include "framework/text/CTextTable.h"
 #include "framework/objects/IBase.h"
 #include "framework/objects/P.h"
+#include "framework/text/CStringArg.h"
+#include "framework/text/CTextTable.h"
 
 #include <cstddef>
 #include <vector>

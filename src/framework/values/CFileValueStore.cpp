@@ -2,13 +2,13 @@
 
 #include "framework/errors/CException.h"
 #include "framework/errors/CFileError.h"
-#include "framework/text/CString.h"
-#include "framework/text/CStringFormat.h"
-#include "framework/objects/Cast.h"
 #include "framework/io/FileSystemSupport.h"
 #include "framework/io/IInStream.h"
 #include "framework/io/IOutStream.h"
 #include "framework/io/IStreamManager.h"
+#include "framework/objects/Cast.h"
+#include "framework/text/CString.h"
+#include "framework/text/CStringFormat.h"
 
 #include <algorithm>
 #include <atomic>
@@ -31,8 +31,7 @@ uint64_t nextTemporaryNumber()
 
 } // namespace
 
-CFileValueStore::CFileValueStore(const IURI& uri)
-    : m_uri(const_cast<IURI*>(&uri)), m_values(make<CValueList>())
+CFileValueStore::CFileValueStore(const IURI& uri) : m_uri(const_cast<IURI*>(&uri)), m_values(make<CValueList>())
 {
 }
 
@@ -50,10 +49,10 @@ void CFileValueStore::load()
     try {
         decode(bytes, *fresh);
     } catch (const CException& e) {
-        throw CFileError(m_uri.get(), *localizedWith("kore.CFileValueStore.LoadFailed",
-                                                     "The values in '%FILE%' could not be read: %DESC%",
-                                                     "%FILE%", m_uri->toString())
-                                          ->replaceAll("%DESC%", e.getDescription()));
+        throw CFileError(m_uri.get(),
+                         *localizedWith("kore.CFileValueStore.LoadFailed",
+                                        "The values in '%FILE%' could not be read: %DESC%", "%FILE%", m_uri->toString())
+                              ->replaceAll("%DESC%", e.getDescription()));
     }
     m_values->swap(*fresh);
 }

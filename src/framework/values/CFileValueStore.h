@@ -1,8 +1,8 @@
 #pragma once
 
+#include "framework/io/IURI.h"
 #include "framework/objects/CObject.h"
 #include "framework/values/CValueList.h"
-#include "framework/io/IURI.h"
 #include "framework/values/IValueStore.h"
 
 #include <string>

@@ -1,15 +1,15 @@
 #include "framework/values/CJsonParser.h"
 
+#include "framework/errors/CJsonParserError.h"
+#include "framework/text/CString.h"
+#include "framework/text/CStringFormat.h"
+#include "framework/text/UTF8Decoding.h"
 #include "framework/values/CBool.h"
 #include "framework/values/CDouble.h"
 #include "framework/values/CInt64.h"
-#include "framework/errors/CJsonParserError.h"
 #include "framework/values/CNull.h"
-#include "framework/text/CString.h"
-#include "framework/text/CStringFormat.h"
 #include "framework/values/CVariantArray.h"
 #include "framework/values/CVariantMap.h"
-#include "framework/text/UTF8Decoding.h"
 
 #include <charconv>
 #include <system_error>
@@ -47,9 +47,8 @@ bool underflows(std::string_view text)
     const size_t intEnd = point == std::string_view::npos ? mantissa.size() : point;
     const size_t firstDigit = mantissa.find_first_of("123456789");
     // The power of ten of the first significant digit, before the exponent.
-    int64_t magnitude = firstDigit < intEnd
-                            ? static_cast<int64_t>(intEnd - firstDigit)
-                            : -static_cast<int64_t>(firstDigit - intEnd);
+    int64_t magnitude =
+        firstDigit < intEnd ? static_cast<int64_t>(intEnd - firstDigit) : -static_cast<int64_t>(firstDigit - intEnd);
     if (e != std::string_view::npos) {
         std::string_view exponent = text.substr(e + 1);
         const bool negative = !exponent.empty() && exponent[0] == '-';
@@ -70,15 +69,13 @@ P<IBase> CJsonParser::parseUTF8(std::string_view bytes)
     // A framework string holds at most 0xFFFFFFFE bytes: 0x7FFFFFFF UTF-16 units.
     if (bytes.size() > 0x7FFFFFFF) {
         m_position = 0;
-        throw CJsonParserError(
-            formatString("the text is too large (%u bytes)", static_cast<uint64_t>(bytes.size())));
+        throw CJsonParserError(formatString("the text is too large (%u bytes)", static_cast<uint64_t>(bytes.size())));
     }
     std::u16string text;
     size_t bad = 0;
     if (!decodeUTF8(bytes, text, &bad)) {
         m_position = 0;
-        throw CJsonParserError(
-            formatString("invalid UTF-8 at byte %u", static_cast<uint64_t>(bad)));
+        throw CJsonParserError(formatString("invalid UTF-8 at byte %u", static_cast<uint64_t>(bad)));
     }
     const uint32_t byteLength = CString::unitsToBytes(static_cast<uint32_t>(text.size()), 2);
     return parse(CUTF16String(text.data(), byteLength, IString::kUnknown, CString::kBorrow));
@@ -137,8 +134,8 @@ void CJsonParser::fail(const char* message) const
 void CJsonParser::failHere(const char* what) const
 {
     if (peek() == kEnd)
-        throw CJsonParserError(formatString("%s: the text ends at character %u", what,
-                                            static_cast<uint64_t>(m_position)));
+        throw CJsonParserError(
+            formatString("%s: the text ends at character %u", what, static_cast<uint64_t>(m_position)));
     throw CJsonParserError(formatString("%s at character %u", what, static_cast<uint64_t>(m_position)));
 }
 
@@ -159,8 +156,7 @@ P<IBase> CJsonParser::parseValue(uint32_t depth)
 }
 
 template <class ParseItem>
-void CJsonParser::parseItems(uint32_t depth, uint32_t close, const char* expectation,
-                             const ParseItem& parseItem)
+void CJsonParser::parseItems(uint32_t depth, uint32_t close, const char* expectation, const ParseItem& parseItem)
 {
     if (depth > kMaxDepth)
         failHere("objects and arrays nested too deeply");
@@ -200,8 +196,7 @@ P<IBase> CJsonParser::parseObject(uint32_t depth)
 P<IBase> CJsonParser::parseArray(uint32_t depth)
 {
     auto array = make<CVariantArray>();
-    parseItems(depth, ']', "expected ',' or ']' in an array",
-               [&] { array->add(parseValue(depth + 1)); });
+    parseItems(depth, ']', "expected ',' or ']' in an array", [&] { array->add(parseValue(depth + 1)); });
     return array;
 }
 

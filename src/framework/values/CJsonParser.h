@@ -17,11 +17,11 @@
 //
 // A parser belongs to one thread at a time.
 
-#include "framework/text/CCharCursor.h"
 #include "framework/objects/CObject.h"
+#include "framework/objects/P.h"
+#include "framework/text/CCharCursor.h"
 #include "framework/text/CStringArg.h"
 #include "framework/text/IString.h"
-#include "framework/objects/P.h"
 
 #include <cstdint>
 #include <optional>
@@ -56,8 +56,7 @@ private:
     P<IBase> parseValue(uint32_t depth);
     // The items between "{" or "[" and `close`, separated by ",", each read by parseItem.
     template <class ParseItem>
-    void parseItems(uint32_t depth, uint32_t close, const char* expectation,
-                    const ParseItem& parseItem);
+    void parseItems(uint32_t depth, uint32_t close, const char* expectation, const ParseItem& parseItem);
     P<IBase> parseObject(uint32_t depth);
     P<IBase> parseArray(uint32_t depth);
     P<IString> parseString();

@@ -1,18 +1,18 @@
 #include "framework/values/CJsonPrinter.h"
 
-#include "framework/values/CBool.h"
+#include "framework/errors/CInvalidArgError.h"
+#include "framework/objects/Cast.h"
 #include "framework/text/CCharCursor.h"
+#include "framework/text/CString.h"
+#include "framework/text/UTF8Decoding.h"
+#include "framework/values/CBool.h"
 #include "framework/values/CDouble.h"
 #include "framework/values/CInt.h"
 #include "framework/values/CInt64.h"
-#include "framework/errors/CInvalidArgError.h"
 #include "framework/values/CJsonParser.h"
 #include "framework/values/CNull.h"
-#include "framework/text/CString.h"
 #include "framework/values/CVariantArray.h"
 #include "framework/values/CVariantMap.h"
-#include "framework/objects/Cast.h"
-#include "framework/text/UTF8Decoding.h"
 
 #include <cmath>
 
@@ -90,8 +90,7 @@ void CJsonPrinter::printContainer(char16_t open, char16_t close, const Container
     // Trees are built in code too, and a deeper one (or one that holds itself) would recurse
     // until the stack ends: print no deeper than the parser reads.
     if (m_indent.size() >= CJsonParser::kMaxDepth)
-        throw CInvalidArgError(&container, "CJsonPrinter::print",
-                               "value (nested deeper than the JSON depth limit)");
+        throw CInvalidArgError(&container, "CJsonPrinter::print", "value (nested deeper than the JSON depth limit)");
     out.push_back(open);
     if (m_pretty)
         out.push_back(u'\n');
@@ -110,24 +109,30 @@ void CJsonPrinter::printValue(const IBase* value, std::u16string& out)
     if (!value) {
         out += u"null";
     } else if (const auto* map = tryCast<CVariantMap>(value)) {
-        printContainer(u'{', u'}', *map, [&](const CVariantMap& m) {
-            bool first = true;
-            m.forEach([&](const IString& key, const IBase& member) {
-                beginItem(first, out);
-                first = false;
-                out.push_back(u'"');
-                appendEscaped(key, out, m_lossless);
-                out += m_pretty ? u"\": " : u"\":";
-                printValue(&member, out);
-            });
-        }, out);
+        printContainer(
+            u'{', u'}', *map,
+            [&](const CVariantMap& m) {
+                bool first = true;
+                m.forEach([&](const IString& key, const IBase& member) {
+                    beginItem(first, out);
+                    first = false;
+                    out.push_back(u'"');
+                    appendEscaped(key, out, m_lossless);
+                    out += m_pretty ? u"\": " : u"\":";
+                    printValue(&member, out);
+                });
+            },
+            out);
     } else if (const auto* array = tryCast<CVariantArray>(value)) {
-        printContainer(u'[', u']', *array, [&](const CVariantArray& a) {
-            for (uint32_t i = 0; i < a.getCount(); ++i) {
-                beginItem(i == 0, out);
-                printValue(a.get(i).get(), out);
-            }
-        }, out);
+        printContainer(
+            u'[', u']', *array,
+            [&](const CVariantArray& a) {
+                for (uint32_t i = 0; i < a.getCount(); ++i) {
+                    beginItem(i == 0, out);
+                    printValue(a.get(i).get(), out);
+                }
+            },
+            out);
     } else {
         printScalar(*value, out);
     }

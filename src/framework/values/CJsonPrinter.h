@@ -13,8 +13,8 @@
 // A printer belongs to one thread at a time.
 
 #include "framework/objects/CObject.h"
-#include "framework/text/IString.h"
 #include "framework/objects/P.h"
+#include "framework/text/IString.h"
 
 #include <string>
 
@@ -26,10 +26,7 @@ public:
     // characters as "\u" escapes, floating-point numbers as CDouble::toExactString gives them
     // instead of with "%g", and it refuses infinities and NaN, which JSON cannot hold
     // (CInvalidArgError).
-    explicit CJsonPrinter(bool pretty = false, bool lossless = false)
-        : m_pretty(pretty), m_lossless(lossless)
-    {
-    }
+    explicit CJsonPrinter(bool pretty = false, bool lossless = false) : m_pretty(pretty), m_lossless(lossless) {}
 
     bool isPretty() const noexcept { return m_pretty; }
 
@@ -50,8 +47,8 @@ private:
     // stays small: deep trees must not exhaust a thread's stack.
     [[gnu::noinline]] void printScalar(const IBase& scalar, std::u16string& out);
     template <class Container, class PrintItems>
-    void printContainer(char16_t open, char16_t close, const Container& container,
-                        const PrintItems& printItems, std::u16string& out);
+    void printContainer(char16_t open, char16_t close, const Container& container, const PrintItems& printItems,
+                        std::u16string& out);
     // "," and, when pretty, a line feed, before every item but the first; then the indent.
     void beginItem(bool first, std::u16string& out) const;
 

@@ -1,12 +1,12 @@
 #include "framework/values/CJsonValueStore.h"
 
-#include "framework/values/CJsonParser.h"
 #include "framework/errors/CJsonParserError.h"
-#include "framework/values/CJsonPrinter.h"
+#include "framework/objects/Cast.h"
 #include "framework/text/CString.h"
+#include "framework/values/CJsonParser.h"
+#include "framework/values/CJsonPrinter.h"
 #include "framework/values/CVariantArray.h"
 #include "framework/values/CVariantMap.h"
-#include "framework/objects/Cast.h"
 
 namespace kore {
 

@@ -1,10 +1,10 @@
 #include "framework/values/CNumberParser.h"
 
-#include "framework/text/CCharCursor.h"
 #include "framework/errors/CInvalidArgError.h"
 #include "framework/errors/CParseError.h"
-#include "framework/text/IString.h"
 #include "framework/errors/LocalizedText.h"
+#include "framework/text/CCharCursor.h"
+#include "framework/text/IString.h"
 
 #include <charconv>
 #include <string>
@@ -35,8 +35,7 @@ uint32_t digitValue(uint32_t cp)
 }
 
 // Reads sign and digits; the whole text must be used.
-uint64_t parseMagnitude(const IString& text, uint32_t base, bool allowMinus, bool& negative,
-                        const char* method)
+uint64_t parseMagnitude(const IString& text, uint32_t base, bool allowMinus, bool& negative, const char* method)
 {
     if (base < 2 || base > 36)
         throw CInvalidArgError(nullptr, method, "base (must be 2 to 36)", "class kore::CNumberParser");

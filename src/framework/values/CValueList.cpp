@@ -1,19 +1,19 @@
 #include "framework/values/CValueList.h"
 
+#include "framework/errors/CInvalidArgError.h"
+#include "framework/objects/Cast.h"
+#include "framework/text/CString.h"
 #include "framework/values/CBool.h"
 #include "framework/values/CDouble.h"
 #include "framework/values/CInt.h"
 #include "framework/values/CInt64.h"
-#include "framework/errors/CInvalidArgError.h"
-#include "framework/text/CString.h"
-#include "framework/objects/Cast.h"
 
 namespace kore {
 
 P<IString> CValueList::copyText(const IString& text)
 {
-    return make<CString>(text.getBuffer(), text.getByteLength(), text.getLength(), false,
-                         *text.getEncoding(), CString::kCopy);
+    return make<CString>(text.getBuffer(), text.getByteLength(), text.getLength(), false, *text.getEncoding(),
+                         CString::kCopy);
 }
 
 void CValueList::set(const IString& key, uint32_t hash, P<IBase> value)

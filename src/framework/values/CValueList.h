@@ -7,11 +7,11 @@
 //
 // Not locked: the owner serialises access.
 
+#include "framework/containers/TSimpleHashTable.h"
 #include "framework/objects/CObject.h"
+#include "framework/objects/P.h"
 #include "framework/text/CStringArg.h"
 #include "framework/text/IString.h"
-#include "framework/objects/P.h"
-#include "framework/containers/TSimpleHashTable.h"
 
 #include <cstdint>
 #include <optional>

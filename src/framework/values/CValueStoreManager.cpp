@@ -1,11 +1,11 @@
 #include "framework/values/CValueStoreManager.h"
 
-#include "framework/objects/CGlobalObjFactory.h"
-#include "framework/values/CJsonValueStoreFactory.h"
-#include "framework/text/CString.h"
 #include "framework/errors/CURITypeNotSupportedError.h"
-#include "framework/sync/IMutexFactory.h"
 #include "framework/io/IURI.h"
+#include "framework/objects/CGlobalObjFactory.h"
+#include "framework/sync/IMutexFactory.h"
+#include "framework/text/CString.h"
+#include "framework/values/CJsonValueStoreFactory.h"
 #include "framework/values/IValueStore.h"
 #include "framework/xml/CXmlValueStoreFactory.h"
 
@@ -56,8 +56,7 @@ P<IValueStore> CValueStoreManager::createStore(const IURI& uri)
 {
     const P<IString> name = uri.getName();
     const uint32_t dot = name->findLast('.');
-    const P<IValueStoreFactory> factory =
-        dot == IString::kNotFound ? nullptr : getFactory(name->slice(dot));
+    const P<IValueStoreFactory> factory = dot == IString::kNotFound ? nullptr : getFactory(name->slice(dot));
     if (!factory)
         throw CURITypeNotSupportedError(&uri);
     return factory->createStore(uri);

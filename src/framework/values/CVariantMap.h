@@ -1,9 +1,9 @@
 #pragma once
 
 #include "framework/objects/CObject.h"
+#include "framework/objects/P.h"
 #include "framework/text/CStringArg.h"
 #include "framework/text/IString.h"
-#include "framework/objects/P.h"
 
 #include <cstdint>
 #include <map>

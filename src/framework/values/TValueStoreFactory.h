@@ -1,8 +1,8 @@
 #pragma once
 
+#include "framework/io/IURI.h"
 #include "framework/objects/CObject.h"
 #include "framework/text/CString.h"
-#include "framework/io/IURI.h"
 #include "framework/values/IValueStoreFactory.h"
 
 namespace kore {

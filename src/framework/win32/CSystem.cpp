@@ -1,9 +1,9 @@
 #include "framework/win32/CSystem.h"
 
-#include "framework/objects/CGlobalObjFactory.h"
 #include "framework/errors/CURITypeNotSupportedError.h"
-#include "framework/text/IString.h"
 #include "framework/io/IURI.h"
+#include "framework/objects/CGlobalObjFactory.h"
+#include "framework/text/IString.h"
 #include "framework/win32/Win32Path.h"
 
 #include <windows.h>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "framework/objects/CObject.h"
 #include "framework/io/ISystem.h"
+#include "framework/objects/CObject.h"
 
 namespace kore::win32 {
 

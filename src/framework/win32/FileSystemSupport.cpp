@@ -50,9 +50,9 @@ NativeError errorFrom(DWORD code)
     NativeError error;
     error.code = code;
     wchar_t* text = nullptr;
-    const DWORD length = FormatMessageW(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM |
-                                            FORMAT_MESSAGE_IGNORE_INSERTS,
-                                        nullptr, code, 0, reinterpret_cast<wchar_t*>(&text), 0, nullptr);
+    const DWORD length =
+        FormatMessageW(FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS,
+                       nullptr, code, 0, reinterpret_cast<wchar_t*>(&text), 0, nullptr);
     if (length > 0 && text) {
         DWORD end = length;
         while (end > 0 && (text[end - 1] == L'\r' || text[end - 1] == L'\n' || text[end - 1] == L' '))
@@ -69,18 +69,12 @@ NativeError errorFrom(DWORD code)
     case ERROR_BAD_NETPATH:
     case ERROR_BAD_NET_NAME:
     case ERROR_INVALID_DRIVE:
-    case ERROR_DIRECTORY:
-        error.kind = NativeErrorKind::kNotFound;
-        break;
+    case ERROR_DIRECTORY: error.kind = NativeErrorKind::kNotFound; break;
     case ERROR_ACCESS_DENIED:
     case ERROR_SHARING_VIOLATION:
     case ERROR_LOCK_VIOLATION:
-    case ERROR_WRITE_PROTECT:
-        error.kind = NativeErrorKind::kAccessDenied;
-        break;
-    default:
-        error.kind = NativeErrorKind::kOther;
-        break;
+    case ERROR_WRITE_PROTECT: error.kind = NativeErrorKind::kAccessDenied; break;
+    default: error.kind = NativeErrorKind::kOther; break;
     }
     return error;
 }
@@ -192,8 +186,8 @@ std::unique_ptr<INativeFile> openSystemFile(const IString& path, uint32_t mode, 
         disposition = OPEN_ALWAYS;
     }
     const std::wstring native = win32::toWin32Path(path);
-    const HANDLE handle = CreateFileW(native.c_str(), access, share, nullptr, disposition,
-                                      FILE_ATTRIBUTE_NORMAL, nullptr);
+    const HANDLE handle =
+        CreateFileW(native.c_str(), access, share, nullptr, disposition, FILE_ATTRIBUTE_NORMAL, nullptr);
     if (handle == INVALID_HANDLE_VALUE) {
         const DWORD code = GetLastError();
         // A folder is refused as access denied; make sure it is so whatever the system said.
@@ -248,8 +242,8 @@ bool listNativeFolder(const IString& path, std::vector<NativeFolderEntry>& entri
         const std::wstring name = data.cFileName;
         if (name == L"." || name == L"..")
             continue;
-        entries.push_back({win32::utf8FromWide(name.data(), name.size()),
-                           (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0});
+        entries.push_back(
+            {win32::utf8FromWide(name.data(), name.size()), (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0});
     } while (FindNextFileW(find, &data));
     const DWORD code = GetLastError();
     if (code != ERROR_NO_MORE_FILES) {

@@ -1,22 +1,22 @@
 #include "framework/xml/CXmlValueStore.h"
 
-#include "framework/values/CBool.h"
+#include "framework/errors/CInvalidArgError.h"
+#include "framework/errors/CParseError.h"
+#include "framework/objects/Cast.h"
 #include "framework/text/CCharCursor.h"
+#include "framework/text/CString.h"
+#include "framework/text/CStringFormat.h"
+#include "framework/text/UTF8Decoding.h"
+#include "framework/values/CBool.h"
 #include "framework/values/CDouble.h"
 #include "framework/values/CInt.h"
 #include "framework/values/CInt64.h"
-#include "framework/errors/CInvalidArgError.h"
 #include "framework/values/CJsonParser.h"
 #include "framework/values/CJsonPrinter.h"
 #include "framework/values/CNull.h"
 #include "framework/values/CNumberParser.h"
-#include "framework/errors/CParseError.h"
-#include "framework/text/CString.h"
-#include "framework/text/CStringFormat.h"
 #include "framework/values/CVariantArray.h"
 #include "framework/values/CVariantMap.h"
-#include "framework/objects/Cast.h"
-#include "framework/text/UTF8Decoding.h"
 
 #include <tinyxml2.h>
 
@@ -123,8 +123,7 @@ P<IBase> readValue(const XMLElement& element);
 template <class Container>
 P<Container> readMembers(const XMLElement& parent, P<Container> container)
 {
-    for (const XMLElement* child = parent.FirstChildElement(kValue); child;
-         child = child->NextSiblingElement(kValue)) {
+    for (const XMLElement* child = parent.FirstChildElement(kValue); child; child = child->NextSiblingElement(kValue)) {
         const char* name = child->Attribute("name");
         if (!name)
             throw CParseError(formatString("a value without a name (line %d)", child->GetLineNum()));
@@ -177,8 +176,7 @@ P<IBase> readValue(const XMLElement& element)
             array->add(readValue(*child));
         return array;
     }
-    throw CParseError(formatString("unknown value type '%s' (line %d)", textFromUTF8(type),
-                                   element.GetLineNum()));
+    throw CParseError(formatString("unknown value type '%s' (line %d)", textFromUTF8(type), element.GetLineNum()));
 }
 
 } // namespace

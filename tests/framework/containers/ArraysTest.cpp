@@ -1,9 +1,9 @@
 #include "FrameworkTest.h"
 
-#include "framework/objects/PFrail.h"
 #include "framework/containers/TCleaningSimpleArray.h"
 #include "framework/containers/TFrailArray.h"
 #include "framework/containers/TSimpleArray.h"
+#include "framework/objects/PFrail.h"
 
 #include <algorithm>
 #include <functional>

@@ -1,7 +1,7 @@
 #include "FrameworkTest.h"
 
-#include "framework/values/CValueList.h"
 #include "framework/containers/TSimpleHashTable.h"
+#include "framework/values/CValueList.h"
 
 #include <limits>
 #include <utility>
@@ -129,15 +129,16 @@ TEST(SimpleHashTable, StringKeysCompareExactlyByCodePointAcrossEncodings)
     t->set(CString::fromUTF8("Grüß"), 3);
     EXPECT_EQ(t->getCount(), 3u);
     EXPECT_EQ(*t->find(*make<CUTF16String>(u"Grüße")), 1);
-    EXPECT_EQ(*t->find(*make<CLatin1String>("Gr\xfc\xdf" "e")), 1);
+    EXPECT_EQ(*t->find(*make<CLatin1String>("Gr\xfc\xdf"
+                                            "e")),
+              1);
     EXPECT_EQ(*t->find(*make<CUTF32String>(U"grüße")), 2);
     EXPECT_EQ(t->find(*CString::fromUTF8("GRÜSSE")), nullptr);
     EXPECT_FALSE(t->set(make<CUTF16String>(u"Grüß"), 30));
     EXPECT_EQ(*t->find(*CString::fromUTF8("Grüß")), 30);
     EXPECT_THROW(t->set(nullptr, 0), CInvalidArgError);
     EXPECT_THROW((TSimpleHashTable<int, int>(0.0, 2.0)), CInvalidArgError);
-    EXPECT_THROW((TSimpleHashTable<int, int>(0.75, std::numeric_limits<double>::quiet_NaN())),
-                 CInvalidArgError);
+    EXPECT_THROW((TSimpleHashTable<int, int>(0.75, std::numeric_limits<double>::quiet_NaN())), CInvalidArgError);
 }
 
 TEST(ValueList, TellsAbsentFromPresentAndStringsFromOtherValues)

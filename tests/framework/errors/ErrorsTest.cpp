@@ -14,9 +14,9 @@
 #include "framework/errors/CParseError.h"
 #include "framework/errors/CReadOnlyError.h"
 #include "framework/errors/CStreamClosedError.h"
-#include "framework/io/CURI.h"
 #include "framework/errors/CURIFormatError.h"
 #include "framework/errors/CURITypeNotSupportedError.h"
+#include "framework/io/CURI.h"
 #include "framework/objects/IComparable.h"
 
 #include <functional>
@@ -42,20 +42,20 @@ TEST(Errors, TextsOfEveryClassAndClonesThatMatchThem)
         {"error, empty texts", [] { return make<CError>("", ""); }, "Error", "Unspecified error"},
         {"out of memory", [] { return make<COutOfmemoryException>(); }, "OutOfMemory", "Unspecified error"},
         {"object error, given description",
-         [&] { return make<CObjectError>(object.get(), "<%OBJECTDESC%|%OBJECTDESC%>", "given"); },
-         "Object error", "<given|given>"},
+         [&] { return make<CObjectError>(object.get(), "<%OBJECTDESC%|%OBJECTDESC%>", "given"); }, "Object error",
+         "<given|given>"},
         {"object error, the object's own", [&] { return make<CObjectError>(object.get(), "<%OBJECTDESC%>"); },
          "Object error", "<class kore::CObject object>"},
-        {"object error, no object", [] { return make<CObjectError>(nullptr, "<%OBJECTDESC%>"); },
-         "Object error", "<unknown object>"},
+        {"object error, no object", [] { return make<CObjectError>(nullptr, "<%OBJECTDESC%>"); }, "Object error",
+         "<unknown object>"},
         {"cast", [&] { return make<CCastError>(object.get(), typeid(IComparable)); }, "Cast error",
          "Error casting a 'class kore::CObject' object to 'class kore::IComparable'."},
         {"invalid argument", [&] { return make<CInvalidArgError>(object.get(), "m", "a"); }, "Object error",
          "An invalid argument was passed to method 'm' of 'class kore::CObject object': a"},
-        {"not implemented, unnamed", [&] { return make<CMethodNotImplementedError>(object.get(), ""); },
-         "Object error", "Method not implemented (unspecified method.)"},
-        {"invalid state", [&] { return make<CInvalidObjectStateError>(object.get(), "closed"); },
-         "Object error", "The object is in an invalid state (closed)."},
+        {"not implemented, unnamed", [&] { return make<CMethodNotImplementedError>(object.get(), ""); }, "Object error",
+         "Method not implemented (unspecified method.)"},
+        {"invalid state", [&] { return make<CInvalidObjectStateError>(object.get(), "closed"); }, "Object error",
+         "The object is in an invalid state (closed)."},
         {"end of enumeration", [&] { return make<CEndOfEnumError>(object.get()); }, "Object error",
          "end of enumeration already reached"},
         {"no such object", [] { return make<CNoSuchObjectError>("name"); }, "Error", "No such object."},
@@ -68,8 +68,8 @@ TEST(Errors, TextsOfEveryClassAndClonesThatMatchThem)
         {"uri", [&] { return make<CURIError>(uri.get(), "G", "D"); }, "G", "D"},
         {"uri format", [&] { return make<CURIFormatError>(uri.get()); }, "The URI has an invalid format.",
          "The URI ('" + u + "') has an invalid format."},
-        {"uri type", [&] { return make<CURITypeNotSupportedError>(uri.get()); },
-         "This type URI is not supported.", "This type of URI ('" + u + "') is not supported."},
+        {"uri type", [&] { return make<CURITypeNotSupportedError>(uri.get()); }, "This type URI is not supported.",
+         "This type of URI ('" + u + "') is not supported."},
         {"file", [&] { return make<CFileError>(uri.get(), "D"); }, "FileError", "D"},
         {"file not found", [&] { return make<CFileNotFoundError>(uri.get()); }, "The file was not found.",
          "The file '" + u + "' was not found."},
@@ -80,8 +80,7 @@ TEST(Errors, TextsOfEveryClassAndClonesThatMatchThem)
          "Unexpected end of data stream (uri: '" + u + "')"},
         {"end of stream, no uri", [] { return make<CEndOfStreamError>(nullptr, "G"); }, "G",
          "Unexpected end of data stream."},
-        {"stream closed", [&] { return make<CStreamClosedError>(uri.get(), "G"); }, "G",
-         "The stream has been closed."},
+        {"stream closed", [&] { return make<CStreamClosedError>(uri.get(), "G"); }, "G", "The stream has been closed."},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
@@ -111,7 +110,8 @@ TEST(Errors, TextsOfEveryClassAndClonesThatMatchThem)
 TEST(Errors, WhatOfANonAsciiDescriptionIsInTheCodePage)
 {
     const CError error("G", u"Gr\u00f6\u00dfe 5");
-    EXPECT_EQ(std::string(error.what()), "Gr\xf6\xdf" "e 5");
+    EXPECT_EQ(std::string(error.what()), "Gr\xf6\xdf"
+                                         "e 5");
     EXPECT_EQ(error.what(), error.what()) << "converted once and kept";
 }
 

@@ -4,10 +4,10 @@
 
 #include "framework/errors/CEndOfEnumError.h"
 #include "framework/errors/CFileNotFoundError.h"
-#include "framework/io/CFileSystemManager.h"
-#include "framework/io/CURI.h"
 #include "framework/errors/CURIFormatError.h"
 #include "framework/errors/CURITypeNotSupportedError.h"
+#include "framework/io/CFileSystemManager.h"
+#include "framework/io/CURI.h"
 #include "framework/io/IInStream.h"
 #include "framework/io/IStreamManager.h"
 #include "framework/io/ISystem.h"
@@ -25,16 +25,25 @@ TEST(FileNamePattern, WildcardsMeanTheSameEverywhere)
         bool matches;
     };
     const Case cases[] = {
-        {u"app-de-DE.qorlang", u"app*.qorlang", false, true},  {u"app.qorlang", u"app*.qorlang", false, true},
+        {u"app-de-DE.qorlang", u"app*.qorlang", false, true},
+        {u"app.qorlang", u"app*.qorlang", false, true},
         {u"app-de-DE.qorlang.bak", u"app*.qorlang", false, false},
-        {u"myapp-de-DE.qorlang", u"app*.qorlang", false, false}, {u"", u"*", false, true},
-        {u"help_de-DE.pdf", u"help_de-DE.pdf", false, true},   {u"help_de-DE.pdf", u"help_de-DE.pd", false, false},
-        {u"", u"?", false, false},                             {u"abcbcd", u"a*bcd", false, true},
-        {u"aXbYc", u"a*b*c", false, true},                     {u"aXbY", u"a*b*c", false, false},
-        {u"x", u"***x**", false, true},                        {u"README", u"*.*", false, false},
-        {u"ab", u"ab?", false, false},                         {u"日本.txt", u"??.txt", false, true},
-        {u"\U0001F600.txt", u"?.txt", false, true},            {u"APP-de-DE.QORLANG", u"app*.qorlang", false, false},
-        {u"APP-de-DE.QORLANG", u"app*.qorlang", true, true},   {u"Help_DE.PDF", u"help_??.pdf", true, true},
+        {u"myapp-de-DE.qorlang", u"app*.qorlang", false, false},
+        {u"", u"*", false, true},
+        {u"help_de-DE.pdf", u"help_de-DE.pdf", false, true},
+        {u"help_de-DE.pdf", u"help_de-DE.pd", false, false},
+        {u"", u"?", false, false},
+        {u"abcbcd", u"a*bcd", false, true},
+        {u"aXbYc", u"a*b*c", false, true},
+        {u"aXbY", u"a*b*c", false, false},
+        {u"x", u"***x**", false, true},
+        {u"README", u"*.*", false, false},
+        {u"ab", u"ab?", false, false},
+        {u"日本.txt", u"??.txt", false, true},
+        {u"\U0001F600.txt", u"?.txt", false, true},
+        {u"APP-de-DE.QORLANG", u"app*.qorlang", false, false},
+        {u"APP-de-DE.QORLANG", u"app*.qorlang", true, true},
+        {u"Help_DE.PDF", u"help_??.pdf", true, true},
     };
     for (const Case& c : cases) {
         EXPECT_EQ(CFileSystemManager::matches(CUTF16String(c.name), CUTF16String(c.pattern), c.ignoreCase), c.matches)
@@ -74,9 +83,9 @@ protected:
 
 TEST_F(FileSystem, EnumerationFindsMatchingEntriesInNameOrder)
 {
-    EXPECT_EQ(names(folder, u"app*.qorlang"), (std::vector<std::string>{"app-de-DE.qorlang", "app-en-US.qorlang",
-                                                                        "app-folder.qorlang/", "app-fr-FR.qorlang",
-                                                                        "app-zz ä 100%.qorlang"}));
+    EXPECT_EQ(names(folder, u"app*.qorlang"),
+              (std::vector<std::string>{"app-de-DE.qorlang", "app-en-US.qorlang", "app-folder.qorlang/",
+                                        "app-fr-FR.qorlang", "app-zz ä 100%.qorlang"}));
     EXPECT_EQ(names(folder, u"*").size(), 9u);
     // Each entry's URI is the folder's resolved with the entry's name, and opens the very file.
     for (P<IFileEnum> found = IFileSystemManager::instance()->enumerate(*folder, u"app*"); found->hasNext();) {
@@ -112,11 +121,14 @@ TEST_F(FileSystem, EnumerationErrors)
 {
     const auto files = IFileSystemManager::instance();
     const P<IURI> missing = folder->resolve("missing", true);
-    expectThrown<CFileNotFoundError>([&] { files->enumerate(*missing, "*"); }, [&](const CFileNotFoundError& e) {
-        EXPECT_EQ(e.getDescription()->toUTF8(), "The file '" + missing->toString()->toUTF8() + "' was not found.");
-        EXPECT_EQ(e.getURI(), missing);
-    });
-    EXPECT_THROW(files->enumerate(*folder->resolve("help_de-DE.pdf"), "*"), CFileNotFoundError) << "a file is no folder";
+    expectThrown<CFileNotFoundError>([&] { files->enumerate(*missing, "*"); },
+                                     [&](const CFileNotFoundError& e) {
+                                         EXPECT_EQ(e.getDescription()->toUTF8(),
+                                                   "The file '" + missing->toString()->toUTF8() + "' was not found.");
+                                         EXPECT_EQ(e.getURI(), missing);
+                                     });
+    EXPECT_THROW(files->enumerate(*folder->resolve("help_de-DE.pdf"), "*"), CFileNotFoundError)
+        << "a file is no folder";
     EXPECT_THROW(files->enumerate(*CURI::fromURIText("http://example.com/"), "*"), CURITypeNotSupportedError);
     for (const char* bad : {"", "a/b", "a\\b"})
         EXPECT_THROW(files->enumerate(*folder, bad), CInvalidArgError) << bad;

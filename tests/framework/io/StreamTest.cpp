@@ -1,18 +1,18 @@
 #include "FrameworkTest.h"
 #include "TempFolder.h"
 
-#include "framework/io/CDiskStream.h"
 #include "framework/errors/CEndOfStreamError.h"
 #include "framework/errors/CFileAccessDeniedError.h"
 #include "framework/errors/CFileNotFoundError.h"
 #include "framework/errors/CInvalidObjectStateError.h"
-#include "framework/io/CMemoryStream.h"
 #include "framework/errors/CReadOnlyError.h"
 #include "framework/errors/CStreamClosedError.h"
-#include "framework/io/CStreamManager.h"
-#include "framework/io/CURI.h"
 #include "framework/errors/CURIFormatError.h"
 #include "framework/errors/CURITypeNotSupportedError.h"
+#include "framework/io/CDiskStream.h"
+#include "framework/io/CMemoryStream.h"
+#include "framework/io/CStreamManager.h"
+#include "framework/io/CURI.h"
 
 #include <cstring>
 #include <random>
@@ -63,10 +63,11 @@ TEST(MemoryStream, ErrorsInterfacesAndOnePosition)
     EXPECT_EQ(tryCast<ISeekableOutStream>(stream)->getPosition(), 6);
 
     char buffer[10] = {};
-    expectThrown<CEndOfStreamError>([&] { stream->read(buffer, 10); }, [](const CEndOfStreamError& e) {
-        EXPECT_EQ(e.getDescription()->toUTF8(), "Unexpected end of data stream.");
-        EXPECT_EQ(e.getURI(), nullptr);
-    });
+    expectThrown<CEndOfStreamError>([&] { stream->read(buffer, 10); },
+                                    [](const CEndOfStreamError& e) {
+                                        EXPECT_EQ(e.getDescription()->toUTF8(), "Unexpected end of data stream.");
+                                        EXPECT_EQ(e.getURI(), nullptr);
+                                    });
     EXPECT_EQ(stream->read(nullptr, 0), 0u) << "reading nothing always succeeds, even with no buffer";
     // Behind the end a read finds nothing and a write leaves a gap of zeros.
     stream->seek(12);
@@ -139,18 +140,21 @@ TEST_F(DiskStream, ErrorsNameTheirURI)
     char buffer[11] = {};
     const auto readEleven = [&] { cast<IInStream>(stream)->read(buffer, 11); };
     expectThrown<CEndOfStreamError>(readEleven, [&](const CEndOfStreamError& e) {
-        EXPECT_EQ(e.getDescription()->toUTF8(), "Unexpected end of data stream (uri: '" + shortFile->toString()->toUTF8() + "')");
+        EXPECT_EQ(e.getDescription()->toUTF8(),
+                  "Unexpected end of data stream (uri: '" + shortFile->toString()->toUTF8() + "')");
         EXPECT_EQ(e.getURI(), shortFile);
     });
     cast<ISeekableInStream>(stream)->seek(1000);
     EXPECT_THROW(readEleven(), CEndOfStreamError) << "behind the end";
 
     const P<IURI> missing = fileURI("missing.qorlang");
-    expectThrown<CFileNotFoundError>([&] { open(missing, IStreamManager::kRead); }, [&](const CFileNotFoundError& e) {
-        EXPECT_EQ(e.getGeneralDescription()->toUTF8(), "The file was not found.");
-        EXPECT_EQ(e.getDescription()->toUTF8(), "The file '" + missing->toString()->toUTF8() + "' was not found.");
-        EXPECT_EQ(e.getURI(), missing);
-    });
+    expectThrown<CFileNotFoundError>([&] { open(missing, IStreamManager::kRead); },
+                                     [&](const CFileNotFoundError& e) {
+                                         EXPECT_EQ(e.getGeneralDescription()->toUTF8(), "The file was not found.");
+                                         EXPECT_EQ(e.getDescription()->toUTF8(),
+                                                   "The file '" + missing->toString()->toUTF8() + "' was not found.");
+                                         EXPECT_EQ(e.getURI(), missing);
+                                     });
     EXPECT_THROW(open(temp.uri("no such folder")->resolve("x"), IStreamManager::kWrite), CFileNotFoundError);
     EXPECT_THROW(IStreamManager::instance()->openPath(CString::fromUTF8(temp.utf8("missing")), IStreamManager::kRead),
                  CFileNotFoundError);
@@ -158,11 +162,13 @@ TEST_F(DiskStream, ErrorsNameTheirURI)
     // A folder is not a stream, on every platform.
     const P<IURI> folder = temp.uri(kFolder);
     for (uint32_t mode : {IStreamManager::kRead, IStreamManager::kWrite, IStreamManager::kReadWrite}) {
-        expectThrown<CFileAccessDeniedError>([&] { open(folder, mode); }, [&](const CFileAccessDeniedError& e) {
-            EXPECT_EQ(e.getGeneralDescription()->toUTF8(), "FileError");
-            EXPECT_EQ(e.getDescription()->toUTF8(),
-                      "The access of the file '" + folder->toString()->toUTF8() + "' was denied.");
-        });
+        expectThrown<CFileAccessDeniedError>([&] { open(folder, mode); },
+                                             [&](const CFileAccessDeniedError& e) {
+                                                 EXPECT_EQ(e.getGeneralDescription()->toUTF8(), "FileError");
+                                                 EXPECT_EQ(e.getDescription()->toUTF8(),
+                                                           "The access of the file '" + folder->toString()->toUTF8() +
+                                                               "' was denied.");
+                                             });
     }
 
     EXPECT_THROW(open(CURI::fromURIText("http://example.com/x"), IStreamManager::kRead), CURITypeNotSupportedError);

@@ -1,8 +1,8 @@
 #include "FrameworkTest.h"
 
-#include "framework/io/CURI.h"
 #include "framework/errors/CURIFormatError.h"
 #include "framework/errors/CURITypeNotSupportedError.h"
+#include "framework/io/CURI.h"
 
 namespace kore_test {
 
@@ -81,10 +81,14 @@ TEST(URI, LocalPathsOfEveryPlatformBecomeFileURIsAndBack)
 TEST(URI, TextIsNormalised)
 {
     const std::vector<std::pair<std::string, std::string>> cases = {
-        {"FILE://LocalHost/C:/x", "file:///C:/x"}, {"file:/usr/x", "file:///usr/x"},
-        {"file:C:/x", "file:///C:/x"},             {"file://C:/x", "file:///C:/x"},
-        {"file://server", "file://server/"},       {"file:///a%2fb%c3%a4", "file:///a%2Fb%C3%A4"},
-        {"urn:isbn:0451450523", "urn:isbn:0451450523"}, {"http://[::1]:80/", "http://[::1]:80/"},
+        {"FILE://LocalHost/C:/x", "file:///C:/x"},
+        {"file:/usr/x", "file:///usr/x"},
+        {"file:C:/x", "file:///C:/x"},
+        {"file://C:/x", "file:///C:/x"},
+        {"file://server", "file://server/"},
+        {"file:///a%2fb%c3%a4", "file:///a%2Fb%C3%A4"},
+        {"urn:isbn:0451450523", "urn:isbn:0451450523"},
+        {"http://[::1]:80/", "http://[::1]:80/"},
         {"file:///C:/Program Files/ä", "file:///C:/Program%20Files/%C3%A4"},
         {"HTTP://Example.com:8080/a/b?q=1&r=/x?#frag/?", "http://Example.com:8080/a/b?q=1&r=/x?#frag/?"},
     };
@@ -98,21 +102,22 @@ TEST(URI, TextIsNormalised)
 
 TEST(URI, PathsThatAreNotAbsoluteAndMalformedTextAreFormatErrors)
 {
-    for (const char* bad : {"", "Lang\\de", "Lang/de", "C:Lang", "\\\\", "\\\\\\x", "\\\\.\\pipe\\x",
-                            "\\\\?\\relative\\x", "~/x"}) {
+    for (const char* bad :
+         {"", "Lang\\de", "Lang/de", "C:Lang", "\\\\", "\\\\\\x", "\\\\.\\pipe\\x", "\\\\?\\relative\\x", "~/x"}) {
         SCOPED_TRACE(bad);
         EXPECT_THROW(CURI::fromLocalPath(bad), CURIFormatError);
     }
     EXPECT_THROW(CURI::fromLocalPath(CStringArg(u"/a\0b", 4)), CURIFormatError);
-    expectThrown<CURIError>([] { CURI::fromLocalPath("Lang\\de"); }, [](const CURIError& e) {
-        EXPECT_EQ(text(e.getGeneralDescription()), "The URI has an invalid format.");
-        EXPECT_EQ(text(e.getDescription()), "The URI ('Lang\\de') has an invalid format.");
-        EXPECT_EQ(e.getURI(), nullptr);
-    });
+    expectThrown<CURIError>([] { CURI::fromLocalPath("Lang\\de"); },
+                            [](const CURIError& e) {
+                                EXPECT_EQ(text(e.getGeneralDescription()), "The URI has an invalid format.");
+                                EXPECT_EQ(text(e.getDescription()), "The URI ('Lang\\de') has an invalid format.");
+                                EXPECT_EQ(e.getURI(), nullptr);
+                            });
 
-    for (const char* bad : {"", "C:\\Lang", "c:/Lang", "Lang/de", "://x", "1ab:x", "a:x", "file:///a%2", "file:///a%zz",
-                            "file:///a\\b", "file:///a<b", "file:relative", "http://h/a#b#c", "http://h/a[1]",
-                            "file:///a\tb"}) {
+    for (const char* bad :
+         {"", "C:\\Lang", "c:/Lang", "Lang/de", "://x", "1ab:x", "a:x", "file:///a%2", "file:///a%zz", "file:///a\\b",
+          "file:///a<b", "file:relative", "http://h/a#b#c", "http://h/a[1]", "file:///a\tb"}) {
         SCOPED_TRACE(bad);
         EXPECT_THROW(CURI::fromURIText(bad), CURIFormatError);
     }
@@ -139,19 +144,22 @@ TEST(URI, PartsOfAURI)
     EXPECT_EQ(text(CURI::fromLocation("/usr/x")->toString()), "file:///usr/x");
     EXPECT_EQ(text(CURI::fromLocation("file:///usr/x")->toString()), "file:///usr/x");
 
-    expectThrown<CURIError>([&] { http->getLocalPath(); }, [&](const CURIError& e) {
-        EXPECT_NE(dynamic_cast<const CURITypeNotSupportedError*>(&e), nullptr);
-        EXPECT_EQ(text(e.getGeneralDescription()), "This type URI is not supported.");
-        EXPECT_EQ(text(e.getDescription()),
-                  "This type of URI ('http://user@www.example.com:8080/a/b%20c.txt?x#y') is not supported.");
-        EXPECT_EQ(e.getURI().get(), static_cast<IURI*>(http.get()));
-    });
+    expectThrown<CURIError>(
+        [&] { http->getLocalPath(); },
+        [&](const CURIError& e) {
+            EXPECT_NE(dynamic_cast<const CURITypeNotSupportedError*>(&e), nullptr);
+            EXPECT_EQ(text(e.getGeneralDescription()), "This type URI is not supported.");
+            EXPECT_EQ(text(e.getDescription()),
+                      "This type of URI ('http://user@www.example.com:8080/a/b%20c.txt?x#y') is not supported.");
+            EXPECT_EQ(e.getURI().get(), static_cast<IURI*>(http.get()));
+        });
 }
 
 TEST(URI, ResolveEscapesTheNameAsOneSegment)
 {
     P<IURI> file = CURI::fromLocalPath(u"C:\\Sprachdateien äöü\\日本\\")->resolve("A-de-DE.qorlang");
-    EXPECT_EQ(text(file->toString()), "file:///C:/Sprachdateien%20%C3%A4%C3%B6%C3%BC/%E6%97%A5%E6%9C%AC/A-de-DE.qorlang");
+    EXPECT_EQ(text(file->toString()),
+              "file:///C:/Sprachdateien%20%C3%A4%C3%B6%C3%BC/%E6%97%A5%E6%9C%AC/A-de-DE.qorlang");
     EXPECT_EQ(text(cast<CURI>(file)->getLocalPath(CURI::kWindowsPath)), "C:\\Sprachdateien äöü\\日本\\A-de-DE.qorlang");
     EXPECT_EQ(text(file->getName()), "A-de-DE.qorlang");
 

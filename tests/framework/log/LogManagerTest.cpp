@@ -30,8 +30,8 @@ public:
     int32_t getLevel() const override { return m_level; }
     void log(int32_t level, const CStringArg& module, const CStringArg& text, int32_t code, int32_t line) override
     {
-        m_journal.push_back(m_name + ":" + std::to_string(level) + ":" + module->toUTF8() + ":" + text->toUTF8() +
-                            ":" + std::to_string(code) + ":" + std::to_string(line));
+        m_journal.push_back(m_name + ":" + std::to_string(level) + ":" + module->toUTF8() + ":" + text->toUTF8() + ":" +
+                            std::to_string(code) + ":" + std::to_string(line));
         if (onLog)
             onLog();
     }
@@ -165,7 +165,8 @@ TEST(LogSink, RecordLinesAreReadable)
               "2025-01-31T14:02:03.123Z INFO  [qor_lang::manager] Setting Language: de-DE\n");
     EXPECT_EQ(CLogSink::formatRecord(when, 3, *u(""), *u("Größe"), 5, 120),
               "2025-01-31T14:02:03.123Z ERROR Größe (code 5) (line 120)\n");
-    EXPECT_EQ(CLogSink::formatRecord(when, -2, *u("m"), *u("t"), 0, 0), "2025-01-31T14:02:03.123Z L-2   [m] t (line 0)\n");
+    EXPECT_EQ(CLogSink::formatRecord(when, -2, *u("m"), *u("t"), 0, 0),
+              "2025-01-31T14:02:03.123Z L-2   [m] t (line 0)\n");
     EXPECT_EQ(CLogSink::formatWrite(when, *u("m"), *u("raw")), "2025-01-31T14:02:03.123Z [m] raw\n");
 }
 
@@ -187,8 +188,8 @@ TEST(LogSink, FileLogAppendsFiltersAndReportsWhatFails)
         lines.push_back(line.substr(line.find(' ') + 1));
     EXPECT_EQ(lines, (Journal{"WARN  [m] kept", "appended"}));
 
-    const std::string error = descriptionOf<CFileError>(
-        [&] { CFileLog missing(CString::fromUTF8(temp.utf8("no such dir/x.log"))); });
+    const std::string error =
+        descriptionOf<CFileError>([&] { CFileLog missing(CString::fromUTF8(temp.utf8("no such dir/x.log"))); });
     EXPECT_NE(error.find("no such dir"), std::string::npos) << error;
 }
 

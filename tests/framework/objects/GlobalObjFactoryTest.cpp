@@ -55,7 +55,8 @@ TEST(GlobalObjFactory, CreatorMayAskForAnotherService)
     g_nestedFactory = factory.get();
     // The outer creator re-enters the creation lock on the same thread.
     const auto createOuter = +[] {
-        P<CService>& inner = g_nestedFactory->getOrCreate<CService>(2, +[] { return make<CService>(2); });
+        P<CService>& inner = g_nestedFactory->getOrCreate<CService>(
+            2, +[] { return make<CService>(2); });
         return make<CService>(100 + inner->id);
     };
     EXPECT_EQ(factory->getOrCreate<CService>(1, createOuter)->id, 102);
@@ -125,9 +126,7 @@ TEST(GlobalObjFactory, NestedCreationDoesNotDeadlockAgainstAnotherFirstCall)
         std::atomic<int> outer{0}, inner{0};
     };
     static Results results;
-    std::thread([] {
-        results.outer = CGlobalObjFactory::accessor<CService, &createOuterAskingInner>()->id;
-    }).detach();
+    std::thread([] { results.outer = CGlobalObjFactory::accessor<CService, &createOuterAskingInner>()->id; }).detach();
     std::thread([] {
         while (!g_outerCreating)
             std::this_thread::yield();

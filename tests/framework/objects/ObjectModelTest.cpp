@@ -2,10 +2,10 @@
 
 #include "framework/objects/CInstanceWrapper.h"
 #include "framework/objects/CObject.h"
-#include "framework/objects/PC.h"
-#include "framework/objects/PFrail.h"
 #include "framework/objects/IComparable.h"
 #include "framework/objects/ISerializable.h"
+#include "framework/objects/PC.h"
+#include "framework/objects/PFrail.h"
 
 #include <atomic>
 #include <thread>
@@ -157,7 +157,7 @@ TEST_F(ObjectModel, StrongFrailAssignmentKeepsAPointeeHeldOnlyByTheOldOne)
     for (const bool moving : {false, true}) {
         CCounted::destroyed = 0;
         PFrail<CNode> cur(new CNode); // the node's first reference...
-        cur->release();               // ...handed over to the pointer
+        cur->release(); // ...handed over to the pointer
         CNode* tail = cur.get();
         for (int i = 1; i < 4; ++i) {
             tail->next = PFrail<CNode>(new CNode);
@@ -191,13 +191,15 @@ TEST_F(ObjectModel, CastFindsInterfacesAndNamesBothTypesWhenItCannot)
     P<CObject> plain = make<CObject>();
     EXPECT_EQ(plain->toString()->toUTF8(), "class kore::CObject object");
     EXPECT_EQ(tryCast<IFirst>(plain), nullptr);
-    expectThrown<CCastError>([&] { cast<IFirst>(plain); }, [&](const CCastError& e) {
-        const char* message = "Error casting a 'class kore::CObject' object to 'class kore_test::IFirst'.";
-        EXPECT_EQ(e.getDescription()->toUTF8(), message);
-        EXPECT_STREQ(e.what(), message);
-        EXPECT_EQ(e.getGeneralDescription()->toUTF8(), "Cast error");
-        EXPECT_EQ(e.getObject().get(), static_cast<IBase*>(plain.get()));
-    });
+    expectThrown<CCastError>([&] { cast<IFirst>(plain); },
+                             [&](const CCastError& e) {
+                                 const char* message =
+                                     "Error casting a 'class kore::CObject' object to 'class kore_test::IFirst'.";
+                                 EXPECT_EQ(e.getDescription()->toUTF8(), message);
+                                 EXPECT_STREQ(e.what(), message);
+                                 EXPECT_EQ(e.getGeneralDescription()->toUTF8(), "Cast error");
+                                 EXPECT_EQ(e.getObject().get(), static_cast<IBase*>(plain.get()));
+                             });
 }
 
 TEST_F(ObjectModel, CastQueryMayRefuseOrRedirect)
@@ -261,8 +263,8 @@ TEST_F(ObjectModel, InterfacesOfOneObjectShareOneCount)
         void deserialize(IInStream&) override {}
     };
     P<CRecord> record = make<CRecord>();
-    P<ISerializable> serializable = cast<ISerializable>(static_cast<const IBase*>(
-        static_cast<IComparable*>(record.get())));
+    P<ISerializable> serializable =
+        cast<ISerializable>(static_cast<const IBase*>(static_cast<IComparable*>(record.get())));
     EXPECT_EQ(static_cast<const IBase*>(serializable.get()), static_cast<const IBase*>(record.get()));
     EXPECT_EQ(record->getRefCount(), 2);
 }

@@ -23,8 +23,8 @@ TEST(PosixGlobalMutex, SystemNameEscapesAndDropsTheWindowsNamespace)
     EXPECT_EQ(CGlobalMutexImpl::systemName(std::string(240, 'x').c_str()).size(), 12u + 240u);
     // The limit counts the escaped form: 80 slashes are 240 bytes, 81 are too many.
     EXPECT_NO_THROW(CGlobalMutexImpl::systemName(std::string(80, '/').c_str()));
-    for (const std::string& name : {std::string(241, 'x'), std::string(81, '/'), std::string("Global\\"),
-                                    std::string("Local\\")}) {
+    for (const std::string& name :
+         {std::string(241, 'x'), std::string(81, '/'), std::string("Global\\"), std::string("Local\\")}) {
         EXPECT_EQ(descriptionOf<CException>([&] { make<CGlobalMutexImpl>(name.c_str()); }),
                   "Error createing global mutex " + name);
     }

@@ -2,12 +2,12 @@
 #include "../FrameworkTest.h"
 #include "../TempFolder.h"
 
-#include "framework/log/CLogManager.h"
 #include "framework/io/CURI.h"
-#include "framework/log/ILog.h"
 #include "framework/io/IInStream.h"
 #include "framework/io/IStreamManager.h"
 #include "framework/io/ISystem.h"
+#include "framework/log/CLogManager.h"
+#include "framework/log/ILog.h"
 
 #include <unistd.h>
 

@@ -16,8 +16,7 @@ TEST(TracePosix, GoesToStandardErrorOnlyWhileEnabled)
     debugTrace("loud.cpp", 2, "");
     debugTrace("loud.cpp", 3, u"größer");
     setTraceEnabled(was);
-    EXPECT_EQ(::testing::internal::GetCapturedStderr(),
-              "qor_trace: loud.cpp (2)\nqor_trace: loud.cpp (3) c=größer\n");
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "qor_trace: loud.cpp (2)\nqor_trace: loud.cpp (3) c=größer\n");
 }
 
 } // namespace

@@ -1,5 +1,5 @@
-#include "FrameworkTest.h"
 #include "ChildProcess.h"
+#include "FrameworkTest.h"
 #include "MutexTestSupport.h"
 
 #include "framework/errors/CException.h"
@@ -62,7 +62,8 @@ public:
     const std::string& str() const { return m_name; }
 
 private:
-    const std::string m_name = "qor_test_" + std::to_string(std::random_device()()) + std::to_string(std::random_device()());
+    const std::string m_name =
+        "qor_test_" + std::to_string(std::random_device()()) + std::to_string(std::random_device()());
 };
 
 void expectRecursive(IMutex& mutex)
@@ -206,8 +207,8 @@ TEST(GlobalMutex, ThreadEndingWhileHoldingLeavesTheMutexToTheNextLockAndTryLock)
 
 TEST(GlobalMutex, RejectedNamesThrowTheCreationMessage)
 {
-    for (const std::u16string& name :
-         {std::u16string(), std::u16string(u"qor_test_nul\0inside", 19), std::u16string(u"qor_test\\no\\such\\namespace")}) {
+    for (const std::u16string& name : {std::u16string(), std::u16string(u"qor_test_nul\0inside", 19),
+                                       std::u16string(u"qor_test\\no\\such\\namespace")}) {
         const auto create = [&] {
             createMutexFactory()->createGlobalMutex(CStringArg(name.c_str(), static_cast<uint32_t>(name.size())));
         };

@@ -11,14 +11,16 @@ using kore::CCaseTable;
 
 namespace {
 
-struct Expected { std::unordered_map<uint32_t, uint32_t> maps, leftOut; };
+struct Expected {
+    std::unordered_map<uint32_t, uint32_t> maps, leftOut;
+};
 
 const Expected& expected()
 {
     static const Expected e = [] {
         Expected r;
-#define KORE_CASE_RUN(first, last, step, delta)                                                \
-    for (int64_t cp = first; cp <= last; cp += step)                                           \
+#define KORE_CASE_RUN(first, last, step, delta)                                                                        \
+    for (int64_t cp = first; cp <= last; cp += step)                                                                   \
         r.maps.emplace(static_cast<uint32_t>(cp), static_cast<uint32_t>(cp + (delta)));
 #define KORE_CASE_LEFT_OUT(from, to) r.leftOut.emplace(from, to);
 #include "CaseTableExpected.inc"
@@ -64,19 +66,39 @@ TEST(CaseTable, MappingsThatDoNotFitSixteenBitsMapToThemselves)
 // Independent of the generator: what a reader of the Unicode charts expects.
 TEST(CaseTable, KnownCaseVariantsShareOneLowerCaseImage)
 {
-    struct Case { uint32_t a, b, image; };
+    struct Case {
+        uint32_t a, b, image;
+    };
     const Case cases[] = {
         // Latin, the last upper case outside Latin-1: A a, Z z, À à, Þ þ, Ÿ ÿ.
-        {'A', 'a', 'a'}, {'Z', 'z', 'z'}, {0x00C0, 0x00E0, 0x00E0}, {0x00DE, 0x00FE, 0x00FE}, {0x0178, 0x00FF, 0x00FF},
+        {'A', 'a', 'a'},
+        {'Z', 'z', 'z'},
+        {0x00C0, 0x00E0, 0x00E0},
+        {0x00DE, 0x00FE, 0x00FE},
+        {0x0178, 0x00FF, 0x00FF},
         // KELVIN SIGN, LONG S, ANGSTROM SIGN, OHM SIGN, MICRO SIGN, capital sharp s.
-        {0x212A, 'k', 'k'}, {0x212A, 'K', 'k'}, {0x017F, 's', 's'}, {0x017F, 'S', 's'}, {0x212B, 0x00C5, 0x00E5},
-        {0x2126, 0x03C9, 0x03C9}, {0x00B5, 0x039C, 0x03BC}, {0x1E9E, 0x00DF, 0x00DF},
+        {0x212A, 'k', 'k'},
+        {0x212A, 'K', 'k'},
+        {0x017F, 's', 's'},
+        {0x017F, 'S', 's'},
+        {0x212B, 0x00C5, 0x00E5},
+        {0x2126, 0x03C9, 0x03C9},
+        {0x00B5, 0x039C, 0x03BC},
+        {0x1E9E, 0x00DF, 0x00DF},
         // Greek sigma, final sigma; Cyrillic А а, Я я, Ё ё; DŽ Dž dž (upper, title and lower case).
-        {0x03A3, 0x03C3, 0x03C3}, {0x03C2, 0x03C3, 0x03C3}, {0x03C2, 0x03A3, 0x03C3}, {0x0410, 0x0430, 0x0430},
-        {0x042F, 0x044F, 0x044F}, {0x0401, 0x0451, 0x0451}, {0x01C4, 0x01C5, 0x01C6},
+        {0x03A3, 0x03C3, 0x03C3},
+        {0x03C2, 0x03C3, 0x03C3},
+        {0x03C2, 0x03A3, 0x03C3},
+        {0x0410, 0x0430, 0x0430},
+        {0x042F, 0x044F, 0x044F},
+        {0x0401, 0x0451, 0x0451},
+        {0x01C4, 0x01C5, 0x01C6},
         // Deseret beyond the Basic Multilingual Plane, Adlam (the last cased script), the Cherokee
         // pairs that fit (to the small letter), Georgian Mtavruli to Mkhedruli.
-        {0x10400, 0x10428, 0x10428}, {0x1E900, 0x1E922, 0x1E922}, {0x13F0, 0x13F8, 0x13F8}, {0x1C90, 0x10D0, 0x10D0},
+        {0x10400, 0x10428, 0x10428},
+        {0x1E900, 0x1E922, 0x1E922},
+        {0x13F0, 0x13F8, 0x13F8},
+        {0x1C90, 0x10D0, 0x10D0},
     };
     for (const Case& c : cases) {
         EXPECT_EQ(CCaseTable::map(c.a), c.image) << std::hex << c.a;
@@ -88,8 +110,8 @@ TEST(CaseTable, KnownCaseVariantsShareOneLowerCaseImage)
 // values beyond the table, negative ones included, map to themselves.
 TEST(CaseTable, NonVariantsMapToThemselves)
 {
-    for (uint32_t cp : {0x0130u, 0x0131u, 0u, 0x30u, 0x40u, 0x5Bu, 0x00D7u, 0x00F7u, 0x00DFu, 0x05D0u, 0x4E00u,
-                        0xFFFFu, 0x10FFFFu, 0x110000u, 0x7FFFFFFFu, 0x80000000u, 0xFFFFFFFEu, 0xFFFFFFFFu})
+    for (uint32_t cp : {0x0130u, 0x0131u, 0u, 0x30u, 0x40u, 0x5Bu, 0x00D7u, 0x00F7u, 0x00DFu, 0x05D0u, 0x4E00u, 0xFFFFu,
+                        0x10FFFFu, 0x110000u, 0x7FFFFFFFu, 0x80000000u, 0xFFFFFFFEu, 0xFFFFFFFFu})
         EXPECT_EQ(CCaseTable::map(cp), cp) << std::hex << cp;
     EXPECT_NE(CCaseTable::map(0x0131), CCaseTable::map('i'));
 }

@@ -2,9 +2,9 @@
 // whatever fails skipped - so that one table of byte sequences checks every forward, backward and
 // block operation at every offset; then encoding, identity and the code page's own rules.
 
+#include "framework/errors/CMethodNotImplementedError.h"
 #include "framework/text/CCPCharEncoding.h"
 #include "framework/text/CLatin1CharEncoding.h"
-#include "framework/errors/CMethodNotImplementedError.h"
 #include "framework/text/CUTF16CharEncoding.h"
 #include "framework/text/CUTF32CharEncoding.h"
 #include "framework/text/CUTF8CharEncoding.h"
@@ -28,11 +28,26 @@ using CodePoints = std::vector<uint32_t>;
 constexpr uint32_t kFail = ICharEncoding::kFail;
 constexpr uint32_t kMark = 0xDEADBEEF;
 
-const ICharEncoding& utf8() { return *CUTF8CharEncoding::instance(); }
-const ICharEncoding& utf16() { return *CUTF16CharEncoding::instance(); }
-const ICharEncoding& utf32() { return *CUTF32CharEncoding::instance(); }
-const ICharEncoding& latin1() { return *CLatin1CharEncoding::instance(); }
-const ICharEncoding& codePage() { return *CCPCharEncoding::instance(); }
+const ICharEncoding& utf8()
+{
+    return *CUTF8CharEncoding::instance();
+}
+const ICharEncoding& utf16()
+{
+    return *CUTF16CharEncoding::instance();
+}
+const ICharEncoding& utf32()
+{
+    return *CUTF32CharEncoding::instance();
+}
+const ICharEncoding& latin1()
+{
+    return *CLatin1CharEncoding::instance();
+}
+const ICharEncoding& codePage()
+{
+    return *CCPCharEncoding::instance();
+}
 
 template <class Units>
 Bytes units(const Units& list)
@@ -43,8 +58,14 @@ Bytes units(const Units& list)
             b.push_back(static_cast<uint8_t>(u >> (8 * i)));
     return b;
 }
-Bytes u16(std::initializer_list<uint16_t> list) { return units(list); }
-Bytes u32(std::initializer_list<uint32_t> list) { return units(list); }
+Bytes u16(std::initializer_list<uint16_t> list)
+{
+    return units(list);
+}
+Bytes u32(std::initializer_list<uint32_t> list)
+{
+    return units(list);
+}
 Bytes bytesBelow(uint32_t end)
 {
     Bytes b(end);
@@ -52,13 +73,14 @@ Bytes bytesBelow(uint32_t end)
     return b;
 }
 
-struct Char { uint32_t start, end, cp; };
+struct Char {
+    uint32_t start, end, cp;
+};
 
 // Reads the buffer in blocks, forwards or backwards, and checks each block against `chars`: the
 // code points; the offsets (forwards where a character was looked for, that is just after the one
 // before; backwards its start); the offset returned; nothing written past `block`.
-void expectBlocks(const ICharEncoding& enc, const Bytes& b, const std::vector<Char>& chars, uint32_t block,
-                  bool back)
+void expectBlocks(const ICharEncoding& enc, const Bytes& b, const std::vector<Char>& chars, uint32_t block, bool back)
 {
     const auto len = static_cast<uint32_t>(b.size());
     size_t done = 0;
@@ -155,8 +177,15 @@ Bytes encode(const ICharEncoding& enc, uint32_t cp)
     return Bytes(b.begin() + 3, b.begin() + end);
 }
 
-struct Decoding { Bytes bytes; CodePoints expected; Strictness strictness; };
-struct Encoding { uint32_t cp; Bytes bytes; };
+struct Decoding {
+    Bytes bytes;
+    CodePoints expected;
+    Strictness strictness;
+};
+struct Encoding {
+    uint32_t cp;
+    Bytes bytes;
+};
 
 // Every buffer, and the empty one, read by expectDecodes; every code point encoded as given.
 void expectCodec(const ICharEncoding& enc, std::initializer_list<Decoding> decodings,
@@ -174,33 +203,51 @@ void expectCodec(const ICharEncoding& enc, std::initializer_list<Decoding> decod
 TEST(UTF8Encoding, DecodesAndEncodesAsDefined)
 {
     // More than a block of 16 characters, with é and invalid bytes in the second block.
-    const std::string letters = "abc\xC3\xA9" "defghijklmnopq\xFF\xFE" "rst";
+    const std::string letters = "abc\xC3\xA9"
+                                "defghijklmnopq\xFF\xFE"
+                                "rst";
     const std::u16string letterCps = u"abc\u00E9defghijklmnopqrst";
     expectCodec(utf8(),
                 {// The first and last sequence of each length; overlong C1 leads and surrogates.
-                 {{0x00, 0x7F, 0xC2, 0x80, 0xDF, 0xBF, 0xE1, 0x80, 0x80, 0xEF, 0xBF, 0xBF, 0xF1, 0x80, 0x80, 0x80, 0xF4,
-                   0x8F, 0xBF, 0xBF},
+                 {{0x00, 0x7F, 0xC2, 0x80, 0xDF, 0xBF, 0xE1, 0x80, 0x80, 0xEF,
+                   0xBF, 0xBF, 0xF1, 0x80, 0x80, 0x80, 0xF4, 0x8F, 0xBF, 0xBF},
                   {0x0, 0x7F, 0x80, 0x7FF, 0x1000, 0xFFFF, 0x40000, 0x10FFFF},
                   kValid},
                  {{0xC1, 0x81, 0xC1, 0xBF, 0xED, 0xA0, 0x80, 0xED, 0xBF, 0xBF}, {0x41, 0x7F, 0xD800, 0xDFFF}, kValid},
                  // Leads without payload bits (C0, E0, F0) are rejected even where the sequence is
                  // well formed (U+0800-U+0FFF, U+10000-U+3FFFF); every byte is skipped.
-                 {{0xC0, 0x80}, {}, kInvalid}, {{0xE0, 0xA0, 0x80}, {}, kInvalid}, {{0xE0, 0xBF, 0xBF}, {}, kInvalid},
-                 {{0xF0, 0x90, 0x80, 0x80}, {}, kInvalid}, {{0xF0, 0xBF, 0xBF, 0xBF}, {}, kInvalid},
+                 {{0xC0, 0x80}, {}, kInvalid},
+                 {{0xE0, 0xA0, 0x80}, {}, kInvalid},
+                 {{0xE0, 0xBF, 0xBF}, {}, kInvalid},
+                 {{0xF0, 0x90, 0x80, 0x80}, {}, kInvalid},
+                 {{0xF0, 0xBF, 0xBF, 0xBF}, {}, kInvalid},
                  {{0x41, 0xE0, 0xA4, 0xB9, 0xF0, 0x9F, 0x98, 0x80, 0x42}, {0x41, 0x42}, kInvalid},
                  // Above U+10FFFF, five-byte and FE leads, stray continuation and FF bytes.
-                 {{0xF4, 0x90, 0x80, 0x80}, {}, kInvalid}, {{0xF7, 0xBF, 0xBF, 0xBF}, {}, kInvalid},
-                 {{0xF8, 0x88, 0x80, 0x80, 0x80}, {}, kInvalid}, {{0xFE}, {}, kInvalid},
-                 {{0xBF, 0x41}, {0x41}, kInvalid}, {{0x41, 0xFF, 0x42}, {0x41, 0x42}, kInvalid},
+                 {{0xF4, 0x90, 0x80, 0x80}, {}, kInvalid},
+                 {{0xF7, 0xBF, 0xBF, 0xBF}, {}, kInvalid},
+                 {{0xF8, 0x88, 0x80, 0x80, 0x80}, {}, kInvalid},
+                 {{0xFE}, {}, kInvalid},
+                 {{0xBF, 0x41}, {0x41}, kInvalid},
+                 {{0x41, 0xFF, 0x42}, {0x41, 0x42}, kInvalid},
                  // Truncated and interrupted; a broken sequence does not swallow the valid one behind it.
-                 {{0xE2, 0x82}, {}, kInvalid}, {{0xF1, 0x80, 0x80}, {}, kInvalid}, {{0x41, 0xC3}, {0x41}, kInvalid},
-                 {{0xC3, 0x41}, {0x41}, kInvalid}, {{0xE2, 0x82, 0x41, 0xAC}, {0x41}, kInvalid},
+                 {{0xE2, 0x82}, {}, kInvalid},
+                 {{0xF1, 0x80, 0x80}, {}, kInvalid},
+                 {{0x41, 0xC3}, {0x41}, kInvalid},
+                 {{0xC3, 0x41}, {0x41}, kInvalid},
+                 {{0xE2, 0x82, 0x41, 0xAC}, {0x41}, kInvalid},
                  {{0xE2, 0xE2, 0x82, 0xAC}, {0x20AC}, kInvalid},
                  {{0x41, 0xC3, 0xA9, 0xFF, 0xE2, 0x82, 0xAC}, {0x41, 0xE9, 0x20AC}, kInvalid},
                  {Bytes(letters.begin(), letters.end()), CodePoints(letterCps.begin(), letterCps.end()), kInvalid}},
-                {{0x7F, {0x7F}}, {0x80, {0xC2, 0x80}}, {0x7FF, {0xDF, 0xBF}}, {0x800, {0xE0, 0xA0, 0x80}},
-                 {0xFFFF, {0xEF, 0xBF, 0xBF}}, {0x10000, {0xF0, 0x90, 0x80, 0x80}},
-                 {0x10FFFF, {0xF4, 0x8F, 0xBF, 0xBF}}, {0xD800, {0xED, 0xA0, 0x80}}, {0x110000, {}}, {0xFFFFFFFF, {}}});
+                {{0x7F, {0x7F}},
+                 {0x80, {0xC2, 0x80}},
+                 {0x7FF, {0xDF, 0xBF}},
+                 {0x800, {0xE0, 0xA0, 0x80}},
+                 {0xFFFF, {0xEF, 0xBF, 0xBF}},
+                 {0x10000, {0xF0, 0x90, 0x80, 0x80}},
+                 {0x10FFFF, {0xF4, 0x8F, 0xBF, 0xBF}},
+                 {0xD800, {0xED, 0xA0, 0x80}},
+                 {0x110000, {}},
+                 {0xFFFFFFFF, {}}});
     // A character must fit in the given length, whatever the buffer holds beyond it.
     const Bytes euro = {0xE2, 0x82, 0xAC};
     uint32_t cp = 0, count = 99, out[1];
@@ -217,14 +264,23 @@ TEST(UTF16Encoding, DecodesAndEncodesAsDefined)
                  {u16({0x0000, 0xD7FF, 0xE000, 0xFFFF, 0xD800, 0xDC00, 0xD83D, 0xDE00, 0xDBFF, 0xDFFF}),
                   {0x0, 0xD7FF, 0xE000, 0xFFFF, 0x10000, 0x1F600, 0x10FFFF},
                   kValid},
-                 {u16({0x41, 0xDE00, 0x42}), {0x41, 0x42}, kInvalid}, {u16({0x41, 0xD83D}), {0x41}, kInvalid},
-                 {u16({0xD83D, 0x41}), {0x41}, kInvalid}, {u16({0xDE00, 0xD83D}), {}, kInvalid},
+                 {u16({0x41, 0xDE00, 0x42}), {0x41, 0x42}, kInvalid},
+                 {u16({0x41, 0xD83D}), {0x41}, kInvalid},
+                 {u16({0xD83D, 0x41}), {0x41}, kInvalid},
+                 {u16({0xDE00, 0xD83D}), {}, kInvalid},
                  {u16({0xD800, 0xD83D, 0xDE00}), {0x1F600}, kInvalid},
                  {u16({0x41, 0xD83D, 0xDE00, 0xDE00, 0x42}), {0x41, 0x1F600, 0x42}, kInvalid},
-                 {{0x41, 0x00, 0x42}, {0x41}, kInvalid}, {{0x3D, 0xD8, 0x00}, {}, kInvalid},
+                 {{0x41, 0x00, 0x42}, {0x41}, kInvalid},
+                 {{0x3D, 0xD8, 0x00}, {}, kInvalid},
                  {{0x3D, 0xD8, 0x00, 0xDE, 0x42}, {0x1F600}, kInvalid}},
-                {{0xD7FF, u16({0xD7FF})}, {0x10000, u16({0xD800, 0xDC00})}, {0x1F600, u16({0xD83D, 0xDE00})},
-                 {0x10FFFF, u16({0xDBFF, 0xDFFF})}, {0xD800, {}}, {0xDBFF, {}}, {0xDC00, {}}, {0xDFFF, {}},
+                {{0xD7FF, u16({0xD7FF})},
+                 {0x10000, u16({0xD800, 0xDC00})},
+                 {0x1F600, u16({0xD83D, 0xDE00})},
+                 {0x10FFFF, u16({0xDBFF, 0xDFFF})},
+                 {0xD800, {}},
+                 {0xDBFF, {}},
+                 {0xDC00, {}},
+                 {0xDFFF, {}},
                  {0x110000, {}}});
 }
 
@@ -255,11 +311,14 @@ TEST(CharEncoding, UTF32Latin1AndCodePageDecodeAndEncodeAsDefined)
 // "skipped".
 TEST(CharEncoding, CharacterThatDoesNotFit)
 {
-    const struct { const ICharEncoding& enc; uint32_t cp, len, off, want; } rows[] = {
-        {utf8(), 0x20AC, 4, 2, 2}, {utf8(), 0x20AC, 4, 1, 4}, {utf8(), 'x', 4, 4, 4}, {utf8(), 'x', 4, 9, 9},
-        {utf16(), 0x1F600, 4, 2, 2}, {utf16(), 'x', 3, 2, 2}, {utf32(), 0x41, 7, 4, 4}, {latin1(), 'x', 2, 2, 2},
-        {codePage(), 'x', 4, 4, 0}, {codePage(), 'x', 2, 2, 0}, {codePage(), 'x', 4, 3, 4},
-        {codePage(), 0x4E00, 4, 1, 1},
+    const struct {
+        const ICharEncoding& enc;
+        uint32_t cp, len, off, want;
+    } rows[] = {
+        {utf8(), 0x20AC, 4, 2, 2},  {utf8(), 0x20AC, 4, 1, 4},   {utf8(), 'x', 4, 4, 4},
+        {utf8(), 'x', 4, 9, 9},     {utf16(), 0x1F600, 4, 2, 2}, {utf16(), 'x', 3, 2, 2},
+        {utf32(), 0x41, 7, 4, 4},   {latin1(), 'x', 2, 2, 2},    {codePage(), 'x', 4, 4, 0},
+        {codePage(), 'x', 2, 2, 0}, {codePage(), 'x', 4, 3, 4},  {codePage(), 0x4E00, 4, 1, 1},
     };
     for (const auto& r : rows) {
         Bytes b(16, 0xEE);
@@ -276,9 +335,15 @@ TEST(CharEncoding, CharacterThatDoesNotFit)
 TEST(CharEncoding, IdentityNamesAndSizes)
 {
     // The identifier's bytes in memory spell a short name; the code page's size is its runtime's.
-    const struct { const ICharEncoding& enc; const char *id, *name; uint32_t maxSize; } rows[] = {
-        {utf8(), "UTF8", "UTF-8", 4}, {utf16(), "UF16", "UTF-16", 4}, {utf32(), "UF32", "UTF-32", 4},
-        {latin1(), "LAT1", "Latin-1", 1}, {codePage(), "CDPG", "CodePage", 0}};
+    const struct {
+        const ICharEncoding& enc;
+        const char *id, *name;
+        uint32_t maxSize;
+    } rows[] = {{utf8(), "UTF8", "UTF-8", 4},
+                {utf16(), "UF16", "UTF-16", 4},
+                {utf32(), "UF32", "UTF-32", 4},
+                {latin1(), "LAT1", "Latin-1", 1},
+                {codePage(), "CDPG", "CodePage", 0}};
     for (const auto& r : rows) {
         const uint32_t id = r.enc.getId();
         EXPECT_EQ(0, std::memcmp(&id, r.id, 4)) << r.name;
@@ -294,11 +359,15 @@ TEST(CharEncoding, TerminatedLengthCountsUnitsUpToAZeroUnit)
 {
     Bytes from1 = bytesBelow(256);
     from1.push_back(0);
-    const struct { const ICharEncoding& enc; Bytes bytes; uint32_t length; } rows[] = {
-        {utf16(), u16({0x41, 0x100, 0xD83D, 0xDE00, 0, 0x42}), 8}, {utf16(), u16({0}), 0},
-        {utf16(), {0x41, 0x00, 0x00, 0x01, 0x00, 0x00}, 4}, // a zero byte is not a zero unit
-        {utf32(), u32({0x41, 0xFFFFFFFF, 0x1F600, 0, 0x42}), 12},
-        {codePage(), Bytes(from1.begin() + 1, from1.end()), 255}};
+    const struct {
+        const ICharEncoding& enc;
+        Bytes bytes;
+        uint32_t length;
+    } rows[] = {{utf16(), u16({0x41, 0x100, 0xD83D, 0xDE00, 0, 0x42}), 8},
+                {utf16(), u16({0}), 0},
+                {utf16(), {0x41, 0x00, 0x00, 0x01, 0x00, 0x00}, 4}, // a zero byte is not a zero unit
+                {utf32(), u32({0x41, 0xFFFFFFFF, 0x1F600, 0, 0x42}), 12},
+                {codePage(), Bytes(from1.begin() + 1, from1.end()), 255}};
     for (const auto& r : rows)
         EXPECT_EQ(r.enc.getTerminatedLength(r.bytes.data()), r.length) << r.enc.getName();
 }

@@ -24,10 +24,14 @@ using namespace kore;
 namespace {
 
 // A width or precision: not given, literal digits, or "*" with the value pushed for it.
-struct Count { const char* text; int value; bool given; };
-const Count kWidths[] = {{"", 0, false}, {"0", 0, false}, {"1", 1, true}, {"5", 5, true},
-                         {"20", 20, true}, {"*", 7, true}, {"*", -3, true}};
-const Count kPrecisions[] = {{"", 0, false}, {".", 0, true},   {".0", 0, true}, {".1", 1, true},
+struct Count {
+    const char* text;
+    int value;
+    bool given;
+};
+const Count kWidths[] = {{"", 0, false},   {"0", 0, false}, {"1", 1, true}, {"5", 5, true},
+                         {"20", 20, true}, {"*", 7, true},  {"*", -3, true}};
+const Count kPrecisions[] = {{"", 0, false},  {".", 0, true},    {".0", 0, true}, {".1", 1, true},
                              {".5", 5, true}, {".20", 20, true}, {".*", 3, true}, {".*", -2, true}};
 
 struct Field {
@@ -104,7 +108,10 @@ void forEachField(const char* letters, const Check& check)
     }
 }
 
-struct IntValue { uint64_t bits; bool isSigned; };
+struct IntValue {
+    uint64_t bits;
+    bool isSigned;
+};
 
 // Powers of the base and their neighbours, the extremes, and small values; signed and unsigned.
 std::vector<IntValue> intValues(unsigned base)
@@ -141,10 +148,11 @@ size_t expectInt(const Field& field, IntValue v, char* out)
 {
     const bool unsignedLetter = std::strchr("xXo", field.letter) != nullptr;
     const char conversion = unsignedLetter ? field.letter : v.isSigned ? 'd' : 'u';
-    const bool signShown =
-        conversion == 'd' && (static_cast<int64_t>(v.bits) < 0 || field.has('+') || field.has(' '));
+    const bool signShown = conversion == 'd' && (static_cast<int64_t>(v.bits) < 0 || field.has('+') || field.has(' '));
     const char* prefix = !field.has('#') || !unsignedLetter ? ""
-                         : field.letter == 'o' ? "0" : field.letter == 'x' ? "0x" : "0X";
+                         : field.letter == 'o'              ? "0"
+                         : field.letter == 'x'              ? "0x"
+                                                            : "0X";
     const int prefixLength = static_cast<int>(std::strlen(prefix));
     const int width = field.widthValue();
     int precision = field.precisionValue();
@@ -197,7 +205,10 @@ TEST(StringFormatGrid, IntegersMatchTheCLibraryExceptWhereDocumented)
     const std::vector<IntValue> decimal = intValues(10), hex = intValues(16), octal = intValues(8);
     forEachField("diuxXo", [&](const Field& field) {
         checkRow(
-            field, field.letter == 'o' ? octal : std::strchr("xX", field.letter) ? hex : decimal,
+            field,
+            field.letter == 'o'               ? octal
+            : std::strchr("xX", field.letter) ? hex
+                                              : decimal,
             [](CStringFormat& f, IntValue v) {
                 v.isSigned ? f.pushInt(static_cast<int64_t>(v.bits)) : f.pushUInt(v.bits);
             },
@@ -211,8 +222,9 @@ TEST(StringFormatGrid, FloatingPointMatchesTheCLibrary)
     const double inf = std::numeric_limits<double>::infinity();
     // Zeros, small and rounding-prone values, the smallest and largest denormals, the largest
     // double (309 digits with "f"), infinities and NaNs of both signs.
-    const std::vector<double> values = {0.0,  -0.0, 1.0, -2.5, 0.5, 1.0 / 3, 123456.789, 9.5e-5, 9.5e22, 4.9e-324,
-                                        2.2250738585072009e-308, -DBL_MAX, inf, -inf, nan, -nan};
+    const std::vector<double> values = {
+        0.0,      -0.0, 1.0,  -2.5, 0.5, 1.0 / 3, 123456.789, 9.5e-5, 9.5e22, 4.9e-324, 2.2250738585072009e-308,
+        -DBL_MAX, inf,  -inf, nan,  -nan};
     forEachField("eEfgG", [&](const Field& field) {
         checkRow(
             field, values, [](CStringFormat& f, double v) { f.pushDouble(v); },

@@ -123,21 +123,38 @@ TEST(StringFormat, ErrorsCarryContextMessageAndFormat)
     const char* const kPrecision = "expected integer value (field precision) in '";
     const char* const kCodePoint = "invalid character code point in '";
     const std::string kNext = "goToNextFormatField";
-    const struct { const char* format; char kind; int64_t value; std::string method, message; } cases[] = {
-        {"a %q", 0, 0, kNext, kBad}, {"%I32d", 0, 0, kNext, kBad}, {"%lhd", 0, 0, kNext, kBad},
-        {"50%", 0, 0, kNext, kBad}, {"%99999999999d", 0, 0, kNext, kBad}, {"%d %q", 'i', 1, kNext, kBad},
+    const struct {
+        const char* format;
+        char kind;
+        int64_t value;
+        std::string method, message;
+    } cases[] = {
+        {"a %q", 0, 0, kNext, kBad},
+        {"%I32d", 0, 0, kNext, kBad},
+        {"%lhd", 0, 0, kNext, kBad},
+        {"50%", 0, 0, kNext, kBad},
+        {"%99999999999d", 0, 0, kNext, kBad},
+        {"%d %q", 'i', 1, kNext, kBad},
         {"%-+ #0-d", 0, 0, kNext, "too many field flags specified in '"},
-        {"%-+ #00q", 0, 0, kNext, "too many field flags specified in '"}, {"%s", 'i', 1, "doInt", kMismatch},
-        {"x", 'u', 1, "doInt", kMismatch}, {"%*d", 'u', 0x80000000, "doInt", "field width out of range in '"},
-        {"%.*d", 'i', INT64_MAX, "doInt", "field precision out of range in '"}, {"%d", 'd', 1, "doDouble", kMismatch},
-        {"%*f", 'd', 1, "doDouble", kWidth}, {"%.*f", 'd', 1, "doDouble", kPrecision},
-        {"%c", 's', 0, "doString", kMismatch}, {"%*s", 's', 0, "doString", kWidth},
-        {"%.*s", 's', 0, "doString", kPrecision}, {"%s", 'c', 'a', "doChar", kMismatch},
-        {"%c", 'c', 0xD800, "doChar", kCodePoint}, {"%c", 'i', -1, "doChar", kCodePoint},
+        {"%-+ #00q", 0, 0, kNext, "too many field flags specified in '"},
+        {"%s", 'i', 1, "doInt", kMismatch},
+        {"x", 'u', 1, "doInt", kMismatch},
+        {"%*d", 'u', 0x80000000, "doInt", "field width out of range in '"},
+        {"%.*d", 'i', INT64_MAX, "doInt", "field precision out of range in '"},
+        {"%d", 'd', 1, "doDouble", kMismatch},
+        {"%*f", 'd', 1, "doDouble", kWidth},
+        {"%.*f", 'd', 1, "doDouble", kPrecision},
+        {"%c", 's', 0, "doString", kMismatch},
+        {"%*s", 's', 0, "doString", kWidth},
+        {"%.*s", 's', 0, "doString", kPrecision},
+        {"%s", 'c', 'a', "doChar", kMismatch},
+        {"%c", 'c', 0xD800, "doChar", kCodePoint},
+        {"%c", 'i', -1, "doChar", kCodePoint},
         {"%c", 'u', 0x110000, "doChar", kCodePoint},
     };
     for (const auto& c : cases)
-        EXPECT_EQ(argFailure(c.format, c.kind, c.value), "CStringFormat::" + c.method + ": " + c.message + c.format + "'");
+        EXPECT_EQ(argFailure(c.format, c.kind, c.value),
+                  "CStringFormat::" + c.method + ": " + c.message + c.format + "'");
     std::string description;
     argFailure("%q", 0, 0, &description);
     EXPECT_EQ(description, "An invalid argument was passed to method 'CStringFormat::goToNextFormatField' of "
@@ -190,11 +207,13 @@ TEST(StringFormat, WidthsAndPrecisionsAreBounded)
     const int64_t max = CStringFormat::kMaxCount;
     const std::string over = std::to_string(max + 1);
     const std::string bad = "goToNextFormatField: invalid format string in '";
-    for (const std::string& field : {"%" + over + "d", "%." + over + "f", "%" + over + "s", std::string("%.2147483647f")})
+    for (const std::string& field :
+         {"%" + over + "d", "%." + over + "f", "%" + over + "s", std::string("%.2147483647f")})
         EXPECT_EQ(argFailure(field.c_str()), "CStringFormat::" + bad + field + "'") << field;
-    for (const auto& [format, value, message] :
-         {std::tuple{"%*s", max + 1, "field width"}, {"%.*s", max + 1, "field precision"},
-          {"%*d", int64_t(INT32_MAX), "field width"}, {"%.*f", int64_t(0x7FFFFFF0), "field precision"}})
+    for (const auto& [format, value, message] : {std::tuple{"%*s", max + 1, "field width"},
+                                                 {"%.*s", max + 1, "field precision"},
+                                                 {"%*d", int64_t(INT32_MAX), "field width"},
+                                                 {"%.*f", int64_t(0x7FFFFFF0), "field precision"}})
         EXPECT_EQ(argFailure(format, 'i', value),
                   std::string("CStringFormat::doInt: ") + message + " out of range in '" + format + "'");
     // The limit itself is allowed, written or pushed.

@@ -1,8 +1,8 @@
 #include "FrameworkTest.h"
 
 #include "framework/errors/CFileNotFoundError.h"
-#include "framework/text/CStringLocalizer.h"
 #include "framework/errors/LocalizedText.h"
+#include "framework/text/CStringLocalizer.h"
 
 #include <atomic>
 #include <chrono>
@@ -167,12 +167,12 @@ TEST(StringLocalizer, TablesReplaceEverythingAndTheLaterOfTwoAnswers)
         const char16_t* key;
         const char16_t* expected;
     } cases[] = {
-        {u"both", u"second"},                // the later table answers
-        {u"first", u"1"},                    // ... and the earlier one what the later lacks
-        {u"blank", u"fallback fills in"},    // an empty text counts as missing, even over a full one
+        {u"both", u"second"}, // the later table answers
+        {u"first", u"1"}, // ... and the earlier one what the later lacks
+        {u"blank", u"fallback fills in"}, // an empty text counts as missing, even over a full one
         {u"only.fallback", u"from fallback"},
-        {u"set", u"d"},                      // setTexts replaces what setString set
-        {u"\xD800", u"lone"},                // unpaired surrogates are units like any other
+        {u"set", u"d"}, // setTexts replaces what setString set
+        {u"\xD800", u"lone"}, // unpaired surrogates are units like any other
         {u"nowhere", u"d"},
     };
     for (const auto& c : cases) {

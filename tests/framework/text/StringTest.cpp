@@ -1,10 +1,10 @@
 // CString: storage, conversion between encodings, and the operations, which must give one answer
 // whatever the encodings of the strings and whichever argument variant carries the text.
 
+#include "framework/errors/CMethodNotImplementedError.h"
 #include "framework/text/CCPCharEncoding.h"
 #include "framework/text/CCharCursor.h"
 #include "framework/text/CLatin1CharEncoding.h"
-#include "framework/errors/CMethodNotImplementedError.h"
 #include "framework/text/CString.h"
 #include "framework/text/CUTF16CharEncoding.h"
 #include "framework/text/CUTF32CharEncoding.h"
@@ -118,7 +118,9 @@ TEST(StringStorage, NullWrongCountsAndInvalidBytes)
     EXPECT_EQ(wrong.findLast("c"), 2u);
     EXPECT_EQ(wrong.slice(9)->getByteLength() + wrong.slice(4)->getByteLength(), 0u);
     // Invalid bytes are not counted.
-    CUTF8String invalid("A\xFF" "B", 3);
+    CUTF8String invalid("A\xFF"
+                        "B",
+                        3);
     EXPECT_EQ(codePoints(invalid), CodePoints({'A', 'B'}));
     EXPECT_TRUE(invalid.equals("AB"));
 }
@@ -193,7 +195,8 @@ TEST(StringConversion, WhatEachTargetKeeps)
     const char32_t odd[] = {0x41, 0xD800, 0x110000, 0x42, 0};
     CUTF32String u(odd);
     EXPECT_EQ(storage(CUTF16String(u)), "UTF-16 AB, 4 bytes, 2 chars, owned, terminated");
-    EXPECT_EQ(storage(CUTF8String(u)), "UTF-8 A\xED\xA0\x80" "B, 5 bytes, 3 chars, owned, terminated");
+    EXPECT_EQ(storage(CUTF8String(u)), "UTF-8 A\xED\xA0\x80"
+                                       "B, 5 bytes, 3 chars, owned, terminated");
 }
 
 // Results are exactly -1, 0 or 1, by code point, whatever the two encodings.
@@ -202,12 +205,18 @@ TEST(StringCompare, ByCodePointAcrossEncodingsAndHashesAlike)
     for (ICharEncoding* a : allEncodings()) {
         for (ICharEncoding* b : allEncodings()) {
             for (const auto& [x, y, limit, prefix, ignoreCase, want] :
-                 {std::tuple{u"abc", u"abc", kUnknown, false, false, 0}, {u"abc", u"abd", kUnknown, false, false, -1},
-                  {u"abc", u"abcd", kUnknown, false, false, -1}, {u"abd", u"abcd", kUnknown, false, false, 1},
-                  {u"abcd", u"abc", kUnknown, false, false, 1}, {u"abcd", u"abc", kUnknown, true, false, 0},
-                  {u"abc", u"", kUnknown, false, false, 1}, {u"", u"a", kUnknown, false, false, -1},
-                  {u"abx", u"aby", 2u, false, false, 0}, {u"abx", u"aby", 3u, false, false, -1},
-                  {u"x", u"y", 0u, false, false, 0}, {u"abc", u"ABC", kUnknown, false, true, 0},
+                 {std::tuple{u"abc", u"abc", kUnknown, false, false, 0},
+                  {u"abc", u"abd", kUnknown, false, false, -1},
+                  {u"abc", u"abcd", kUnknown, false, false, -1},
+                  {u"abd", u"abcd", kUnknown, false, false, 1},
+                  {u"abcd", u"abc", kUnknown, false, false, 1},
+                  {u"abcd", u"abc", kUnknown, true, false, 0},
+                  {u"abc", u"", kUnknown, false, false, 1},
+                  {u"", u"a", kUnknown, false, false, -1},
+                  {u"abx", u"aby", 2u, false, false, 0},
+                  {u"abx", u"aby", 3u, false, false, -1},
+                  {u"x", u"y", 0u, false, false, 0},
+                  {u"abc", u"ABC", kUnknown, false, true, 0},
                   {u"\u00C9t\u00E9", u"\u00E9T\u00C9", kUnknown, false, true, 0}}) {
                 P<IString> left = in(*a, x);
                 P<IString> right = in(*b, y);
@@ -224,7 +233,11 @@ TEST(StringCompare, ByCodePointAcrossEncodingsAndHashesAlike)
     const uint32_t h = CUTF16String(u"Gr\u00FC\u00DFe").hash();
     for (ICharEncoding* enc : allEncodings())
         EXPECT_EQ(in(*enc, u"Gr\u00FC\u00DFe")->hash(), h) << enc->getName();
-    EXPECT_EQ(CUTF8String("A\xFF" "B", 3).hash(), CUTF8String("AB").hash());
+    EXPECT_EQ(CUTF8String("A\xFF"
+                          "B",
+                          3)
+                  .hash(),
+              CUTF8String("AB").hash());
     EXPECT_NE(CUTF8String("AB").hash(), CUTF8String("BA").hash());
     EXPECT_NE(CUTF8String("a").hash(), CUTF8String("A").hash());
 }
@@ -232,10 +245,15 @@ TEST(StringCompare, ByCodePointAcrossEncodingsAndHashesAlike)
 TEST(StringCompare, IgnoreCaseWithRealUnicode)
 {
     const std::pair<const char16_t*, const char16_t*> variants[] = {
-        {u"\u00C0\u00C9\u00CE\u00D5\u00DC\u00DE", u"\u00E0\u00E9\u00EE\u00F5\u00FC\u00FE"}, {u"\u0178", u"\u00FF"},
+        {u"\u00C0\u00C9\u00CE\u00D5\u00DC\u00DE", u"\u00E0\u00E9\u00EE\u00F5\u00FC\u00FE"},
+        {u"\u0178", u"\u00FF"},
         {u"\u039F\u0394\u03A5\u03A3\u03A3\u0395\u03A5\u03A3", u"\u03BF\u03B4\u03C5\u03C3\u03C3\u03B5\u03C5\u03C2"},
-        {u"\u041F\u0420\u0418\u0412\u0415\u0422", u"\u043F\u0440\u0438\u0432\u0435\u0442"}, {u"\u212A", u"k"},
-        {u"\u212A", u"K"}, {u"\u017F", u"S"}, {u"\u1E9E", u"\u00DF"}, {u"\U00010400", u"\U00010428"},
+        {u"\u041F\u0420\u0418\u0412\u0415\u0422", u"\u043F\u0440\u0438\u0432\u0435\u0442"},
+        {u"\u212A", u"k"},
+        {u"\u212A", u"K"},
+        {u"\u017F", u"S"},
+        {u"\u1E9E", u"\u00DF"},
+        {u"\U00010400", u"\U00010428"},
     };
     for (const auto& [a, b] : variants) {
         EXPECT_EQ(CUTF16String(a).compareIgnoreCase(CUTF16String(b)), 0);
@@ -256,8 +274,18 @@ TEST(StringCompare, IgnoreCaseWithRealUnicode)
 // overlap).
 TEST(StringSearch, AgreesWithStdStringInEveryEncoding)
 {
-    const std::u16string texts[] = {u"ab\u00E9ab\u00E9ab", u"aaaa", u"aaa", u"", u"a", u"aa", u"ab", u"b\u00E9",
-                                    u"\u00E9ab", u"abx", u"ab\u00E9ab\u00E9ab\u00E9", u"xab\u00E9ab\u00E9ab"};
+    const std::u16string texts[] = {u"ab\u00E9ab\u00E9ab",
+                                    u"aaaa",
+                                    u"aaa",
+                                    u"",
+                                    u"a",
+                                    u"aa",
+                                    u"ab",
+                                    u"b\u00E9",
+                                    u"\u00E9ab",
+                                    u"abx",
+                                    u"ab\u00E9ab\u00E9ab\u00E9",
+                                    u"xab\u00E9ab\u00E9ab"};
     const auto pos = [](size_t at) { return at == std::u16string::npos ? kNotFound : static_cast<uint32_t>(at); };
     for (ICharEncoding* enc : allEncodings()) {
         for (const std::u16string& hay : texts) {
@@ -316,14 +344,19 @@ TEST(StringSearch, PositionsAreCharactersNotBytes)
 TEST(StringArgument, EveryVariantGivesTheSameAnswers)
 {
     auto ask = [](const IString& s, const CStringArg& a) {
-        return std::tuple{s.find(a), s.getEncoding()->supportsReverse() ? s.findLast(a) : 0, s.count(a),
-                          s.startsWith(a), s.endsWith(a), s.equals(a), s.compare(a)};
+        return std::tuple{s.find(a),     s.getEncoding()->supportsReverse() ? s.findLast(a) : 0,
+                          s.count(a),    s.startsWith(a),
+                          s.endsWith(a), s.equals(a),
+                          s.compare(a)};
     };
     // Narrow text is Latin-1, wide text UTF-16 (or UTF-32 where wchar_t has 32 bits).
     const P<IString> le8 = in(*CUTF8CharEncoding::instance(), u"l\u00E9");
     const P<IString> le1 = in(*CLatin1CharEncoding::instance(), u"l\u00E9");
-    const CStringArg le[] = {le8, *le1, "l\xE9", {"l\xE9x", 2}, u"l\u00E9", {u"l\u00E9x", 2}, U"l\u00E9",
-                             {U"l\u00E9x", 2}, L"l\u00E9", {L"l\u00E9x", 2}};
+    const CStringArg le[] = {le8,        *le1,
+                             "l\xE9",    {"l\xE9x", 2},
+                             u"l\u00E9", {u"l\u00E9x", 2},
+                             U"l\u00E9", {U"l\u00E9x", 2},
+                             L"l\u00E9", {L"l\u00E9x", 2}};
     const CStringArg e[] = {CStringArg('\xE9'), CStringArg(u'\u00E9'), CStringArg(U'\u00E9'), CStringArg(L'\u00E9')};
     for (ICharEncoding* enc : allEncodings()) {
         for (const char16_t* hay : {u"hell\u00E9", u"l\u00E9l\u00E9", u"l\u00E9", u"\u00E9", u"l", u""}) {
@@ -368,9 +401,13 @@ TEST(StringSlice, KeepsItsParentAliveAndClamps)
 
     for (ICharEncoding* enc : allEncodings()) {
         P<IString> s = in(*enc, u"abcdef");
-        for (const auto& [start, count, want] :
-             {std::tuple{2u, 3u, u"cde"}, {2u, kUnknown, u"cdef"}, {4u, 99u, u"ef"}, {1u, 2u, u"bc"},
-              {6u, kUnknown, u""}, {99u, 2u, u""}, {0u, 0u, u""}}) {
+        for (const auto& [start, count, want] : {std::tuple{2u, 3u, u"cde"},
+                                                 {2u, kUnknown, u"cdef"},
+                                                 {4u, 99u, u"ef"},
+                                                 {1u, 2u, u"bc"},
+                                                 {6u, kUnknown, u""},
+                                                 {99u, 2u, u""},
+                                                 {0u, 0u, u""}}) {
             P<IString> slice = s->slice(start, count);
             EXPECT_EQ(slice->toU16(), want) << enc->getName() << " " << start << " " << count;
             EXPECT_EQ(slice->getLength(), std::u16string_view(want).size());
@@ -380,10 +417,13 @@ TEST(StringSlice, KeepsItsParentAliveAndClamps)
 
 TEST(StringReplace, ReplaceAllAndConcat)
 {
-    for (const auto& [text, what, with, want] :
-         {std::tuple{u"a-b--c", u"-", u"+", u"a+b++c"}, {u"a-b--c", u"--", u"\u20AC", u"a-b\u20ACc"},
-          {u"a-b--c", u"-", u"", u"abc"}, {u"a-b--c", u"", u"x", u"a-b--c"}, {u"a-b--c", u"x", u"y", u"a-b--c"},
-          {u"aaa", u"aa", u"b", u"ba"}, {u"A", u"a", u"b", u"A"}}) {
+    for (const auto& [text, what, with, want] : {std::tuple{u"a-b--c", u"-", u"+", u"a+b++c"},
+                                                 {u"a-b--c", u"--", u"\u20AC", u"a-b\u20ACc"},
+                                                 {u"a-b--c", u"-", u"", u"abc"},
+                                                 {u"a-b--c", u"", u"x", u"a-b--c"},
+                                                 {u"a-b--c", u"x", u"y", u"a-b--c"},
+                                                 {u"aaa", u"aa", u"b", u"ba"},
+                                                 {u"A", u"a", u"b", u"A"}}) {
         P<IString> r = in(*CUTF8CharEncoding::instance(), text)->replaceAll(what, with);
         EXPECT_EQ(r->toU16(), want);
         EXPECT_EQ(r->getEncoding()->getId(), CUTF8CharEncoding::kId);
@@ -409,9 +449,16 @@ using namespace kore;
 
 // Text in many scripts, each character chosen so that the UTF-8 class's refusal of leads 0xE0 and
 // 0xF0 (U+0800-U+0FFF, U+10000-U+3FFFF) is crossed: Devanagari, Thai and emoji lie there.
-const char16_t* const kScripts[] = {u"caf\u00E9", u"\u0395\u03BB\u03BB\u03AC\u03B4\u03B1", u"\u0420\u0443\u0441\u044C",
-                                    u"\u0939\u093F\u0928\u094D\u0926\u0940", u"\u0E44\u0E17\u0E22", u"\u65E5\u672C\u8A9E",
-                                    u"\uD55C\uAD6D\uC5B4", u"smile \U0001F600", u"e\u0301\u0308", u"\u05E2\u05D1\u05E8\u05D9\u05EA"};
+const char16_t* const kScripts[] = {u"caf\u00E9",
+                                    u"\u0395\u03BB\u03BB\u03AC\u03B4\u03B1",
+                                    u"\u0420\u0443\u0441\u044C",
+                                    u"\u0939\u093F\u0928\u094D\u0926\u0940",
+                                    u"\u0E44\u0E17\u0E22",
+                                    u"\u65E5\u672C\u8A9E",
+                                    u"\uD55C\uAD6D\uC5B4",
+                                    u"smile \U0001F600",
+                                    u"e\u0301\u0308",
+                                    u"\u05E2\u05D1\u05E8\u05D9\u05EA"};
 
 std::u32string model(const IString& s)
 {
@@ -525,7 +572,8 @@ TEST(StringCursor, ReadsWhatTheEncodingReadsOverRandomBytes)
 {
     std::mt19937 random(16);
     // Bytes that are plain units, surrogates, multi-byte leads, continuations and odd tails.
-    const uint8_t pool[] = {'a', '~', 0x00, 0x7F, 0x80, 0xBF, 0xC3, 0xA9, 0xCE, 0xE0, 0xE2, 0xF0, 0xD8, 0xDC, 0xDF, 0xFF};
+    const uint8_t pool[] = {'a',  '~',  0x00, 0x7F, 0x80, 0xBF, 0xC3, 0xA9,
+                            0xCE, 0xE0, 0xE2, 0xF0, 0xD8, 0xDC, 0xDF, 0xFF};
     for (ICharEncoding* enc : allEncodings()) {
         for (int round = 0; round < 400; ++round) {
             std::vector<uint8_t> bytes(random() % 40);
@@ -534,7 +582,8 @@ TEST(StringCursor, ReadsWhatTheEncodingReadsOverRandomBytes)
             const auto len = static_cast<uint32_t>(bytes.size());
             const uint32_t start = len == 0 ? 0 : static_cast<uint32_t>(random() % len);
             std::u32string want;
-            for (uint32_t off = start, cp = 0; (off = enc->decodeChar(cp, bytes.data(), len, off)) != ICharEncoding::kFail;)
+            for (uint32_t off = start, cp = 0;
+                 (off = enc->decodeChar(cp, bytes.data(), len, off)) != ICharEncoding::kFail;)
                 want.push_back(cp);
             const CString s(bytes.data(), len, kUnknown, false, *enc, CString::kCopy);
             std::u32string got;

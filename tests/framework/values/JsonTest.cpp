@@ -3,8 +3,8 @@
 #include "FrameworkTest.h"
 #include "VariantTestSupport.h"
 
-#include "framework/values/CJsonParser.h"
 #include "framework/errors/CJsonParserError.h"
+#include "framework/values/CJsonParser.h"
 #include "framework/values/CJsonPrinter.h"
 
 #include <limits>
@@ -38,7 +38,7 @@ P<IBase> text(std::string_view utf8)
 
 TEST(JsonVariants, CastsTellTheKindsApart)
 {
-    const P<IBase> values[] = {make<CInt>(1), make<CInt64>(1), make<CDouble>(1), make<CBool>(true),
+    const P<IBase> values[] = {make<CInt>(1), make<CInt64>(1),     make<CDouble>(1),     make<CBool>(true),
                                make<CNull>(), make<CVariantMap>(), make<CVariantArray>()};
     const char* expected[] = {"int 1", "int64 1", "double 1.0", "true", "null", "map{}", "[]"};
     for (size_t i = 0; i < std::size(values); ++i)
@@ -157,8 +157,7 @@ TEST(JsonParser, StringsAndStructure)
     EXPECT_EQ(describe(parsed("null")), "null");
 
     // Repeated keys keep the last value.
-    EXPECT_EQ(printed(parsed(R"( { "b" : [ 1 , { } , [ ] ] , "a" : 1 , "a" : "x" } )")),
-              R"({"a":"x","b":[1,{},[]]})");
+    EXPECT_EQ(printed(parsed(R"( { "b" : [ 1 , { } , [ ] ] , "a" : 1 , "a" : "x" } )")), R"({"a":"x","b":[1,{},[]]})");
 
     // Parsing from a framework string directly.
     EXPECT_EQ(describe(make<CJsonParser>()->parse(u"[\"\U0001F600\"]")), "[string '\U0001F600']");
@@ -177,17 +176,50 @@ TEST(JsonParser, FailuresAndTheirMessages)
     EXPECT_EQ(parseFailure("[1"), "expected ',' or ']' in an array: the text ends at character 2");
 
     const char* malformed[] = {
-        "", " ", "[", "]", "{", "{\"a\"}", "{\"a\":1,}", "{a:1}", "{\"a\" 1}", "[1 2]", "01", "-",
-        "1.", ".5", "1e", "1e+", "+1", "0x10", "NaN", "Infinity", "nul", "nulL", "\"abc",
-        "\"a\x01\"", "\"tab\there\"", "\"\\x\"", "\"\\", "[1]x", "1 2", "'a'", "\xEF\xBB\xBF{}",
-        "[\"\xC0\xAF\"]", "\"\xED\xA0\x80\"", "\"\xF4\x90\x80\x80\"", "\"\xE0\xA4\"", "\"\xFF\"",
-        "1e999", "-1e999",
+        "",
+        " ",
+        "[",
+        "]",
+        "{",
+        "{\"a\"}",
+        "{\"a\":1,}",
+        "{a:1}",
+        "{\"a\" 1}",
+        "[1 2]",
+        "01",
+        "-",
+        "1.",
+        ".5",
+        "1e",
+        "1e+",
+        "+1",
+        "0x10",
+        "NaN",
+        "Infinity",
+        "nul",
+        "nulL",
+        "\"abc",
+        "\"a\x01\"",
+        "\"tab\there\"",
+        "\"\\x\"",
+        "\"\\",
+        "[1]x",
+        "1 2",
+        "'a'",
+        "\xEF\xBB\xBF{}",
+        "[\"\xC0\xAF\"]",
+        "\"\xED\xA0\x80\"",
+        "\"\xF4\x90\x80\x80\"",
+        "\"\xE0\xA4\"",
+        "\"\xFF\"",
+        "1e999",
+        "-1e999",
     };
     for (const char* input : malformed) {
         SCOPED_TRACE(input);
-        expectThrown<CJsonParserError>([&] { parsed(input); }, [](const CJsonParserError& e) {
-            EXPECT_EQ(e.getGeneralDescription()->toUTF8(), "JSONParser Error");
-        });
+        expectThrown<CJsonParserError>(
+            [&] { parsed(input); },
+            [](const CJsonParserError& e) { EXPECT_EQ(e.getGeneralDescription()->toUTF8(), "JSONParser Error"); });
     }
 }
 
@@ -204,8 +236,7 @@ TEST(JsonParser, HostileInputEndsInAParserError)
         return s;
     };
     EXPECT_NO_THROW(parsed(nested(CJsonParser::kMaxDepth, "[", "]")));
-    EXPECT_NO_THROW(parsed(nested(CJsonParser::kMaxDepth, "{\"\":", "}").replace(
-        CJsonParser::kMaxDepth * 4, 0, "0")));
+    EXPECT_NO_THROW(parsed(nested(CJsonParser::kMaxDepth, "{\"\":", "}").replace(CJsonParser::kMaxDepth * 4, 0, "0")));
     EXPECT_THROW(parsed(nested(CJsonParser::kMaxDepth + 1, "[", "]")), CJsonParserError);
     EXPECT_THROW(parsed(std::string(100000, '[')), CJsonParserError);
     EXPECT_THROW(parsed(nested(100000, "{\"a\":[", "]}")), CJsonParserError);

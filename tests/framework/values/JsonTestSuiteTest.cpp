@@ -5,8 +5,8 @@
 #include "FrameworkTest.h"
 #include "TempFolder.h"
 
-#include "framework/values/CJsonParser.h"
 #include "framework/errors/CJsonParserError.h"
+#include "framework/values/CJsonParser.h"
 #include "framework/values/CJsonPrinter.h"
 
 #include <algorithm>
@@ -16,8 +16,7 @@ namespace kore_test {
 
 TEST(JsonTestSuite, EveryFileAsItsNameSays)
 {
-    const std::filesystem::path folder =
-        pathFromUTF8(QOR_TESTDATA_DIR) / "JSONTestSuite" / "test_parsing";
+    const std::filesystem::path folder = pathFromUTF8(QOR_TESTDATA_DIR) / "JSONTestSuite" / "test_parsing";
     std::error_code error;
     if (!std::filesystem::is_directory(folder, error))
         GTEST_SKIP() << "no test suite at " << utf8FromPath(folder);

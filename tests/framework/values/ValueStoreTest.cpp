@@ -5,9 +5,9 @@
 #include "VariantTestSupport.h"
 
 #include "framework/errors/CFileNotFoundError.h"
-#include "framework/values/CNull.h"
-#include "framework/io/CURI.h"
 #include "framework/errors/CURITypeNotSupportedError.h"
+#include "framework/io/CURI.h"
+#include "framework/values/CNull.h"
 #include "framework/values/IValueStore.h"
 #include "framework/values/IValueStoreFactory.h"
 #include "framework/values/IValueStoreManager.h"
@@ -95,7 +95,8 @@ TEST(ValueStore, RoundTripsKeepEveryValue)
         list.setString("title", u"Gr\u00fc\u00dfe \u0928\u092e\u0938\u094d\u0924\u0947 \U0001F600 \u0800 <&>\"'");
         list.setString("lines", " two\n\tlines \\ ");
         list.setString("", "");
-        list.setString("control", "a\x01" "b\x1f\r\b\f");
+        list.setString("control", "a\x01"
+                                  "b\x1f\r\b\f");
         list.setString("spaces", " \t\n");
         list.setInteger("int", std::numeric_limits<int32_t>::min());
         list.setInteger("int64", std::numeric_limits<int64_t>::min());
@@ -158,11 +159,13 @@ TEST(ValueStore, FailuresLoseNoData)
         for (const char* content : broken) {
             SCOPED_TRACE(content);
             folder.writeFile(name, content);
-            expectThrown<CFileError>([&] { store->load(); }, [&](const CFileError& e) {
-                ASSERT_NE(e.getURI(), nullptr);
-                EXPECT_TRUE(e.getURI()->toString()->equals(store->getURI()->toString()));
-                EXPECT_NE(e.getDescription()->find(store->getURI()->toString()), IString::kNotFound);
-            });
+            expectThrown<CFileError>([&] { store->load(); },
+                                     [&](const CFileError& e) {
+                                         ASSERT_NE(e.getURI(), nullptr);
+                                         EXPECT_TRUE(e.getURI()->toString()->equals(store->getURI()->toString()));
+                                         EXPECT_NE(e.getDescription()->find(store->getURI()->toString()),
+                                                   IString::kNotFound);
+                                     });
             EXPECT_EQ(describe(list), "list{kept=string 'yes';}");
         }
 

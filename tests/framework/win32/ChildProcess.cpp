@@ -40,19 +40,18 @@ CChildProcess::CChildProcess(const std::string& testName, const std::string& par
 {
     std::vector<wchar_t> path(MAX_PATH);
     DWORD length;
-    while ((length = GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()))) ==
-           path.size())
+    while ((length = GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()))) == path.size())
         path.resize(path.size() * 2);
     const std::wstring exe(path.data(), length);
-    std::wstring commandLine = L"\"" + exe + L"\" --gtest_also_run_disabled_tests --gtest_filter=" +
-                               widen(testName) + L" --gtest_brief=1";
+    std::wstring commandLine =
+        L"\"" + exe + L"\" --gtest_also_run_disabled_tests --gtest_filter=" + widen(testName) + L" --gtest_brief=1";
     std::vector<wchar_t> environment = childEnvironment(parameter);
 
     STARTUPINFOW startup{};
     startup.cb = sizeof(startup);
     PROCESS_INFORMATION info{};
-    if (!CreateProcessW(exe.c_str(), commandLine.data(), nullptr, nullptr, FALSE,
-                        CREATE_UNICODE_ENVIRONMENT, environment.data(), nullptr, &startup, &info))
+    if (!CreateProcessW(exe.c_str(), commandLine.data(), nullptr, nullptr, FALSE, CREATE_UNICODE_ENVIRONMENT,
+                        environment.data(), nullptr, &startup, &info))
         throw std::runtime_error("cannot start child process for " + testName);
     CloseHandle(info.hThread);
     m_process = reinterpret_cast<intptr_t>(info.hProcess);

@@ -3,6 +3,8 @@
 namespace kore_test {
 
 // A named Win32 mutex disappears with its last handle.
-void removeGlobalMutexName(const std::string&) {}
+void removeGlobalMutexName(const std::string&)
+{
+}
 
 } // namespace kore_test

@@ -5,12 +5,12 @@
 #include "chunk_file/CMemoryStream.h"
 #include "chunk_file/ChunkId.h"
 #include "chunk_file/TChunkRef.h"
-#include "framework/values/CJsonParser.h"
-#include "framework/values/CJsonPrinter.h"
 #include "framework/text/CLatin1CharEncoding.h"
 #include "framework/text/CString.h"
 #include "framework/text/CUTF16CharEncoding.h"
 #include "framework/text/CUTF32CharEncoding.h"
+#include "framework/values/CJsonParser.h"
+#include "framework/values/CJsonPrinter.h"
 #include "qor_lang_manager/CLanguageFileWriter.h"
 
 #include "Formats.h"
@@ -33,7 +33,10 @@ void save(const std::string& target, const std::string& name, const Bytes& bytes
     std::ofstream(folder / name, std::ios::binary).write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
 }
 
-Bytes bytesOf(const std::vector<uint8_t>& v) { return Bytes(v.begin(), v.end()); }
+Bytes bytesOf(const std::vector<uint8_t>& v)
+{
+    return Bytes(v.begin(), v.end());
+}
 
 Bytes languageFile(bool full)
 {
@@ -64,10 +67,12 @@ Bytes nestedContainer()
     {
         chf::TChunkRef<chf::CChunkFile> file(chf::CChunkFileWriter::createFile(stream.get()));
         chf::CChunkFileWriter::appendChunk(file.get(), chf::makeChunkId("lang"), "abcdef", 6);
-        chf::TChunkRef<chf::CChunkIterator> outer(chf::CChunkFileWriter::appendChunkIterator(file.get(), chf::makeChunkId("STMP")));
+        chf::TChunkRef<chf::CChunkIterator> outer(
+            chf::CChunkFileWriter::appendChunkIterator(file.get(), chf::makeChunkId("STMP")));
         chf::CChunkFileWriter::appendChunk(outer.get(), chf::makeChunkId("data"), "0123456789", 10);
         {
-            chf::TChunkRef<chf::CChunkIterator> inner(chf::CChunkFileWriter::appendChunkIterator(outer.get(), chf::makeChunkId("sub_")));
+            chf::TChunkRef<chf::CChunkIterator> inner(
+                chf::CChunkFileWriter::appendChunkIterator(outer.get(), chf::makeChunkId("sub_")));
             chf::CChunkFileWriter::appendChunk(inner.get(), chf::makeChunkId("data"), "xy", 2);
         }
         chf::CChunkFileWriter::appendChunk(file.get(), chf::makeChunkId("vers"), "\1\0\0\0", 4);
@@ -90,9 +95,15 @@ Bytes encoded(const std::u16string& text, kore::ICharEncoding& encoding)
     return Bytes(reinterpret_cast<const char*>(s->getBuffer()), s->getByteLength());
 }
 
-Bytes piece(const Bytes& bytes) { return Bytes(1, static_cast<char>(bytes.size())) + bytes; }
+Bytes piece(const Bytes& bytes)
+{
+    return Bytes(1, static_cast<char>(bytes.size())) + bytes;
+}
 
-Bytes le32(uint32_t v) { return {char(v), char(v >> 8), char(v >> 16), char(v >> 24)}; }
+Bytes le32(uint32_t v)
+{
+    return {char(v), char(v >> 8), char(v >> 16), char(v >> 24)};
+}
 
 } // namespace
 
@@ -109,10 +120,28 @@ int main(int argc, char** argv)
 
     const Bytes nested = nestedContainer();
     // next, into "STMP", read, write, insert and remove space in open children, append.
-    save("chunk_file", "walk", program({{0, 0}, {0, 0}, {2, 0}, {0, 0}, {4, 0}, {0, 0}, {2, 0}, {0, 0}, {6, 0x0801}}) + nested);
-    save("chunk_file", "edit", program({{0, 0}, {0, 0}, {2, 0}, {0, 0}, {4, 0}, {8, 0x0403}, {7, 0x0502},
-                                        {9, 0x0205}, {0, 0}, {2, 0}, {0, 0}, {4, 0}, {9, 0x0301}, {11, 0x0702},
-                                        {5, 1}, {3, 0}, {11, 0x0301}, {8, 0x0A00}}) + nested);
+    save("chunk_file", "walk",
+         program({{0, 0}, {0, 0}, {2, 0}, {0, 0}, {4, 0}, {0, 0}, {2, 0}, {0, 0}, {6, 0x0801}}) + nested);
+    save("chunk_file", "edit",
+         program({{0, 0},
+                  {0, 0},
+                  {2, 0},
+                  {0, 0},
+                  {4, 0},
+                  {8, 0x0403},
+                  {7, 0x0502},
+                  {9, 0x0205},
+                  {0, 0},
+                  {2, 0},
+                  {0, 0},
+                  {4, 0},
+                  {9, 0x0301},
+                  {11, 0x0702},
+                  {5, 1},
+                  {3, 0},
+                  {11, 0x0301},
+                  {8, 0x0A00}}) +
+             nested);
     save("chunk_file", "language", program({{10, 0}, {2, 0}, {0, 0}, {4, 0}, {9, 0x0810}, {3, 0}}) + full);
 
     const std::u16string sample = u"Grüße, 日本 \U0001F600 ÆØÅ €";
@@ -128,7 +157,8 @@ int main(int argc, char** argv)
         {"cp_utf8", 4 | 0 << 3, *kore::CCPCharEncoding::instance(), *kore::CUTF8CharEncoding::instance()},
     };
     for (const auto& e : encodings)
-        save("encodings", e.name, Bytes{char(e.selectors), 2, 5} + piece(encoded(sample, e.first)) + encoded(other, e.second));
+        save("encodings", e.name,
+             Bytes{char(e.selectors), 2, 5} + piece(encoded(sample, e.first)) + encoded(other, e.second));
 
     const char* formats[][2] = {
         {"file", "%s-%s.qorlang"},
@@ -186,7 +216,8 @@ int main(int argc, char** argv)
     const struct {
         const char* target;
         qorlang::Format format;
-    } forms[] = {{"qorlang_po", qorlang::Format::Po}, {"qorlang_xliff", qorlang::Format::Xliff},
+    } forms[] = {{"qorlang_po", qorlang::Format::Po},
+                 {"qorlang_xliff", qorlang::Format::Xliff},
                  {"qorlang_ts", qorlang::Format::Ts},
                  {"qorlang_json", qorlang::Format::Json}};
     for (const auto& form : forms) {

@@ -7,8 +7,8 @@
 #include "qor_lang2.h"
 
 #include "../../framework/TempFolder.h"
-#include "framework/text/CString.h"
 #include "framework/io/CURI.h"
+#include "framework/text/CString.h"
 #include "qor_lang_manager/CLanguageFileWriter.h"
 
 #include <gtest/gtest.h>
@@ -31,10 +31,16 @@ inline const QOR_LANG2_CHAR* w(std::u16string_view text)
     return reinterpret_cast<const QOR_LANG2_CHAR*>(text.data());
 }
 
-inline std::u16string u16(std::string_view ascii) { return std::u16string(ascii.begin(), ascii.end()); }
+inline std::u16string u16(std::string_view ascii)
+{
+    return std::u16string(ascii.begin(), ascii.end());
+}
 
 // For failure messages.
-inline std::string utf8(const std::u16string& text) { return kore::CString::fromUTF16(text)->toUTF8(); }
+inline std::string utf8(const std::u16string& text)
+{
+    return kore::CString::fromUTF16(text)->toUTF8();
+}
 
 // A string the library returned, copied and then given back to the library; nullopt for null.
 using Text = std::optional<std::u16string>;
@@ -57,8 +63,14 @@ inline FileHandle languageFile(const std::u16string& appId, int32_t index)
 {
     return FileHandle(QOR_LANG2_getLanguageFile(w(appId), index));
 }
-inline Text currentLanguage() { return take(QOR_LANG2_getCurrentLanguage()); }
-inline int32_t setLanguage(const std::u16string& tag) { return QOR_LANG2_setCurrentLanguage(w(tag)); }
+inline Text currentLanguage()
+{
+    return take(QOR_LANG2_getCurrentLanguage());
+}
+inline int32_t setLanguage(const std::u16string& tag)
+{
+    return QOR_LANG2_setCurrentLanguage(w(tag));
+}
 
 inline Text localString(const std::u16string& key, const std::u16string& defaultText)
 {
@@ -80,9 +92,9 @@ inline int32_t addFolder(const std::filesystem::path& folder, const std::u16stri
 }
 
 // A language file with a tag, an application id and strings; the other items stay empty.
-inline qor_lang::CLanguageFileWriter languageWriter(
-    const std::u16string& tag, const std::u16string& appId,
-    const std::vector<std::pair<std::u16string, std::u16string>>& strings = {})
+inline qor_lang::CLanguageFileWriter
+languageWriter(const std::u16string& tag, const std::u16string& appId,
+               const std::vector<std::pair<std::u16string, std::u16string>>& strings = {})
 {
     qor_lang::CLanguageFileWriter writer;
     writer.setLanguage(tag, std::nullopt, std::nullopt);

@@ -25,9 +25,11 @@ TEST_F(Exports, OnlyLanguageCountryTagsAreAcceptedAndSpelledAsTheTablesDo)
     EXPECT_EQ(QOR_LANG2_setCurrentLanguage(nullptr), 20);
     EXPECT_EQ(currentLanguage(), u"de-DE");
 
-    const std::pair<const char16_t*, const char16_t*> accepted[] = {
-        {u"en-US", u"en-US"}, {u"EN-us", u"en-US"}, {u"fra-FR", u"fr-FR"},
-        {u"de--DE", u"de-DE"}, {u"ace-ID", u"ace-ID"}};
+    const std::pair<const char16_t*, const char16_t*> accepted[] = {{u"en-US", u"en-US"},
+                                                                    {u"EN-us", u"en-US"},
+                                                                    {u"fra-FR", u"fr-FR"},
+                                                                    {u"de--DE", u"de-DE"},
+                                                                    {u"ace-ID", u"ace-ID"}};
     for (const auto& [tag, spelled] : accepted) {
         EXPECT_EQ(setLanguage(tag), 0) << utf8(tag);
         EXPECT_EQ(currentLanguage(), spelled);
@@ -40,7 +42,8 @@ TEST_F(Exports, LoadedTextsAnswerAndEverythingElseGetsACopyOfTheDefault)
     // surrogates are no characters, but Windows strings may hold them: what a host or a file gives
     // comes back unit for unit.
     const std::u16string key = m_app + u".メニュー.ファイル";
-    const std::u16string text = u"ファイルを開く… \U0001F310 äöü", unpaired = u"a\xDC00" u"b\xD800";
+    const std::u16string text = u"ファイルを開く… \U0001F310 äöü", unpaired = u"a\xDC00"
+                                                                              u"b\xD800";
     writeLanguageFile(m_folder, m_app, u"ja-JP",
                       {{key, text}, {m_app + u".unpaired", unpaired}, {m_app + u".blank", u""}});
     ASSERT_EQ(addFolder(m_folder, m_app), 0);
@@ -176,10 +179,10 @@ TEST_F(Exports, FileAccessorsReportEveryItemAndEveryHandleKeepsItsFile)
 
     using Accessor = QOR_LANG2_CHAR* (*)(QOR_LANG2_FILE_HANDLE);
     const std::pair<const char*, Accessor> accessors[] = {
-        {"LanguageID", QOR_LANG2_FILE_getLanguageID},     {"AppID", QOR_LANG2_FILE_getAppID},
-        {"Author", QOR_LANG2_FILE_getAuthor},             {"Comment", QOR_LANG2_FILE_getComment},
-        {"EnglishName", QOR_LANG2_FILE_getEnglishName},   {"EnglishSubName", QOR_LANG2_FILE_getEnglishSubName},
-        {"NativeName", QOR_LANG2_FILE_getNativeName},     {"NativeSubName", QOR_LANG2_FILE_getNativeSubName}};
+        {"LanguageID", QOR_LANG2_FILE_getLanguageID},   {"AppID", QOR_LANG2_FILE_getAppID},
+        {"Author", QOR_LANG2_FILE_getAuthor},           {"Comment", QOR_LANG2_FILE_getComment},
+        {"EnglishName", QOR_LANG2_FILE_getEnglishName}, {"EnglishSubName", QOR_LANG2_FILE_getEnglishSubName},
+        {"NativeName", QOR_LANG2_FILE_getNativeName},   {"NativeSubName", QOR_LANG2_FILE_getNativeSubName}};
     // English names come from the code tables, whatever the file calls its language.
     const std::u16string expected[2][8] = {
         {u"ja-JP", m_app, u"山田 太郎", u"翻訳メモ \U0001F310", u"Japanese", u"Japan", u"日本語", u"日本"},
@@ -221,9 +224,9 @@ TEST_F(Exports, LocalizedFilesAreFoundAsLocalPathsForTheCurrentLanguageOrEnglish
     };
     ASSERT_EQ(setLanguage(u"de-DE"), 0);
     expectFound(find(uri, suffix), "help_de-DE_v2.pdf");
-    expectFound(find(uri, u".p?f"), "help_de-DE_v2.pdf");   // wildcards are the enumeration's
+    expectFound(find(uri, u".p?f"), "help_de-DE_v2.pdf"); // wildcards are the enumeration's
     ASSERT_EQ(setLanguage(u"fr-FR"), 0);
-    expectFound(find(uri, suffix), "help_en-US_v2.pdf");   // a folder is no match
+    expectFound(find(uri, suffix), "help_en-US_v2.pdf"); // a folder is no match
 
     EXPECT_EQ(take(QOR_LANG2_findLocalizedFile(nullptr, w(prefix), w(infix), w(suffix))), std::nullopt);
     EXPECT_EQ(take(QOR_LANG2_findLocalizedFile(w(uri), nullptr, w(infix), w(suffix))), std::nullopt);
@@ -259,11 +262,17 @@ std::u16string percentEncodedUri(const fs::path& folder)
 // percent-encoded URI: every one lists its languages, loads its texts and finds its files.
 TEST_F(Exports, FoldersFilesAndIdsInAnyScript)
 {
-    const char16_t* const scripts[] = {
-        u"caf\u00E9",                  u"\u0395\u03BB\u03BB\u03B7\u03BD\u03B9\u03BA\u03AC", u"\u0420\u0443\u0441\u0441\u043A\u0438\u0439",
-        u"\u0939\u093F\u0928\u094D\u0926\u0940", u"\u0E44\u0E17\u0E22",  u"\u65E5\u672C\u8A9E",
-        u"\uD55C\uAD6D\uC5B4",           u"smile \U0001F600",          u"Zoe\u0308 e\u0301",
-        u"\u05E2\u05D1\u05E8\u05D9\u05EA",     u"\u0627\u0644\u0639\u0631\u0628\u064A\u0629"};
+    const char16_t* const scripts[] = {u"caf\u00E9",
+                                       u"\u0395\u03BB\u03BB\u03B7\u03BD\u03B9\u03BA\u03AC",
+                                       u"\u0420\u0443\u0441\u0441\u043A\u0438\u0439",
+                                       u"\u0939\u093F\u0928\u094D\u0926\u0940",
+                                       u"\u0E44\u0E17\u0E22",
+                                       u"\u65E5\u672C\u8A9E",
+                                       u"\uD55C\uAD6D\uC5B4",
+                                       u"smile \U0001F600",
+                                       u"Zoe\u0308 e\u0301",
+                                       u"\u05E2\u05D1\u05E8\u05D9\u05EA",
+                                       u"\u0627\u0644\u0639\u0631\u0628\u064A\u0629"};
     struct Registered {
         std::u16string script, byPath, byUri;
         fs::path folder;
@@ -288,8 +297,8 @@ TEST_F(Exports, FoldersFilesAndIdsInAnyScript)
             EXPECT_EQ(take(QOR_LANG2_FILE_getAppID(languageFile(id, 1).get())), id);
             EXPECT_EQ(localString(id + u".greeting", u"none"), u"fr-FR " + r.script) << utf8(id);
         }
-        const Text found = take(QOR_LANG2_findLocalizedFile(w(percentEncodedUri(r.folder)), w(r.script + u"_"),
-                                                            w(u""), w(u".txt")));
+        const Text found =
+            take(QOR_LANG2_findLocalizedFile(w(percentEncodedUri(r.folder)), w(r.script + u"_"), w(u""), w(u".txt")));
         ASSERT_TRUE(found) << utf8(r.script);
         std::error_code error;
         EXPECT_TRUE(fs::equivalent(fs::path(*found), r.folder / (r.script + u"_fr-FR.txt"), error)) << utf8(*found);

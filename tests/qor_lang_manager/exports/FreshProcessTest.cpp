@@ -13,8 +13,8 @@ constexpr char kChildMark[] = "fresh";
 
 // Children skip themselves unless started by the test above them: run in a shared process their
 // expectations would not hold.
-#define ONLY_AS_CHILD()                                                                            \
-    if (kore_test::childParameter() != kChildMark)                                                  \
+#define ONLY_AS_CHILD()                                                                                                \
+    if (kore_test::childParameter() != kChildMark)                                                                     \
     GTEST_SKIP() << "runs only in a process of its own"
 
 TEST(ExportsFreshProcess, EachChildPassesInAProcessOfItsOwn)

@@ -14,7 +14,10 @@ using namespace std::string_literals;
 
 using Model = unsigned long (*)(unsigned long);
 
-std::u16string countKey(const std::u16string& key, unsigned long n) { return key + u'\u0005' + u16(std::to_string(n)); }
+std::u16string countKey(const std::u16string& key, unsigned long n)
+{
+    return key + u'\u0005' + u16(std::to_string(n));
+}
 
 std::vector<std::u16string> split(const std::u16string& forms)
 {
@@ -57,7 +60,7 @@ TEST_F(PluralForms, EachLanguageAnswersTheFormItsRuleGivesTheCount)
         Model model;
     } rows[] = {
         {u"ru-RU", nullptr, u"файл\0файла\0файлов"s, slavic}, // the CLDR rule of the language
-        {u"ar-EG", nullptr, u"zero\0one\0two\0few\0many\0"s,   // an empty form answers the default
+        {u"ar-EG", nullptr, u"zero\0one\0two\0few\0many\0"s, // an empty form answers the default
          [](unsigned long n) -> unsigned long {
              return n == 0 ? 0 : n == 1 ? 1 : n == 2 ? 2 : n % 100 >= 3 && n % 100 <= 10 ? 3 : n % 100 >= 11 ? 4 : 5;
          }},
@@ -99,7 +102,7 @@ TEST_F(PluralForms, OtherKeysAnswerTheDefault)
         {u"item\u0005" + u16("x1"), u"D"},
         {u"item\u0005" + u16("1x"), u"D"},
         {u"item\u00050021", u"a"}, // leading zeros are still the number
-        {u"item\u0005", u"a"},     // the entry itself, as stored: its forms up to the first U+0000
+        {u"item\u0005", u"a"}, // the entry itself, as stored: its forms up to the first U+0000
         {u"\u00051", u"D"},
         {u"other\u00053", u"D"},
         {u"x\u0005\u00052", u"mark"}, // the last mark counts
@@ -112,8 +115,14 @@ TEST_F(PluralForms, OtherKeysAnswerTheDefault)
 // Each file's entries follow that file's rule, also when two applications' files share a language.
 TEST_F(PluralForms, TheRuleIsTheOneOfTheFileThatHoldsTheEntry)
 {
-    write("a", app + u"a", u"ru-RU", u"nplurals=3; plural=n%3;", {{u"a\u0005", u"0\0" u"1\0" u"2"s}});
-    write("b", app + u"b", u"ru-RU", nullptr, {{u"b\u0005", u"0\0" u"1\0" u"2"s}});
+    write("a", app + u"a", u"ru-RU", u"nplurals=3; plural=n%3;",
+          {{u"a\u0005", u"0\0"
+                        u"1\0"
+                        u"2"s}});
+    write("b", app + u"b", u"ru-RU", nullptr,
+          {{u"b\u0005", u"0\0"
+                        u"1\0"
+                        u"2"s}});
     ASSERT_EQ(addFolder(folder.path() / "a", app + u"a"), 0);
     ASSERT_EQ(addFolder(folder.path() / "b", app + u"b"), 0);
     ASSERT_EQ(setLanguage(u"ru-RU"), 0);

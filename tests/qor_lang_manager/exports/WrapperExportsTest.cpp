@@ -56,7 +56,9 @@ TEST(WrapperExports, PluralAndContextEntriesAnswerLikeGettext)
     const char* const files[] = {"{0} файл", "{0} файли", "{0} файлів"};
     const char* const mails[] = {"{0} лист", "{0} листи", "{0} листів"};
     for (unsigned long n : {0ul, 1ul, 2ul, 4ul, 5ul, 11ul, 12ul, 14ul, 21ul, 22ul, 25ul, 101ul, 111ul, 1000001ul}) {
-        const int form = n % 10 == 1 && n % 100 != 11 ? 0 : n % 10 >= 2 && n % 10 <= 4 && (n % 100 < 10 || n % 100 >= 20) ? 1 : 2;
+        const int form = n % 10 == 1 && n % 100 != 11                                    ? 0
+                         : n % 10 >= 2 && n % 10 <= 4 && (n % 100 < 10 || n % 100 >= 20) ? 1
+                                                                                         : 2;
         EXPECT_EQ(qor_lang2::trn("{0} file", "{0} files", n), files[form]) << n;
         EXPECT_EQ(qor_lang2::trnc("mail", "{0} message", "{0} messages", n), mails[form]) << n;
         EXPECT_EQ(qor_lang2::trnc("post", "{0} message", "{0} messages", n), n == 1 ? "{0} message" : "{0} messages");

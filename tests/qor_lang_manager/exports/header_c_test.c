@@ -31,16 +31,16 @@ int main(void)
 {
     static const QOR_LANG2_CHAR app[] = {'c', 'h', 'o', 's', 't', 0};
     static const QOR_LANG2_CHAR folder[] = {'/', 'q', 'o', 'r', '-', 'n', 'o', 'n', 'e', 0};
-    static const QOR_LANG2_CHAR folderUri[] = {'f', 'i', 'l', 'e', ':', '/', '/', '/', 'q', 'o',
-                                               'r', '-', 'n', 'o', 'n', 'e', '/', 0};
+    static const QOR_LANG2_CHAR folderUri[] = {'f', 'i', 'l', 'e', ':', '/', '/', '/', 'q',
+                                               'o', 'r', '-', 'n', 'o', 'n', 'e', '/', 0};
     static const QOR_LANG2_CHAR tag[] = {'e', 'n', '-', 'U', 'S', 0};
     static const QOR_LANG2_CHAR key[] = {'k', 0};
     static const QOR_LANG2_CHAR fallback[] = {'O', 'K', 0};
     static const QOR_LANG2_CHAR prefix[] = {'h', '_', 0};
     static const QOR_LANG2_CHAR empty[] = {0};
     QOR_LANG2_CHAR* (*const accessors[])(QOR_LANG2_FILE_HANDLE) = {
-        QOR_LANG2_FILE_getAppID,      QOR_LANG2_FILE_getAuthor,     QOR_LANG2_FILE_getComment,
-        QOR_LANG2_FILE_getEnglishName, QOR_LANG2_FILE_getEnglishSubName, QOR_LANG2_FILE_getNativeName,
+        QOR_LANG2_FILE_getAppID,         QOR_LANG2_FILE_getAuthor,         QOR_LANG2_FILE_getComment,
+        QOR_LANG2_FILE_getEnglishName,   QOR_LANG2_FILE_getEnglishSubName, QOR_LANG2_FILE_getNativeName,
         QOR_LANG2_FILE_getNativeSubName, QOR_LANG2_FILE_getLanguageID};
     QOR_LANG2_FILE_HANDLE file;
     size_t i;

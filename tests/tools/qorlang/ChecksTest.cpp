@@ -12,7 +12,10 @@ using namespace qorlang;
 
 namespace {
 
-Placeholders ph(std::vector<std::string> ordered, std::vector<std::string> named) { return {std::move(ordered), std::move(named)}; }
+Placeholders ph(std::vector<std::string> ordered, std::vector<std::string> named)
+{
+    return {std::move(ordered), std::move(named)};
+}
 
 Catalogue catalogue(const std::string& path, std::vector<Entry> entries, std::u16string language = u"de-DE")
 {
@@ -53,21 +56,23 @@ TEST(Checks, PlaceholdersOfAText)
     }
     // Reordering by number is a translator's right; reordering without numbers is not.
     EXPECT_EQ(placeholdersOf(u"%s of %d"), placeholdersOf(u"%2$d von %1$s"));
-    EXPECT_EQ(describeDifference(placeholdersOf(u"%s %d"), placeholdersOf(u"%d %s")), "missing %1$s %2$d, extra %1$d %2$s");
-    EXPECT_EQ(describeDifference(placeholdersOf(u"%s %d {a}"), placeholdersOf(u"%s {b}")), "missing %2$d {a}, extra {b}");
+    EXPECT_EQ(describeDifference(placeholdersOf(u"%s %d"), placeholdersOf(u"%d %s")),
+              "missing %1$s %2$d, extra %1$d %2$s");
+    EXPECT_EQ(describeDifference(placeholdersOf(u"%s %d {a}"), placeholdersOf(u"%s {b}")),
+              "missing %2$d {a}, extra {b}");
 }
 
 TEST(Checks, AgainstAReference)
 {
-    const Catalogue reference = catalogue("en-US.txt", {{u"greet", u"Hello %s", 1},
-                                                        {u"count", u"%d files in {dir}", 2},
-                                                        {u"title", u"Title", 3},
-                                                        {u"only.ref", u"x", 4}},
+    const Catalogue reference = catalogue("en-US.txt",
+                                          {{u"greet", u"Hello %s", 1},
+                                           {u"count", u"%d files in {dir}", 2},
+                                           {u"title", u"Title", 3},
+                                           {u"only.ref", u"x", 4}},
                                           u"en-US");
-    const Catalogue here = catalogue("de-DE.txt", {{u"greet", u"Hallo %d", 1},
-                                                   {u"count", u"{dir}: %d Dateien", 2},
-                                                   {u"title", u"", 3},
-                                                   {u"title", u"Titel", 5}});
+    const Catalogue here = catalogue(
+        "de-DE.txt",
+        {{u"greet", u"Hallo %d", 1}, {u"count", u"{dir}: %d Dateien", 2}, {u"title", u"", 3}, {u"title", u"Titel", 5}});
     EXPECT_EQ(messages(checkCatalogue(here, &reference, nullptr)),
               (std::vector<std::string>{
                   "0 W key \"only.ref\" of the reference (line 4) has no translation here",
@@ -85,16 +90,19 @@ TEST(Checks, AgainstAReference)
 
 TEST(Checks, SourceFormatsWithoutReference)
 {
-    Catalogue po = catalogue("de.po", {{u"%s of %d", u"%d von %s", 4, false, false, false, true},
-                                       {u"%s", u"%d", 5}, // not c-format: not compared
-                                       {u"one file", u"%d Datei", 7, false, false, true, true, u"%d files", {u"%d Datei", u"%d Dateien"}},
-                                       {u"fuzzy", u"unscharf", 9, true},
-                                       {u"untranslated", u"", 11}},
-                             u"sr@latin");
+    Catalogue po =
+        catalogue("de.po",
+                  {{u"%s of %d", u"%d von %s", 4, false, false, false, true},
+                   {u"%s", u"%d", 5}, // not c-format: not compared
+                   {u"one file", u"%d Datei", 7, false, false, true, true, u"%d files", {u"%d Datei", u"%d Dateien"}},
+                   {u"fuzzy", u"unscharf", 9, true},
+                   {u"untranslated", u"", 11}},
+                  u"sr@latin");
     EXPECT_EQ(messages(checkCatalogue(po, nullptr, nullptr)),
               (std::vector<std::string>{
                   "0 W 1 untranslated and 1 fuzzy entries; compile leaves them out (fuzzy ones stay with --use-fuzzy)",
-                  "1 W the language \"sr@latin\" has the modifier @latin, and a language-COUNTRY tag cannot tell that variant from the language's usual one; give the tag to ship it under with --language",
+                  "1 W the language \"sr@latin\" has the modifier @latin, and a language-COUNTRY tag cannot tell that "
+                  "variant from the language's usual one; give the tag to ship it under with --language",
                   "4 E key \"%s of %d\": placeholders differ from the source text: missing %1$s %2$d, extra %1$d %2$s",
               }));
     const Stats s = statsOf(po, nullptr);
@@ -124,16 +132,19 @@ TEST(Checks, LanguageFileNameTagAndDuplicates)
     EXPECT_TRUE(findings("dir/demo-de-DE.qorlang", u"demo", u"de-DE").empty());
     EXPECT_TRUE(findings("demo-de-DE.qorlang", u"demo-", u"DE-de").empty()); // "--" is read as "-"
     EXPECT_EQ(findings("dir/demo_de-DE.qorlang", u"demo", u"de-DE"),
-              (std::vector<std::string>{"0 E the library looks for this file under the name \"demo-de-DE.qorlang\", never under this one"}));
+              (std::vector<std::string>{
+                  "0 E the library looks for this file under the name \"demo-de-DE.qorlang\", never under this one"}));
     EXPECT_EQ(findings("dir/demo-de.qorlang", u"demo", u"de"),
-              (std::vector<std::string>{"1 E the language \"de\" is not a tag QOR_LANG2_setCurrentLanguage accepts (it needs language-COUNTRY, such as de-DE)"}));
+              (std::vector<std::string>{"1 E the language \"de\" is not a tag QOR_LANG2_setCurrentLanguage accepts (it "
+                                        "needs language-COUNTRY, such as de-DE)"}));
 }
 
 TEST(Checks, TagsAndFileNames)
 {
     const std::pair<std::u16string, std::optional<std::u16string>> tags[] = {
-        {u"ru_RU", u"ru-RU"}, {u"de-de", u"de-DE"}, {u"sr_RS@latin", std::nullopt}, {u"de_DE@euro", u"de-DE"}, {u"pt_BR.UTF-8", u"pt-BR"},
-        {u"de", std::nullopt}, {u"", std::nullopt}, {u"xx-YY", std::nullopt}, {u"de-DE-1996", std::nullopt},
+        {u"ru_RU", u"ru-RU"},      {u"de-de", u"de-DE"},       {u"sr_RS@latin", std::nullopt},
+        {u"de_DE@euro", u"de-DE"}, {u"pt_BR.UTF-8", u"pt-BR"}, {u"de", std::nullopt},
+        {u"", std::nullopt},       {u"xx-YY", std::nullopt},   {u"de-DE-1996", std::nullopt},
     };
     for (const auto& [written, expected] : tags)
         EXPECT_EQ(normalisedTag(written), expected) << std::string(written.begin(), written.end());
@@ -144,10 +155,18 @@ TEST(Checks, TagsAndFileNames)
 
 TEST(Checks, PluralFormsPlaceholdersAndUnreachableKeys)
 {
-    const std::u16string ru = u"nplurals=3; plural=(n%10==1 && n%100!=11 ? 0 : n%10>=2 && n%10<=4 && (n%100<10 || n%100>=20) ? 1 : 2);";
+    const std::u16string ru =
+        u"nplurals=3; plural=(n%10==1 && n%100!=11 ? 0 : n%10>=2 && n%10<=4 && (n%100<10 || n%100>=20) ? 1 : 2);";
     auto plural = [](int line, std::vector<std::u16string> forms) {
-        return Entry{u"%d file " + std::u16string(1, char16_t(u'0' + line)), forms.front(), line, false, false, true, true,
-                     u"%d files", std::move(forms)};
+        return Entry{u"%d file " + std::u16string(1, char16_t(u'0' + line)),
+                     forms.front(),
+                     line,
+                     false,
+                     false,
+                     true,
+                     true,
+                     u"%d files",
+                     std::move(forms)};
     };
     struct Case {
         const char* path;
@@ -158,27 +177,47 @@ TEST(Checks, PluralFormsPlaceholdersAndUnreachableKeys)
     };
     const Case cases[] = {
         // Each form against either source; the count against the catalogue's rule.
-        {"ru.po", ru, u"ru-RU",
+        {"ru.po",
+         ru,
+         u"ru-RU",
          {plural(2, {u"%d файл", u"%d файла", u"%s файлов"}), plural(3, {u"%d файл", u"%d файла"}),
           plural(4, {u"%d файл", u"", u"%d файлов"})},
          {"2 E key \"%d file 2\" form 2: placeholders differ from the source texts: missing %1$d, extra %1$s",
           "3 E key \"%d file 3\" has 2 plural forms, the rule \"" + encodeUtf8(ru) + "\" counts 3",
           "4 W key \"%d file 4\" form 1 is empty; the numbers that take it get the caller's default"}},
         // Not c-format: only {0} and {name} fields count; sources that are keys are not compared.
-        {"de.ts", std::nullopt, u"de-DE",
-         {{u"Hello {0}, {name}", u"Hallo {1}, {name}", 2}, {u"%s of {{count}}", u"%d von {count}", 3},
+        {"de.ts",
+         std::nullopt,
+         u"de-DE",
+         {{u"Hello {0}, {name}", u"Hallo {1}, {name}", 2},
+          {u"%s of {{count}}", u"%d von {count}", 3},
           {u"app.title", u"{0}", 4}},
          {"2 E key \"Hello {0}, {name}\": placeholders differ from the source text: missing {0}, extra {1}"}},
         // Without a rule of its own the language's CLDR rule counts; a rule the library cannot read.
-        {"ar.po", std::nullopt, u"ar-EG", {plural(2, {u"%d", u"%d"})},
+        {"ar.po",
+         std::nullopt,
+         u"ar-EG",
+         {plural(2, {u"%d", u"%d"})},
          {"2 E key \"%d file 2\" has 2 plural forms, the rule \"nplurals=6; plural=(n==0 ? 0 : n==1 ? 1 : n==2 ? 2 : "
           "n%100>=3 && n%100<=10 ? 3 : n%100>=11 && n%100<=99 ? 4 : 5);\" counts 6"}},
-        {"ja.po", u"nplurals=9; plural=n;", u"ja-JP", {plural(2, {u"%d"})},
+        {"ja.po",
+         u"nplurals=9; plural=n;",
+         u"ja-JP",
+         {plural(2, {u"%d"})},
          {"1 E the plural rule \"nplurals=9; plural=n;\" is not one the library reads (nplurals=N; plural=EXPRESSION; "
           "with N from 1 to 6)"}},
         // Keys that qor_lang2::tr and trc never spell.
-        {"ja.ts", std::nullopt, u"ja-JP", {{u"MainWindow|\x04" u"Close", u"閉じる", 2}, {u"a\x05" u"b", u"x", 3}},
-         {"2 W key \"MainWindow||Close\" keeps the Qt context \"MainWindow\": qor_lang2::tr(\"Close\") does not find it "
+        {"ja.ts",
+         std::nullopt,
+         u"ja-JP",
+         {{u"MainWindow|\x04"
+           u"Close",
+           u"閉じる", 2},
+          {u"a\x05"
+           u"b",
+           u"x", 3}},
+         {"2 W key \"MainWindow||Close\" keeps the Qt context \"MainWindow\": qor_lang2::tr(\"Close\") does not find "
+          "it "
           "(compile a TS file with --qt-context drop)",
           "3 W key \"a b\" holds U+0005, which marks plural forms: no call reaches it"}},
     };
@@ -193,24 +232,37 @@ TEST(Checks, PluralFormsPlaceholdersAndUnreachableKeys)
 TEST(Checks, ALonePercentAtTheEnd)
 {
     // Flagged only where the source does not end so itself; an error where printf reads the text.
-    const Catalogue reference = catalogue("en-US.txt", {{u"ratio", u"%d done", 1}, {u"plain", u"Full", 2}, {u"lit", u"50%", 3}});
-    const Catalogue c = catalogue("de-DE.txt", {{u"ratio", u"%d %", 1}, {u"plain", u"Voll%", 2}, {u"lit", u"50%", 3}, {u"ok", u"100%%", 4}});
-    EXPECT_EQ(messages(checkCatalogue(c, &reference, nullptr)),
-              (std::vector<std::string>{
-                  "1 E key \"ratio\": the text ends in a lone %, which printf reads as the start of a field; write %% for a percent sign",
-                  "2 W key \"plain\": the text ends in a lone %, which printf reads as the start of a field; write %% for a percent sign",
-                  "4 W key \"ok\" is not in the reference (stale); qorlang merge marks it obsolete"}));
+    const Catalogue reference =
+        catalogue("en-US.txt", {{u"ratio", u"%d done", 1}, {u"plain", u"Full", 2}, {u"lit", u"50%", 3}});
+    const Catalogue c = catalogue(
+        "de-DE.txt", {{u"ratio", u"%d %", 1}, {u"plain", u"Voll%", 2}, {u"lit", u"50%", 3}, {u"ok", u"100%%", 4}});
+    EXPECT_EQ(
+        messages(checkCatalogue(c, &reference, nullptr)),
+        (std::vector<std::string>{"1 E key \"ratio\": the text ends in a lone %, which printf reads as the start of a "
+                                  "field; write %% for a percent sign",
+                                  "2 W key \"plain\": the text ends in a lone %, which printf reads as the start of a "
+                                  "field; write %% for a percent sign",
+                                  "4 W key \"ok\" is not in the reference (stale); qorlang merge marks it obsolete"}));
 }
 
 TEST(Checks, LanguagesAsCataloguesWriteThem)
 {
     // Bare languages take CLDR's likely country; scripts and variants have no two-part tag.
     const std::pair<std::u16string, std::string> cases[] = {
-        {u"de", "de-DE"}, {u"PT", "pt-BR"}, {u"sr", "sr-RS"}, {u"ja", "ja-JP"}, {u"de_AT.UTF-8", "de-AT"},
-        {u"fr-CA", "fr-CA"}, {u"de_DE@euro", "de-DE"},
-        {u"sr@latin", "has the modifier @latin"}, {u"sr_RS@latin", "has the modifier @latin"},
-        {u"zh-Hant-TW", "names the script Hant"}, {u"sr_Latn", "names the script Latn"},
-        {u"es-419", "is not a language-COUNTRY tag"}, {u"xx", "has no country"}, {u"eo", "has no country"},
+        {u"de", "de-DE"},
+        {u"PT", "pt-BR"},
+        {u"sr", "sr-RS"},
+        {u"ja", "ja-JP"},
+        {u"de_AT.UTF-8", "de-AT"},
+        {u"fr-CA", "fr-CA"},
+        {u"de_DE@euro", "de-DE"},
+        {u"sr@latin", "has the modifier @latin"},
+        {u"sr_RS@latin", "has the modifier @latin"},
+        {u"zh-Hant-TW", "names the script Hant"},
+        {u"sr_Latn", "names the script Latn"},
+        {u"es-419", "is not a language-COUNTRY tag"},
+        {u"xx", "has no country"},
+        {u"eo", "has no country"},
         {u"", "is not a language-COUNTRY tag"},
     };
     for (const auto& [written, expected] : cases) {

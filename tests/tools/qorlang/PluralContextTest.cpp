@@ -12,12 +12,14 @@ using namespace qorlang_test;
 
 namespace {
 
-const char kRule[] = "nplurals=3; plural=(n%10==1 && n%100!=11 ? 0 : n%10>=2 && n%10<=4 && (n%100<10 || n%100>=20) ? 1 : 2);";
+const char kRule[] =
+    "nplurals=3; plural=(n%10==1 && n%100!=11 ? 0 : n%10>=2 && n%10<=4 && (n%100<10 || n%100>=20) ? 1 : 2);";
 const std::vector<std::u16string> kForms{u"%d файл", u"%d файла", u"%d файлов"};
 
-const std::string kPo = std::string("msgid \"\"\nmsgstr \"\"\n\"Language: ru_RU\\n\"\n\"Plural-Forms: ") + kRule +
-                        "\\n\"\n\n#, c-format\nmsgid \"%d file\"\nmsgid_plural \"%d files\"\nmsgstr[0] \"%d файл\"\n"
-                        "msgstr[1] \"%d файла\"\nmsgstr[2] \"%d файлов\"\n\nmsgctxt \"menu\"\nmsgid \"Open\"\nmsgstr \"Открыть\"\n";
+const std::string kPo =
+    std::string("msgid \"\"\nmsgstr \"\"\n\"Language: ru_RU\\n\"\n\"Plural-Forms: ") + kRule +
+    "\\n\"\n\n#, c-format\nmsgid \"%d file\"\nmsgid_plural \"%d files\"\nmsgstr[0] \"%d файл\"\n"
+    "msgstr[1] \"%d файла\"\nmsgstr[2] \"%d файлов\"\n\nmsgctxt \"menu\"\nmsgid \"Open\"\nmsgstr \"Открыть\"\n";
 
 // What lconvert (Qt 5) makes of kPo.
 const char kTs[] = R"(<?xml version="1.0" encoding="utf-8"?>
@@ -104,7 +106,8 @@ std::vector<std::u16string> described(const Catalogue& c)
     return out;
 }
 
-const std::vector<std::u16string> kExpected{u"%d file = [%d файл|%d файла|%d файлов] / %d files", u"menu\x04Open = Открыть"};
+const std::vector<std::u16string> kExpected{u"%d file = [%d файл|%d файла|%d файлов] / %d files",
+                                            u"menu\x04Open = Открыть"};
 
 } // namespace
 
@@ -132,8 +135,8 @@ TEST(PluralForms, EveryReaderKeepsEveryForm)
     EXPECT_EQ(read[0].second.pluralForms, decodeUtf8(kRule));
     // i18next has no plural source; the Russian "other" (fractions only) stays a key of its own.
     EXPECT_EQ(described(readJsonAs(kJson, u"ru-RU")),
-              (std::vector<std::u16string>{u"%d file = [%d файл|%d файла|%d файлов] / %d file", u"%d file_other = %d файла",
-                                           u"menu\x04Open = Открыть"}));
+              (std::vector<std::u16string>{u"%d file = [%d файл|%d файла|%d файлов] / %d file",
+                                           u"%d file_other = %d файла", u"menu\x04Open = Открыть"}));
 }
 
 TEST(PluralForms, LanguageFileHoldsBothEntriesAndEveryWriterGivesThemBack)
@@ -147,10 +150,11 @@ TEST(PluralForms, LanguageFileHoldsBothEntriesAndEveryWriterGivesThemBack)
     EXPECT_EQ(answer(u"%d file\x05"), kForms[0] + u'\0' + kForms[1] + u'\0' + kForms[2]);
     std::u16string third;
     chf::TChunkRef<chf::CMemoryStream> stream(new chf::CMemoryStream(bytes));
-    qor_lang::CLanguageFile::readEntries(*stream, nullptr, [&](const std::u16string& key, const std::u16string&, const std::u16string& t) {
-        if (key == u"%d file\x05")
-            third = t;
-    });
+    qor_lang::CLanguageFile::readEntries(
+        *stream, nullptr, [&](const std::u16string& key, const std::u16string&, const std::u16string& t) {
+            if (key == u"%d file\x05")
+                third = t;
+        });
     EXPECT_EQ(third, u"%d files");
 
     const Catalogue back = readQorlang("app-ru-RU.qorlang", bytes);
@@ -179,12 +183,17 @@ TEST(PluralForms, I18nextSuffixesFollowTheLanguagesCategories)
     };
     const Case cases[] = {
         // Croatian has Russian's rule but calls its last form "other".
-        {u"hr-HR", R"({"n_one": "1", "n_few": "2", "n_many": "M", "n_other": "5"})", {u"n = [1|2|5] / n", u"n_many = M"}},
-        {u"ar-EG", R"({"n_other": "o", "n_many": "m", "n_few": "f", "n_two": "t", "n_one": "1", "n_zero": "0"})",
+        {u"hr-HR",
+         R"({"n_one": "1", "n_few": "2", "n_many": "M", "n_other": "5"})",
+         {u"n = [1|2|5] / n", u"n_many = M"}},
+        {u"ar-EG",
+         R"({"n_other": "o", "n_many": "m", "n_few": "f", "n_two": "t", "n_one": "1", "n_zero": "0"})",
          {u"n = [0|1|t|f|m|o] / n"}},
         {u"ja-JP", R"({"n_other": "件"})", {u"n = [件] / n"}},
         // A lone "_other" is a key where the language has more forms; a missing form is empty.
-        {u"en-US", R"({"show_other": "x", "n_other": "files", "n_zero": "none"})", {u"n_other = files", u"n_zero = none", u"show_other = x"}},
+        {u"en-US",
+         R"({"show_other": "x", "n_other": "files", "n_zero": "none"})",
+         {u"n_other = files", u"n_zero = none", u"show_other = x"}},
         {u"ru-RU", R"({"n_many": "M", "n_one": "1", "n_zero": "0"})", {u"n = [1||M] / n", u"n_zero = 0"}},
         {u"xx-YY", R"({"n_one": "a", "n_other": "b"})", {u"n = [a|b] / n"}}, // unknown: English's forms
     };
@@ -211,10 +220,17 @@ TEST(QtContext, NamesEnterTheKeysAsChosen)
   <message><source>Open</source><comment>verb</comment><translation>開ける</translation></message>
 </context>
 </TS>)";
-    const std::vector<std::u16string> keep{u"Dialog|verb\x04Open", u"MainWindow|\x04" u"app.title", u"MainWindow|short\x04menu.quit",
-                                           u"qor_lang2|My App\x04" u"app.title", u"qor_lang2|\x04Open file"};
-    const std::vector<std::u16string> drop{u"Open file", u"app.title", u"app.title", u"short\x04menu.quit", u"verb\x04Open"};
-    const std::vector<std::u16string> automatic{u"Dialog|verb\x04Open", u"Open file", u"app.title", u"app.title", u"short\x04menu.quit"};
+    const std::vector<std::u16string> keep{u"Dialog|verb\x04Open",
+                                           u"MainWindow|\x04"
+                                           u"app.title",
+                                           u"MainWindow|short\x04menu.quit",
+                                           u"qor_lang2|My App\x04"
+                                           u"app.title",
+                                           u"qor_lang2|\x04Open file"};
+    const std::vector<std::u16string> drop{u"Open file", u"app.title", u"app.title", u"short\x04menu.quit",
+                                           u"verb\x04Open"};
+    const std::vector<std::u16string> automatic{u"Dialog|verb\x04Open", u"Open file", u"app.title", u"app.title",
+                                                u"short\x04menu.quit"};
     const std::pair<QtContext, std::vector<std::u16string>> cases[] = {
         {QtContext::Keep, keep}, {QtContext::Drop, drop}, {QtContext::Auto, automatic}};
     for (auto [mode, expected] : cases) {
@@ -229,8 +245,16 @@ TEST(QtContext, NamesEnterTheKeysAsChosen)
     Catalogue kept = describedCatalogue("ja.ts");
     kept.entries = readTs("ja.ts", ts, QtContext::Keep).entries;
     EXPECT_EQ(pairsOf(readTs("again.ts", writeTs(kept))), pairsOf(kept));
-    for (const auto& [source, key] : std::initializer_list<std::pair<std::u16string_view, bool>>{
-             {u"app.title", true}, {u"menu.file-open_2", true}, {u"a.b.c", true}, {u"title", false}, {u"Open file", false},
-             {u"e.g. this", false}, {u"end.", false}, {u".start", false}, {u"a..b", false}, {u"", false}})
+    for (const auto& [source, key] :
+         std::initializer_list<std::pair<std::u16string_view, bool>>{{u"app.title", true},
+                                                                     {u"menu.file-open_2", true},
+                                                                     {u"a.b.c", true},
+                                                                     {u"title", false},
+                                                                     {u"Open file", false},
+                                                                     {u"e.g. this", false},
+                                                                     {u"end.", false},
+                                                                     {u".start", false},
+                                                                     {u"a..b", false},
+                                                                     {u"", false}})
         EXPECT_EQ(looksLikeKey(source), key) << encodeUtf8(source);
 }

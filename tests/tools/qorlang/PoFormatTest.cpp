@@ -1,6 +1,6 @@
 // The PO reader against what msgfmt does with the same text, and the writer against msgfmt --check.
-#include "CatalogueTestSupport.h"
 #include "../../framework/TempFolder.h"
+#include "CatalogueTestSupport.h"
 
 #include <cinttypes>
 #include <cstdlib>
@@ -31,20 +31,25 @@ TEST(PoFormat, ReadsEntriesAsMsgfmtDoes)
         {"plain", "msgid \"Open\"\nmsgstr \"Öffnen\"\n", u"Open", u"Öffnen"},
         {"context joins the key", "msgctxt \"menu\"\nmsgid \"Open\"\nmsgstr \"Ö\"\n", u"menu\x04Open", u"Ö"},
         {"empty context still counts", "msgctxt \"\"\nmsgid \"Open\"\nmsgstr \"Ö\"\n", u"\x04Open", u"Ö"},
-        {"plural answers the first form", "msgid \"a file\"\nmsgid_plural \"%d files\"\nmsgstr[0] \"eine\"\nmsgstr[1] \"%d\"\n",
-         u"a file", u"eine", false, false, true},
+        {"plural answers the first form",
+         "msgid \"a file\"\nmsgid_plural \"%d files\"\nmsgstr[0] \"eine\"\nmsgstr[1] \"%d\"\n", u"a file", u"eine",
+         false, false, true},
         {"fuzzy among other flags", "#, c-format, fuzzy\nmsgid \"x\"\nmsgstr \"y\"\n", u"x", u"y", true},
         {"no-fuzzy is not fuzzy", "#, fuzzyish\nmsgid \"x\"\nmsgstr \"y\"\n", u"x", u"y"},
         {"obsolete", "#~ msgid \"old\"\n#~ msgstr \"alt\"\n", u"old", u"alt", false, true},
-        {"obsolete plural", "#~ msgid \"a file\"\n#~ msgid_plural \"%d files\"\n#~ msgstr[0] \"eine\"\n#~ msgstr[1] \"%d\"\n",
-         u"a file", u"eine", false, true, true},
+        {"obsolete plural",
+         "#~ msgid \"a file\"\n#~ msgid_plural \"%d files\"\n#~ msgstr[0] \"eine\"\n#~ msgstr[1] \"%d\"\n", u"a file",
+         u"eine", false, true, true},
         {"continued strings", "msgid \"\"\n\"one \"\n  \"two\"\nmsgstr \"eins\"\n\"zwei\"\n", u"one two", u"einszwei"},
         {"escapes", "msgid \"\\t\\\"\\\\\\n\\101\\x42\\a\"\nmsgstr \"x\"\n", u"\t\"\\\nAB\a", u"x"},
         {"CR LF line ends", "msgid \"a\"\r\nmsgstr \"b\"\r\n", u"a", u"b"},
         {"system-dependent segment in c-format",
          "#, c-format\nmsgid \"%<PRIu64> of %<PRIuMAX>\"\nmsgstr \"%<PRIu64>/%<PRIbogus>\"\n",
          std::u16string(u"%") + std::u16string(pri.begin(), pri.end()) + u" of %" +
-             [] { std::string m = PRIuMAX; return std::u16string(m.begin(), m.end()); }(),
+             [] {
+                 std::string m = PRIuMAX;
+                 return std::u16string(m.begin(), m.end());
+             }(),
          std::u16string(u"%") + std::u16string(pri.begin(), pri.end()) + u"/%<PRIbogus>"},
         {"segment kept outside c-format", "msgid \"%<PRIu64>\"\nmsgstr \"x\"\n", u"%<PRIu64>", u"x"},
     };
@@ -94,7 +99,8 @@ TEST(PoFormat, ErrorsNameFileAndLine)
         {"msgid \"a\" b\nmsgstr \"x\"\n", "t.po:1: unexpected text after the string"},
         {"\n\nmsgid \"a\\q\"\nmsgstr \"x\"\n", "t.po:3: unknown escape \\q"},
         {"msgid \"\"\nmsgstr \"Content-Type: text/plain; charset=NO-SUCH\\n\"\n",
-         "t.po:1: charset NO-SUCH is not known to this system's converter; convert the file with msgconv --to-code=UTF-8"},
+         "t.po:1: charset NO-SUCH is not known to this system's converter; convert the file with msgconv "
+         "--to-code=UTF-8"},
         {"msgid \"\"\nmsgstr \"Content-Type: text/plain; charset=EUC-JP\\n\"\n\nmsgid \"a\"\nmsgstr \"\xA4\"\n",
          "t.po:4: not valid EUC-JP; the header's Content-Type must name the file's real charset"},
         {"msgid \"a\"\nmsgstr \"\xC3\"\n", "t.po:2: not valid UTF-8"},
@@ -127,7 +133,15 @@ TEST(PoFormat, WrittenFileReadsBackAndPassesMsgfmtCheck)
         {u"long\nmulti\nline", u"lang\nmehr\nzeilig"},
         {u"𝄞 and 日本", u"non-BMP 𝄞"},
         {u"ctx\x04gone\nfor good", u"weg\nfür immer", 0, true, true}, // what merge leaves behind
-        {u"%d old file", u"%d alte Datei", 0, false, true, true, true, u"%d old files", {u"%d alte Datei", u"%d alte Dateien"}},
+        {u"%d old file",
+         u"%d alte Datei",
+         0,
+         false,
+         true,
+         true,
+         true,
+         u"%d old files",
+         {u"%d alte Datei", u"%d alte Dateien"}},
     };
     const std::string po = writePo(c);
     const Catalogue back = readPo("w.po", po);
@@ -157,7 +171,8 @@ TEST(PoFormat, RealCataloguesInTheirOwnCharsets)
         EXPECT_EQ(qorlang_test::pairsOf(encoded), qorlang_test::pairsOf(utf8));
         EXPECT_EQ(encoded.author, utf8.author);
         ASSERT_GE(encoded.entries.size(), 3u);
-        EXPECT_TRUE(std::any_of(encoded.entries.begin(), encoded.entries.end(),
-                                [](const Entry& e) { return std::any_of(e.text.begin(), e.text.end(), [](char16_t c) { return c > 0x7F; }); }));
+        EXPECT_TRUE(std::any_of(encoded.entries.begin(), encoded.entries.end(), [](const Entry& e) {
+            return std::any_of(e.text.begin(), e.text.end(), [](char16_t c) { return c > 0x7F; });
+        }));
     }
 }

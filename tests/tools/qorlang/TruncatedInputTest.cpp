@@ -25,9 +25,10 @@ void everyPrefix(const std::string& whole, const Read& read)
 
 TEST(TruncatedInput, SourceReadersFailCleanly)
 {
-    everyPrefix("# c\nmsgid \"\"\nmsgstr \"Language: de_DE\\n\"\n\n#, fuzzy, c-format\nmsgctxt \"m\"\nmsgid \"a %<PRIu64>\"\n"
-                "msgid_plural \"b\"\nmsgstr[0] \"\\x41\\101\"\nmsgstr[1] \"\"\n\n#~ msgid \"o\"\n#~ msgstr \"p\"\n",
-                [](const std::string& s) { readPo("t.po", s); });
+    everyPrefix(
+        "# c\nmsgid \"\"\nmsgstr \"Language: de_DE\\n\"\n\n#, fuzzy, c-format\nmsgctxt \"m\"\nmsgid \"a %<PRIu64>\"\n"
+        "msgid_plural \"b\"\nmsgstr[0] \"\\x41\\101\"\nmsgstr[1] \"\"\n\n#~ msgid \"o\"\n#~ msgstr \"p\"\n",
+        [](const std::string& s) { readPo("t.po", s); });
     everyPrefix("@tag=de-DE\n@version=12\nkey=text\\n\n", [](const std::string& s) { readText("t.txt", s); });
     everyPrefix("{\"@qorlang\": {\"version\": \"3\"}, \"a\": {\"b\": [\"\\u0041\\n\", null, 5]}, \"c\": \"ü\"}",
                 [](const std::string& s) { readJson("t.json", s); });
@@ -35,10 +36,11 @@ TEST(TruncatedInput, SourceReadersFailCleanly)
                 "<source>a<byte value=\"x7\"/> </source><comment>c</comment><translation type=\"unfinished\">"
                 "<numerusform>x</numerusform></translation></message></context></TS>\n",
                 [](const std::string& s) { readTs("t.ts", s); });
-    everyPrefix("<xliff version=\"1.2\"><file target-language=\"de-DE\"><body><group restype=\"x-gettext-plurals\">"
-                "<trans-unit id=\"1\"><source>a\r\n</source><target state=\"new\"><ph ctype=\"x-ch-bel\">\\a</ph></target>"
-                "</trans-unit></group></body></file></xliff>",
-                [](const std::string& s) { readXliff("t.xlf", s); });
+    everyPrefix(
+        "<xliff version=\"1.2\"><file target-language=\"de-DE\"><body><group restype=\"x-gettext-plurals\">"
+        "<trans-unit id=\"1\"><source>a\r\n</source><target state=\"new\"><ph ctype=\"x-ch-bel\">\\a</ph></target>"
+        "</trans-unit></group></body></file></xliff>",
+        [](const std::string& s) { readXliff("t.xlf", s); });
 }
 
 TEST(TruncatedInput, LanguageFileCutAnywhereIsRefused)

@@ -1,9 +1,9 @@
 // merge against msgmerge's rules, pseudo-localisation as a property over many texts, and the
 // pairing of extracted keys with their default texts.
+#include "Workflow.h"
 #include "CatalogueTestSupport.h"
 #include "Checks.h"
 #include "Unicode.h"
-#include "Workflow.h"
 
 using namespace qorlang;
 using namespace qorlang_test;
@@ -27,7 +27,8 @@ Entry obsolete(std::u16string key, std::u16string text)
 
 Entry plural(std::u16string key, std::u16string pluralSource, std::vector<std::u16string> forms)
 {
-    return Entry{std::move(key), forms.front(), 0, false, false, true, false, std::move(pluralSource), std::move(forms)};
+    return Entry{std::move(key),          forms.front(),   0, false, false, true, false,
+                 std::move(pluralSource), std::move(forms)};
 }
 
 // "key: (fuzzy) form|form <plural source>" per entry; plain "key: text" for singular ones.
@@ -51,24 +52,31 @@ TEST(Workflow, PluralFormsThroughMergeAndInit)
 {
     // The template's plural entries have two empty forms (a .pot); a translation keeps its own
     // forms, new ones get its language's count, and a changed shape or plural source is fuzzy.
-    const Catalogue templ = withEntries({plural(u"%d file", u"%d files", {u"", u""}), plural(u"%d dir", u"%d dirs found", {u"", u""}),
-                                         plural(u"%d item", u"%d items", {u"", u""}), {u"%d page", u""},
-                                         plural(u"%d new", u"%d new ones", {u"", u""}), plural(u"%d photo", u"%d photos", {u"", u""})});
-    Catalogue translation = withEntries({plural(u"%d file", u"%d files", {u"a", u"b", u"c"}), plural(u"%d dir", u"%d dirs", {u"d", u"e", u"f"}),
-                                         {u"%d item", u"x"}, plural(u"%d page", u"%d pages", {u"p", u"q", u"r"}),
+    const Catalogue templ = withEntries({plural(u"%d file", u"%d files", {u"", u""}),
+                                         plural(u"%d dir", u"%d dirs found", {u"", u""}),
+                                         plural(u"%d item", u"%d items", {u"", u""}),
+                                         {u"%d page", u""},
+                                         plural(u"%d new", u"%d new ones", {u"", u""}),
+                                         plural(u"%d photo", u"%d photos", {u"", u""})});
+    Catalogue translation = withEntries({plural(u"%d file", u"%d files", {u"a", u"b", u"c"}),
+                                         plural(u"%d dir", u"%d dirs", {u"d", u"e", u"f"}),
+                                         {u"%d item", u"x"},
+                                         plural(u"%d page", u"%d pages", {u"p", u"q", u"r"}),
                                          plural(u"%d photo", u"%d photos", {u"g", u"h", u"i"})});
     translation.entries.back().obsolete = true;
     translation.language = u"ru_RU";
     const Catalogue merged = mergeCatalogue(translation, templ);
-    EXPECT_EQ(formsOf(merged), (std::vector<std::u16string>{u"%d file: a|b|c <%d files>", u"%d dir: (fuzzy) d|e|f <%d dirs found>",
-                                                           u"%d item: (fuzzy) x|| <%d items>", u"%d page: (fuzzy) p",
-                                                           u"%d new: || <%d new ones>", u"%d photo: (fuzzy) g|h|i <%d photos>"}));
+    EXPECT_EQ(formsOf(merged),
+              (std::vector<std::u16string>{u"%d file: a|b|c <%d files>", u"%d dir: (fuzzy) d|e|f <%d dirs found>",
+                                           u"%d item: (fuzzy) x|| <%d items>", u"%d page: (fuzzy) p",
+                                           u"%d new: || <%d new ones>", u"%d photo: (fuzzy) g|h|i <%d photos>"}));
     EXPECT_EQ(formsOf(mergeCatalogue(merged, templ)), formsOf(merged));
     // A rule of the translation's own wins over its language's.
     translation.pluralForms = u"nplurals=2; plural=(n != 1);";
     EXPECT_EQ(formsOf(mergeCatalogue(translation, templ))[4], u"%d new: | <%d new ones>");
 
-    const std::pair<std::u16string, size_t> languages[] = {{u"ru-RU", 3}, {u"fr-FR", 3}, {u"ja-JP", 1}, {u"ar-EG", 6}, {u"xx-YY", 2}};
+    const std::pair<std::u16string, size_t> languages[] = {
+        {u"ru-RU", 3}, {u"fr-FR", 3}, {u"ja-JP", 1}, {u"ar-EG", 6}, {u"xx-YY", 2}};
     for (const auto& [tag, count] : languages) {
         const Catalogue started = initCatalogue(templ, tag);
         EXPECT_EQ(started.entries[0].forms, std::vector<std::u16string>(count)) << encodeUtf8(tag);
@@ -79,17 +87,22 @@ TEST(Workflow, PluralFormsThroughMergeAndInit)
 
 TEST(Workflow, MergeFollowsMsgmerge)
 {
-    const Catalogue templ = withEntries({{u"Open a file", u""}, {u"Save", u""}, {u"menu\x04Quit", u""}, {u"Print", u""}, {u"Back", u""}, {u"Save", u""}});
+    const Catalogue templ = withEntries({{u"Open a file", u""},
+                                         {u"Save", u""},
+                                         {u"menu\x04Quit", u""},
+                                         {u"Print", u""},
+                                         {u"Back", u""},
+                                         {u"Save", u""}});
     Entry reviewed{u"Print", u"Drucken"};
     reviewed.fuzzy = true;
     const Catalogue translation = withEntries({
-        {u"Open file", u"Datei öffnen"},   // source changed: kept as fuzzy under the new key
-        {u"Save", u"Speichern"},           // kept
-        {u"Quit", u"Beenden"},             // another context: no match, obsolete
-        reviewed,                          // still fuzzy
+        {u"Open file", u"Datei öffnen"}, // source changed: kept as fuzzy under the new key
+        {u"Save", u"Speichern"}, // kept
+        {u"Quit", u"Beenden"}, // another context: no match, obsolete
+        reviewed, // still fuzzy
         {u"Delete everything", u"Alles löschen"}, // gone: obsolete
-        {u"Unused", u""},                  // gone and never translated: dropped
-        obsolete(u"Back", u"Zurück"),      // back again: revived for review
+        {u"Unused", u""}, // gone and never translated: dropped
+        obsolete(u"Back", u"Zurück"), // back again: revived for review
     });
     const Catalogue merged = mergeCatalogue(translation, templ);
     const MergeCounts counts = countChanges(translation, merged);
@@ -118,8 +131,9 @@ TEST(Workflow, PseudoKeepsPlaceholdersAndMarkup)
     // Property over texts mixing every kind of placeholder with words: the placeholders and the
     // markup survive unchanged, no plain ASCII letter is left outside them, the text grows by a
     // third and is bracketed; mirrored, every run of letters is wrapped in RLO ... PDF.
-    const std::u16string pieces[] = {u"Open ", u"%s", u"%1$d", u"%-5.2ld", u"%%", u"%USER%", u"{name}", u"{{count}}",
-                                     u"<b>", u"</b>", u"&amp;", u"\n", u" files in ", u"%<PRIu64>", u"Zz!", u"{{- x}}"};
+    const std::u16string pieces[] = {u"Open ",      u"%s",        u"%1$d", u"%-5.2ld", u"%%",    u"%USER%",
+                                     u"{name}",     u"{{count}}", u"<b>",  u"</b>",    u"&amp;", u"\n",
+                                     u" files in ", u"%<PRIu64>", u"Zz!",  u"{{- x}}"};
     for (unsigned seed = 1; seed < 400; ++seed) {
         std::u16string text;
         for (unsigned k = seed, n = 0; n < 1 + seed % 6; ++n, k = k * 1103515245u + 12345u)
@@ -132,14 +146,17 @@ TEST(Workflow, PseudoKeepsPlaceholdersAndMarkup)
             EXPECT_EQ(pseudo.back(), u']');
             EXPECT_EQ(placeholdersOf(pseudo), placeholdersOf(text));
             for (const char* kept : {"<b>", "</b>", "&amp;", "%<PRIu64>"})
-                EXPECT_EQ(encodeUtf8(text).find(kept) == std::string::npos, encodeUtf8(pseudo).find(kept) == std::string::npos) << kept;
+                EXPECT_EQ(encodeUtf8(text).find(kept) == std::string::npos,
+                          encodeUtf8(pseudo).find(kept) == std::string::npos)
+                    << kept;
             size_t plain = 0;
             for (char16_t c : pseudo)
                 plain += (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z');
             size_t protectedLetters = 0;
             for (const std::u16string& piece : pieces)
                 if (piece != u"Open " && piece != u" files in " && piece != u"Zz!")
-                    for (size_t at = text.find(piece); at != std::u16string::npos; at = text.find(piece, at + piece.size()))
+                    for (size_t at = text.find(piece); at != std::u16string::npos;
+                         at = text.find(piece, at + piece.size()))
                         for (char16_t c : piece)
                             protectedLetters += (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z');
             EXPECT_LE(plain, protectedLetters);
@@ -153,13 +170,16 @@ TEST(Workflow, PseudoKeepsPlaceholdersAndMarkup)
 
 TEST(Workflow, DefaultTextsJoinTheirKeysByReference)
 {
-    const std::string keys = "msgid \"\"\nmsgstr \"\"\n\n#. TRANSLATORS: title\n#: a.cpp:3\nmsgid \"app.title\"\nmsgstr \"\"\n\n"
-                             "#: a.cpp:4 b.cpp:9\nmsgid \"Open\"\nmsgstr \"\"\n\n#: a.cpp:5\nmsgid \"two\"\nmsgstr \"\"\n";
-    const std::string defaults = "msgid \"\"\nmsgstr \"\"\n\n#: a.cpp:3\nmsgid \"\"\n\"My \\\"app\\\"\"\nmsgstr \"\"\n\n"
-                                 "#: a.cpp:4\nmsgid \"Open\"\nmsgstr \"\"\n\n#: a.cpp:5\nmsgid \"one\"\nmsgstr \"\"\n\n"
-                                 "#: a.cpp:5\nmsgid \"other\"\nmsgstr \"\"\n";
+    const std::string keys =
+        "msgid \"\"\nmsgstr \"\"\n\n#. TRANSLATORS: title\n#: a.cpp:3\nmsgid \"app.title\"\nmsgstr \"\"\n\n"
+        "#: a.cpp:4 b.cpp:9\nmsgid \"Open\"\nmsgstr \"\"\n\n#: a.cpp:5\nmsgid \"two\"\nmsgstr \"\"\n";
+    const std::string defaults =
+        "msgid \"\"\nmsgstr \"\"\n\n#: a.cpp:3\nmsgid \"\"\n\"My \\\"app\\\"\"\nmsgstr \"\"\n\n"
+        "#: a.cpp:4\nmsgid \"Open\"\nmsgstr \"\"\n\n#: a.cpp:5\nmsgid \"one\"\nmsgstr \"\"\n\n"
+        "#: a.cpp:5\nmsgid \"other\"\nmsgstr \"\"\n";
     EXPECT_EQ(addDefaultComments(keys, defaults),
-              "msgid \"\"\nmsgstr \"\"\n\n#. TRANSLATORS: title\n#. default: \"My \\\"app\\\"\"\n#: a.cpp:3\nmsgid \"app.title\"\nmsgstr \"\"\n\n"
+              "msgid \"\"\nmsgstr \"\"\n\n#. TRANSLATORS: title\n#. default: \"My \\\"app\\\"\"\n#: a.cpp:3\nmsgid "
+              "\"app.title\"\nmsgstr \"\"\n\n"
               "#: a.cpp:4 b.cpp:9\nmsgid \"Open\"\nmsgstr \"\"\n\n"
               "#. default: \"one\"\n#. default: \"other\"\n#: a.cpp:5\nmsgid \"two\"\nmsgstr \"\"\n");
     // pseudo reads a template with the defaults as texts: the program's words, not its keys.

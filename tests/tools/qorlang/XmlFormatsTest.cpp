@@ -35,36 +35,45 @@ line<byte value="x7"/>
     EXPECT_EQ(c.language, u"ru_RU");
     EXPECT_EQ(c.author, u"Ivan");
     EXPECT_EQ(pairsOf(c), (Pairs{
-                             {u"menu\x04Open", u"Открыть"},
-                             {u"Plain", u"Просто"},
-                             {u"a file", u"%d файл"},
-                             {u"Fuzzy", u"(fuzzy) Нечётко"},
-                             {u"Old", u"(obsolete)"},
-                             {u"\r\nline\a\n", u" "},
-                             {u"MainWindow|verb\x04Open", u"Открывать"},
-                             {u"MainWindow|\x04" u"Close", u"Закрыть"},
-                         }));
+                              {u"menu\x04Open", u"Открыть"},
+                              {u"Plain", u"Просто"},
+                              {u"a file", u"%d файл"},
+                              {u"Fuzzy", u"(fuzzy) Нечётко"},
+                              {u"Old", u"(obsolete)"},
+                              {u"\r\nline\a\n", u" "},
+                              {u"MainWindow|verb\x04Open", u"Открывать"},
+                              {u"MainWindow|\x04"
+                               u"Close",
+                               u"Закрыть"},
+                          }));
     EXPECT_TRUE(c.entries[2].plural);
 }
 
 TEST(XmlFormats, XliffFollowsLconvertConventions)
 {
     // Lines end in LF, so the CR inside the first source is the text's own.
-    const Catalogue c = readXliff("t.xlf", "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n"
-        "<xliff version=\"1.2\" xmlns=\"urn:oasis:names:tc:xliff:document:1.2\" xmlns:trolltech=\"urn:trolltech:names:ts:document:1.0\">\n"
+    const Catalogue c = readXliff(
+        "t.xlf",
+        "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n"
+        "<xliff version=\"1.2\" xmlns=\"urn:oasis:names:tc:xliff:document:1.2\" "
+        "xmlns:trolltech=\"urn:trolltech:names:ts:document:1.0\">\n"
         "  <trolltech:po-header-language>ru</trolltech:po-header-language>\n"
         "  <file original=\"\" datatype=\"plaintext\" source-language=\"en\" target-language=\"ru-RU\"><body>\n"
         "    <trans-unit id=\"_msg1\"><source xml:space=\"preserve\">\r\nbotched\r\n</source>"
-        "<target xml:space=\"preserve\"><ph id=\"ph1\" ctype=\"x-ch-bel\">\\a</ph>сбой <g id=\"1\">a</g> <g id=\"2\">b</g></target></trans-unit>\n"
+        "<target xml:space=\"preserve\"><ph id=\"ph1\" ctype=\"x-ch-bel\">\\a</ph>сбой <g id=\"1\">a</g> <g "
+        "id=\"2\">b</g></target></trans-unit>\n"
         "    <trans-unit id=\"_msg2\"><source>Open</source><target>Открыть</target>\n"
         "      <context-group><context context-type=\"x-gettext-msgctxt\">menu</context></context-group></trans-unit>\n"
         "    <group restype=\"x-gettext-plurals\">\n"
         "      <context-group><context context-type=\"x-gettext-msgctxt\">files</context></context-group>\n"
         "      <trolltech:po-flags>c-format</trolltech:po-flags>\n"
-        "      <trans-unit id=\"_msg3[0]\"><source>%&lt;PRIu8&gt; file</source><target>%&lt;PRIu8&gt; файл</target></trans-unit>\n"
-        "      <trans-unit id=\"_msg3[1]\"><source>%&lt;PRIu8&gt; files</source><target>%&lt;PRIu8&gt; файла</target></trans-unit>\n"
+        "      <trans-unit id=\"_msg3[0]\"><source>%&lt;PRIu8&gt; file</source><target>%&lt;PRIu8&gt; "
+        "файл</target></trans-unit>\n"
+        "      <trans-unit id=\"_msg3[1]\"><source>%&lt;PRIu8&gt; files</source><target>%&lt;PRIu8&gt; "
+        "файла</target></trans-unit>\n"
         "    </group>\n"
-        "    <trans-unit id=\"_msg4\"><source>Fuzzy</source><target state=\"needs-review-translation\">Нечётко</target></trans-unit>\n"
+        "    <trans-unit id=\"_msg4\"><source>Fuzzy</source><target "
+        "state=\"needs-review-translation\">Нечётко</target></trans-unit>\n"
         "    <trans-unit id=\"_msg5\" translate=\"no\"><source>Old</source><target>Старое</target></trans-unit>\n"
         "    <trans-unit id=\"_msg6\"><source>Untranslated</source><target></target></trans-unit>\n"
         "    <group restype=\"x-trolltech-linguist-context\" resname=\"MainWindow\">\n"
@@ -74,25 +83,30 @@ TEST(XmlFormats, XliffFollowsLconvertConventions)
         "  </body></file>\n</xliff>\n");
     EXPECT_EQ(c.language, u"ru-RU"); // the file's target language before lconvert's copy of the PO header
     EXPECT_EQ(pairsOf(c), (Pairs{
-                             {u"\r\nbotched\r\n", u"\aсбой a b"},
-                             {u"menu\x04Open", u"Открыть"},
-                             {u"files\x04%u file", u"%u файл"},
-                             {u"Fuzzy", u"(fuzzy) Нечётко"},
-                             {u"Old", u"(obsolete)"},
-                             {u"Untranslated", u""},
-                             {u"MainWindow|\x04" u"Close", u"Закрыть"},
-                             {u"app.title", u"Заголовок"},
-                         }));
+                              {u"\r\nbotched\r\n", u"\aсбой a b"},
+                              {u"menu\x04Open", u"Открыть"},
+                              {u"files\x04%u file", u"%u файл"},
+                              {u"Fuzzy", u"(fuzzy) Нечётко"},
+                              {u"Old", u"(obsolete)"},
+                              {u"Untranslated", u""},
+                              {u"MainWindow|\x04"
+                               u"Close",
+                               u"Закрыть"},
+                              {u"app.title", u"Заголовок"},
+                          }));
     EXPECT_EQ(c.entries[0].line, 5);
     EXPECT_EQ(c.entries[7].line, 22);
 }
 
 TEST(XmlFormats, Xliff2UnitsAndCrLfFiles)
 {
-    const Catalogue c = readXliff("t.xlf", "<?xml version=\"1.0\"?>\r\n"
+    const Catalogue c = readXliff(
+        "t.xlf",
+        "<?xml version=\"1.0\"?>\r\n"
         "<xliff xmlns=\"urn:oasis:names:tc:xliff:document:2.0\" version=\"2.0\" srcLang=\"en\" trgLang=\"de-DE\">\r\n"
         " <file id=\"f1\"><group id=\"g\">\r\n"
-        "  <unit id=\"1\" name=\"menu.open\"><segment state=\"final\"><source>Open</source><target>Öffnen\r\nnow</target></segment></unit>\r\n"
+        "  <unit id=\"1\" name=\"menu.open\"><segment "
+        "state=\"final\"><source>Open</source><target>Öffnen\r\nnow</target></segment></unit>\r\n"
         "  <unit id=\"2\"><segment><source>Two </source><target>Zwei </target></segment>"
         "<ignorable><source> </source><target> </target></ignorable>"
         "<segment state=\"initial\"><source>parts</source><target>Teile</target></segment></unit>\r\n"
@@ -107,7 +121,9 @@ TEST(XmlFormats, WrittenFilesReadBack)
     c.entries = {
         {u"plain", u"einfach"},
         {u"Qt|verb\x04Open", u"Öffnen"},
-        {u"Qt|\x04" u"Close", u"Schließen"},
+        {u"Qt|\x04"
+         u"Close",
+         u"Schließen"},
         {u"|odd\x04x", u"y"},
         {u"ctx\x04x", u"<b>&amp;</b> \"q\""},
         {u"\x04no context name", u"leer"},

@@ -63,7 +63,10 @@ fs::path pickCatalogue()
     return best;
 }
 
-std::u16string utf16(const std::string& text) { return qorlang::decodeUtf8(text).value_or(u"\uFFFD(bad UTF-8)"); }
+std::u16string utf16(const std::string& text)
+{
+    return qorlang::decodeUtf8(text).value_or(u"\uFFFD(bad UTF-8)");
+}
 
 std::u16string lookUp(const std::u16string& key)
 {
@@ -89,7 +92,8 @@ int main(int argc, char** argv)
                     form == "ts" || form == "xlf" ? ", lconvert" : "");
         return kSkip;
     }
-    const fs::path dir = fs::temp_directory_path() / ("qorlang_round_trip_" + form + "_" + std::to_string(std::random_device()()));
+    const fs::path dir =
+        fs::temp_directory_path() / ("qorlang_round_trip_" + form + "_" + std::to_string(std::random_device()()));
     fs::create_directories(dir / "qor");
     fs::create_directories(dir / "gettext" / "ru" / "LC_MESSAGES");
     const fs::path po = dir / "catalogue.po";
@@ -98,7 +102,8 @@ int main(int argc, char** argv)
     std::printf("catalogue: %s\n", mo.c_str());
 
     fs::path input = po;
-    bool ok = run("msgunfmt -o " + quote(po) + " " + quote(mo)) && run("msgfmt -o " + quote(gettextMo) + " " + quote(po));
+    bool ok =
+        run("msgunfmt -o " + quote(po) + " " + quote(mo)) && run("msgfmt -o " + quote(gettextMo) + " " + quote(po));
     if (ok && (form == "ts" || form == "xlf")) {
         input = dir / ("catalogue." + form);
         ok = run("lconvert -i " + quote(po) + " -o " + quote(input));
@@ -109,7 +114,8 @@ int main(int argc, char** argv)
              run(quote(qorlang) + " decompile " + quote(first) + " -o " + quote(input)) &&
              (form != "decompiled.po" || run("msgfmt --check -o /dev/null " + quote(input)));
     }
-    ok = ok && run(quote(qorlang) + " compile " + quote(input) + " -o " + quote(compiled) + " --app-id app --language ru-RU");
+    ok = ok &&
+         run(quote(qorlang) + " compile " + quote(input) + " -o " + quote(compiled) + " --app-id app --language ru-RU");
     if (!ok) {
         std::printf("FAILED: a command failed (files kept in %s)\n", dir.c_str());
         return 1;
@@ -121,7 +127,8 @@ int main(int argc, char** argv)
     bind_textdomain_codeset("app", "UTF-8");
 
     const std::u16string folder = (dir / "qor").u16string();
-    if (QOR_LANG2_add(reinterpret_cast<const QOR_LANG2_CHAR*>(folder.c_str()), nullptr, reinterpret_cast<const QOR_LANG2_CHAR*>(u"app")) != 0 ||
+    if (QOR_LANG2_add(reinterpret_cast<const QOR_LANG2_CHAR*>(folder.c_str()), nullptr,
+                      reinterpret_cast<const QOR_LANG2_CHAR*>(u"app")) != 0 ||
         QOR_LANG2_getLanguageCount(reinterpret_cast<const QOR_LANG2_CHAR*>(u"app")) != 1 ||
         QOR_LANG2_setCurrentLanguage(reinterpret_cast<const QOR_LANG2_CHAR*>(u"ru-RU")) != 0) {
         std::printf("FAILED: the library did not load %s\n", compiled.c_str());

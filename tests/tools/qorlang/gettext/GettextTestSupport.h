@@ -29,7 +29,10 @@ inline bool have(const char* program)
     return std::system(("command -v " + std::string(program) + " >/dev/null 2>&1").c_str()) == 0;
 }
 
-inline std::string quote(const fs::path& p) { return "'" + p.string() + "'"; }
+inline std::string quote(const fs::path& p)
+{
+    return "'" + p.string() + "'";
+}
 
 inline std::string readAll(const fs::path& path)
 {

@@ -110,8 +110,8 @@ long compareOne(const std::string& qorlang, const std::string& language, const s
         const std::string key = hasContext ? context + '\x04' + singular : singular;
         for (unsigned long n = 0; n <= kLastN; ++n) {
             const std::string expected = dngettext("app", key.c_str(), plural.c_str(), n);
-            const std::string actual = hasContext ? qor_lang2::trnc(context, singular, plural, n)
-                                                  : qor_lang2::trn(singular, plural, n);
+            const std::string actual =
+                hasContext ? qor_lang2::trnc(context, singular, plural, n) : qor_lang2::trn(singular, plural, n);
             translated += expected != (n == 1 ? singular : plural);
             if (actual != expected && ++mismatches <= 5)
                 std::printf("mismatch: \"%s\" n=%lu: ngettext \"%s\", trn \"%s\"\n", singular.c_str(), n,
@@ -119,7 +119,8 @@ long compareOne(const std::string& qorlang, const std::string& language, const s
         }
     }
     std::printf("%s%s: %zu plural entries, %zu answers compared (n = 0..%lu), %zu of them translated, %ld mismatches\n",
-                mo.c_str(), withoutRule ? " (CLDR rule)" : "", originals.size(), originals.size() * (kLastN + 1), kLastN, translated, mismatches);
+                mo.c_str(), withoutRule ? " (CLDR rule)" : "", originals.size(), originals.size() * (kLastN + 1),
+                kLastN, translated, mismatches);
     if (mismatches == 0)
         fs::remove_all(dir);
     return translated == 0 ? -1 : mismatches;
@@ -148,7 +149,8 @@ int main(int argc, char** argv)
         std::fflush(stdout);
         const std::string self = quote(fs::canonical("/proc/self/exe"));
         for (const char* mode : {"", "QOR_TEST_WITHOUT_RULE=1 "}) {
-            if (!run(mode + ("QOR_TEST_MO=" + quote(mo)) + " " + self + " " + quote(qorlang) + " " + language + " " + tag))
+            if (!run(mode + ("QOR_TEST_MO=" + quote(mo)) + " " + self + " " + quote(qorlang) + " " + language + " " +
+                     tag))
                 status = 1;
         }
     }
