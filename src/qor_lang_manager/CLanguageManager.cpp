@@ -23,7 +23,6 @@ using kore::P;
 
 namespace {
 
-constexpr int32_t kInfoLevel = 1;
 // Where the language change is traced, as debugger users of this library know it.
 constexpr int32_t kTraceLine = 189;
 
@@ -108,8 +107,9 @@ bool CLanguageManager::setCurrentLanguage(const LanguageId& language)
     std::u16string tag;
     try {
         tag = language.getTag();
-        kore::CLogManager::instance()->log(kInfoLevel, kLogModule,
-                                           *kore::formatString("Setting Language: %s", tag.c_str()), 0, -1);
+        kore::CLogManager::instance()->log(kore::ILog::kInfo, kLogModule,
+                                           *kore::formatString("Setting Language: %s", tag.c_str()),
+                                           kore::ILog::kNoCode, kore::ILog::kNoLine);
         std::vector<P<kore::CTextTable>> texts;
         for (const P<CLanguagePack>& pack : packs()) {
             if (pack->setLanguage(tag.c_str(), texts))

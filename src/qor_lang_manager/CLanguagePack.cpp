@@ -21,8 +21,6 @@ namespace qor_lang {
 using kore::P;
 
 namespace {
-constexpr int32_t kErrorLevel = 3;
-
 // The country a language is most at home in, as far as codes tell: "de" -> "de-DE"; English's is
 // the library's own second choice, "en-US".
 std::u16string ownCountryTag(const std::u16string& code)
@@ -51,9 +49,9 @@ P<kore::IString> CLanguagePack::fileName(const kore::CStringArg& appId, const ko
 void CLanguagePack::reportLoadError(const kore::IString& name, const kore::IString* cause)
 {
     P<kore::CLogManager> log = kore::CLogManager::instance();
-    log->log(kErrorLevel, kLogModule, *kore::formatString("error while loading '%s'", name), 0, -1);
+    log->error(kLogModule, *kore::formatString("error while loading '%s'", name), kore::ILog::kNoCode);
     if (cause && cause->getLength() != 0)
-        log->log(kErrorLevel, kLogModule, *kore::formatString("'%s': %s", name, *cause), 0, -1);
+        log->error(kLogModule, *kore::formatString("'%s': %s", name, *cause), kore::ILog::kNoCode);
 }
 
 bool CLanguagePack::belongsToAnotherApp(const CLanguageFile& file) const

@@ -2,6 +2,7 @@
 
 #include "qor_lang_manager/PluralLookup.h"
 
+#include "chunk_file/CChunkFile.h"
 #include "chunk_file/CChunkIterator.h"
 #include "chunk_file/TChunkRef.h"
 #include "framework/errors/CError.h"
@@ -21,7 +22,7 @@ namespace {
 
 constexpr int64_t kInitialBuckets = 1000;
 constexpr int64_t kChunkHeader = chf::CChunkIterator::kChunkHeaderSize;
-constexpr int64_t kContainerHeader = 16;
+constexpr int64_t kContainerHeader = chf::CChunkFile::kFileHeaderSize;
 // An entry is at least its value and four counts.
 constexpr int64_t kSmallestEntry = 20;
 // Offsets in a block are 32-bit.

@@ -8,8 +8,8 @@
 // accepted and treated as more severe.
 //
 // The two further arguments of log: `code`, an error or event code to keep with the record
-// (0: none; an operating-system error number, say), and `line`, the source line the record
-// comes from (-1: not given). The shortcuts pass -1 as the line.
+// (kNoCode: none; an operating-system error number, say), and `line`, the source line the record
+// comes from (kNoLine: not given). The shortcuts pass kNoLine as the line.
 
 #include "framework/errors/CException.h"
 #include "framework/objects/IBase.h"
@@ -26,6 +26,7 @@ public:
     static constexpr int32_t kInfo = 1;
     static constexpr int32_t kWarning = 2;
     static constexpr int32_t kError = 3;
+    static constexpr int32_t kNoCode = 0;
     static constexpr int32_t kNoLine = -1;
 
     // A record that bypasses every level: written as it stands.
@@ -50,10 +51,10 @@ public:
     {
         log(kError, module, text, code, kNoLine);
     }
-    // Logs the error's description at level 3.
+    // Logs the error's description at level kError.
     virtual void logError(const CStringArg& module, const CException& error)
     {
-        log(kError, module, error.getDescription(), 0, kNoLine);
+        log(kError, module, error.getDescription(), kNoCode, kNoLine);
     }
 };
 

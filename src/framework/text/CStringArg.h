@@ -13,6 +13,18 @@ class IString;
 template <class T>
 class P;
 
+// Narrow text at a call site is Latin-1, one byte per character (U+0000-U+00FF), never UTF-8:
+// "caf\xC3\xA9" is five characters. latin1("caf\xE9") says so where it matters; UTF-8 text goes
+// through CString::fromUTF8 instead.
+struct CLatin1Text {
+    const char* text;
+    uint32_t length;
+};
+constexpr CLatin1Text latin1(const char* text, uint32_t length = 0xFFFFFFFF) noexcept
+{
+    return {text, length};
+}
+
 class CStringArg {
 public:
     static constexpr uint32_t kUnknownLength = 0xFFFFFFFF;
@@ -25,7 +37,9 @@ public:
         if (!m_str)
             borrow(nullptr, 0, 0); // the empty Latin-1 string
     }
+    // Latin-1, not UTF-8 (see CLatin1Text).
     CStringArg(const char* latin1, uint32_t length = kUnknownLength);
+    CStringArg(CLatin1Text text) : CStringArg(text.text, text.length) {}
     CStringArg(const char16_t* utf16, uint32_t length = kUnknownLength);
     CStringArg(const char32_t* utf32, uint32_t length = kUnknownLength);
     CStringArg(const wchar_t* wide, uint32_t length = kUnknownLength);

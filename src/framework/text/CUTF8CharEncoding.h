@@ -6,6 +6,12 @@
 namespace kore {
 
 // The UTF-8 encoding; one shared instance per process.
+//
+// Compatibility rule: it refuses every sequence led by 0xC0, 0xE0 or 0xF0, even a well-formed one,
+// so it cannot read U+0800-U+0FFF (Samaritan to Tibetan: Devanagari, Thai, ...) nor U+10000-U+3FFFF
+// (most emoji). Strings in this encoding keep that rule for the files and callers that expect it.
+// Text from outside (file names, paths, command lines, UTF-8 files) goes through
+// CString::fromUTF8 / tryFromUTF8 and toUTF8, which read and write all of UTF-8.
 class CUTF8CharEncoding : public CCharEncodingBase {
 public:
     static constexpr uint32_t kId = 0x38465455;
