@@ -1,25 +1,11 @@
-#include "framework/errors/CInvalidArgError.h"
-#include "framework/errors/CParseError.h"
-#include "framework/text/CString.h"
-#include "framework/values/CNumberParser.h"
+#include "FrameworkTest.h"
 
-#include <gtest/gtest.h>
+#include "framework/errors/CParseError.h"
+#include "framework/values/CNumberParser.h"
 
 #include <cmath>
 
 namespace kore_test {
-
-using namespace kore;
-
-std::string parseFailure(const std::function<void()>& parse)
-{
-    try {
-        parse();
-    } catch (const CParseError& e) {
-        return e.getDescription()->toUTF8();
-    }
-    return "no CParseError";
-}
 
 TEST(NumberParser, IntegersInEveryBase)
 {
@@ -63,17 +49,19 @@ TEST(NumberParser, Failures)
                          "-9223372036854775809",
                          "\xB2" /* Latin-1 superscript 2 */};
     for (const char* text : bad)
-        EXPECT_EQ(parseFailure([&] { CNumberParser::parseInt64(text); }), "Error parsing integer.") << text;
-    EXPECT_EQ(parseFailure([] { CNumberParser::parseInt64("19", 8); }), "Error parsing integer.");
+        EXPECT_EQ(descriptionOf<CParseError>([&] { CNumberParser::parseInt64(text); }), "Error parsing integer.")
+            << text;
+    EXPECT_EQ(descriptionOf<CParseError>([] { CNumberParser::parseInt64("19", 8); }), "Error parsing integer.");
     for (const char* text : {"-0", "-1", "18446744073709551616", "99999999999999999999999"})
-        EXPECT_EQ(parseFailure([&] { CNumberParser::parseUInt64(text); }), "Error parsing integer.") << text;
+        EXPECT_EQ(descriptionOf<CParseError>([&] { CNumberParser::parseUInt64(text); }), "Error parsing integer.")
+            << text;
     EXPECT_THROW(CNumberParser::parseInt64("1", 1), CInvalidArgError);
     EXPECT_THROW(CNumberParser::parseUInt64("1", 37), CInvalidArgError);
     const char* badDouble[] = {"",      "-",      ".",      "e5",   ".e5",          "1e",      "1e+",
                                " 1",    "1 ",     "1,5",    "0x10", "1.2.3",        "infinit", "nan(1)",
                                "1e400", "-1e400", "1e-400", "--1",  "1\xE2\x80\xAF"};
     for (const char* text : badDouble)
-        EXPECT_EQ(parseFailure([&] { CNumberParser::parseDouble(CString::fromUTF8(text)); }),
+        EXPECT_EQ(descriptionOf<CParseError>([&] { CNumberParser::parseDouble(CString::fromUTF8(text)); }),
                   "Error parsing floating point value.")
             << text;
 }
