@@ -36,4 +36,15 @@ std::string descriptionOf(F&& call)
     return description;
 }
 
+// Runs `call`, which must throw an E (an error that carries a URI) about `uri` whose description
+// holds `filledIn`, the text of its placeholder. Error texts as a whole are ErrorsTest's.
+template <class E, class F>
+void expectNaming(F&& call, const std::string& filledIn, const IBase* uri)
+{
+    expectThrown<E>(call, [&](const E& e) {
+        EXPECT_NE(e.getDescription()->toUTF8().find(filledIn), std::string::npos) << e.getDescription()->toUTF8();
+        EXPECT_EQ(static_cast<const IBase*>(e.getURI().get()), uri);
+    });
+}
+
 } // namespace kore_test
