@@ -36,14 +36,16 @@ std::string descriptionOf(F&& call)
     return description;
 }
 
-// Runs `call`, which must throw an E (an error that carries a URI) about `uri` whose description
-// holds `filledIn`, the text of its placeholder. Error texts as a whole are ErrorsTest's.
-template <class E, class F>
-void expectNaming(F&& call, const std::string& filledIn, const IBase* uri)
+// Runs `call`, which must throw an E about `uri` (null: none) whose description holds the URI's
+// text, or `filledIn` where there is no URI: the placeholder filled in. The error texts as a
+// whole are ErrorsTest's.
+template <class E, class F, class URI>
+void expectNaming(F&& call, const URI* uri, const std::string& filledIn = {})
 {
     expectThrown<E>(call, [&](const E& e) {
-        EXPECT_NE(e.getDescription()->toUTF8().find(filledIn), std::string::npos) << e.getDescription()->toUTF8();
-        EXPECT_EQ(static_cast<const IBase*>(e.getURI().get()), uri);
+        const std::string text = e.getDescription()->toUTF8();
+        EXPECT_NE(text.find(uri ? uri->toString()->toUTF8() : filledIn), std::string::npos) << text;
+        EXPECT_EQ(static_cast<const IBase*>(e.getURI().get()), static_cast<const IBase*>(uri));
     });
 }
 

@@ -22,10 +22,7 @@ namespace kore_test {
 
 namespace {
 
-P<IStream> open(const P<IURI>& uri, uint32_t mode)
-{
-    return IStreamManager::instance()->openURI(*uri, mode);
-}
+const auto open = [](const P<IURI>& uri, uint32_t mode) { return IStreamManager::instance()->openURI(*uri, mode); };
 
 std::string readAll(const P<IStream>& stream)
 {
@@ -43,12 +40,6 @@ std::string interfaces(const P<IStream>& stream)
            (tryCast<ISeekableInStream>(stream) ? "seekIn " : "") + (tryCast<IOutStream>(stream) ? "out " : "") +
            (tryCast<ISeekableOutStream>(stream) ? "seekOut " : "") + (tryCast<IIOStream>(stream) ? "io " : "") +
            (tryCast<ISeekableIOStream>(stream) ? "seekIO" : "");
-}
-
-template <class E, class F>
-void expectNamed(const P<IURI>& uri, F&& call)
-{
-    expectNaming<E>(call, uri->toString()->toUTF8(), uri.get());
 }
 
 } // namespace
@@ -139,19 +130,19 @@ TEST_F(DiskStream, ErrorsNameTheirURI)
     P<IStream> stream = open(shortFile, IStreamManager::kRead);
     char buffer[11] = {};
     const auto readEleven = [&] { cast<IInStream>(stream)->read(buffer, 11); };
-    expectNamed<CEndOfStreamError>(shortFile, readEleven);
+    expectNaming<CEndOfStreamError>(readEleven, shortFile.get());
     cast<ISeekableInStream>(stream)->seek(1000);
     EXPECT_THROW(readEleven(), CEndOfStreamError) << "behind the end";
 
     const P<IURI> missing = fileURI("missing.qorlang");
-    expectNamed<CFileNotFoundError>(missing, [&] { open(missing, IStreamManager::kRead); });
+    expectNaming<CFileNotFoundError>([&] { open(missing, IStreamManager::kRead); }, missing.get());
     EXPECT_THROW(open(temp.uri("no such folder")->resolve("x"), IStreamManager::kWrite), CFileNotFoundError);
     EXPECT_THROW(IStreamManager::instance()->openPath(CString::fromUTF8(temp.utf8("missing")), IStreamManager::kRead),
                  CFileNotFoundError);
     // A folder is not a stream, on every platform.
     const P<IURI> folder = temp.uri(kFolder);
     for (uint32_t mode : {IStreamManager::kRead, IStreamManager::kWrite, IStreamManager::kReadWrite})
-        expectNamed<CFileAccessDeniedError>(folder, [&] { open(folder, mode); });
+        expectNaming<CFileAccessDeniedError>([&] { open(folder, mode); }, folder.get());
 
     EXPECT_THROW(open(CURI::fromURIText("http://example.com/x"), IStreamManager::kRead), CURITypeNotSupportedError);
     EXPECT_THROW(open(fileURI("x"), 0), CInvalidArgError);
