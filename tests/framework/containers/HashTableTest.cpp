@@ -1,7 +1,6 @@
 #include "FrameworkTest.h"
 
 #include "framework/containers/TSimpleHashTable.h"
-#include "framework/values/CValueList.h"
 
 #include <limits>
 #include <utility>
@@ -135,22 +134,6 @@ TEST(SimpleHashTable, StringKeysCompareExactlyByCodePointAcrossEncodings)
     EXPECT_THROW(t->set(nullptr, 0), CInvalidArgError);
     EXPECT_THROW((TSimpleHashTable<int, int>(0.0, 2.0)), CInvalidArgError);
     EXPECT_THROW((TSimpleHashTable<int, int>(0.75, std::numeric_limits<double>::quiet_NaN())), CInvalidArgError);
-}
-
-TEST(ValueList, TellsAbsentFromPresentAndStringsFromOtherValues)
-{
-    auto list = make<CValueList>();
-    auto object = make<CObject>();
-    list->set("alpha", CString::fromUTF8("one"));
-    EXPECT_EQ(list->peekString("alpha")->toUTF8(), "one");
-    list->set(u"alpha", object);
-    EXPECT_EQ(list->get("alpha"), object);
-    EXPECT_EQ(list->peekString("alpha"), nullptr) << "not a string";
-    EXPECT_EQ(list->get("Alpha"), nullptr);
-    EXPECT_THROW(list->set("beta", nullptr), CInvalidArgError);
-    EXPECT_EQ(list->getCount(), 1u);
-    list->clear();
-    EXPECT_EQ(object->getRefCount(), 1);
 }
 
 } // namespace

@@ -10,13 +10,10 @@
 
 namespace kore_test {
 
-class IFirst : public virtual IBase {
-public:
+struct IFirst : virtual IBase {
     virtual int first() const = 0;
 };
-
-class ISecond : public virtual IBase {
-public:
+struct ISecond : virtual IBase {
     virtual int second() const = 0;
 };
 
@@ -51,13 +48,9 @@ struct CQuerying : CObject, IFirst {
     }
 };
 
-class ObjectModel : public ::testing::Test {
-protected:
-    void SetUp() override { CCounted::destroyed = 0; }
-};
-
-TEST_F(ObjectModel, CountingOwnershipAndSafeAssignment)
+TEST(ObjectModel, CountingOwnershipAndSafeAssignment)
 {
+    CCounted::destroyed = 0;
     auto* raw = new CCounted;
     EXPECT_EQ(raw->getRefCount(), 1);
     P<CCounted> owner = P<CCounted>::adopt(raw);
@@ -86,7 +79,7 @@ TEST_F(ObjectModel, CountingOwnershipAndSafeAssignment)
     EXPECT_EQ(p->first(), 1);
 }
 
-TEST_F(ObjectModel, CountIsParkedFarBelowZeroDuringDestruction)
+TEST(ObjectModel, CountIsParkedFarBelowZeroDuringDestruction)
 {
     static std::vector<int32_t> seen;
     struct CRecording : CObject {
@@ -103,7 +96,7 @@ TEST_F(ObjectModel, CountIsParkedFarBelowZeroDuringDestruction)
     EXPECT_EQ(seen, (std::vector<int32_t>{-1000000, -999999, -1000000}));
 }
 
-TEST_F(ObjectModel, FrailPointersNeverTouchTheCountStrongOnesDo)
+TEST(ObjectModel, FrailPointersNeverTouchTheCountStrongOnesDoAndKeepWhatTheyHold)
 {
     P<CCounted> owner = make<CCounted>();
     CCounted* raw = owner.get();
@@ -128,12 +121,9 @@ TEST_F(ObjectModel, FrailPointersNeverTouchTheCountStrongOnesDo)
     PFrail<CCounted> defaulted;
     EXPECT_TRUE(defaulted.isStrong());
     EXPECT_FALSE(defaulted);
-}
 
-// A chain whose nodes own the next one only through a strong frail pointer: walking it by
-// assignment frees each node as the walk leaves it, after its successor was taken.
-TEST_F(ObjectModel, StrongFrailAssignmentKeepsAPointeeHeldOnlyByTheOldOne)
-{
+    // A chain whose nodes own the next one only through a strong frail pointer: walking it by
+    // assignment frees each node as the walk leaves it, after its successor was taken.
     for (const bool moving : {false, true}) {
         SCOPED_TRACE(moving ? "move" : "copy");
         CCounted::destroyed = 0;
@@ -157,7 +147,7 @@ TEST_F(ObjectModel, StrongFrailAssignmentKeepsAPointeeHeldOnlyByTheOldOne)
     }
 }
 
-TEST_F(ObjectModel, CastFindsInterfacesAndNamesBothTypesWhenItCannot)
+TEST(ObjectModel, CastFindsInterfacesAndNamesBothTypesWhenItCannot)
 {
     EXPECT_EQ(cast<IFirst>(static_cast<const IBase*>(nullptr)), nullptr);
     EXPECT_EQ(tryCast<IFirst>(static_cast<const IBase*>(nullptr)), nullptr);
@@ -181,7 +171,7 @@ TEST_F(ObjectModel, CastFindsInterfacesAndNamesBothTypesWhenItCannot)
                              });
 }
 
-TEST_F(ObjectModel, CastQueryMayRefuseRedirectOrOfferCandidates)
+TEST(ObjectModel, CastQueryMayRefuseRedirectOrOfferCandidates)
 {
     P<CQuerying> q = make<CQuerying>();
     q->refuse = true;
@@ -214,9 +204,10 @@ TEST_F(ObjectModel, CastQueryMayRefuseRedirectOrOfferCandidates)
 
 // Threads share one object, count it up and down and drop their last references at about the
 // same time: no count is lost, and exactly one of them destroys the object.
-TEST_F(ObjectModel, CountingFromManyThreadsLosesNothingAndDestroysOnce)
+TEST(ObjectModel, CountingFromManyThreadsLosesNothingAndDestroysOnce)
 {
     constexpr int kThreads = 4;
+    CCounted::destroyed = 0;
     std::vector<std::thread> threads;
     std::atomic<int> ready{0};
     {
