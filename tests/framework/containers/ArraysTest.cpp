@@ -21,10 +21,7 @@ struct CItem : CObject {
     const int id;
 };
 
-bool isDead(int id)
-{
-    return std::find(CItem::dead.begin(), CItem::dead.end(), id) != CItem::dead.end();
-}
+const auto isDead = [](int id) { return std::find(CItem::dead.begin(), CItem::dead.end(), id) != CItem::dead.end(); };
 
 std::vector<int> ids(const TSimpleArray<P<CItem>>& a)
 {

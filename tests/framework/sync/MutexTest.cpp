@@ -21,15 +21,13 @@ namespace fs = std::filesystem;
 
 namespace {
 
-long long msSince(Clock::time_point start)
-{
+const auto msSince = [](Clock::time_point start) {
     return std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start).count();
-}
-
-P<IMutex> globalMutex(const std::string& name)
-{
-    return createMutexFactory()->createGlobalMutex(name.c_str());
-}
+};
+const auto globalMutex = [](const std::string& name) { return createMutexFactory()->createGlobalMutex(name.c_str()); };
+const auto fileFor = [](const std::string& name, const char* suffix) {
+    return fs::temp_directory_path() / (name + suffix);
+};
 
 // Whether another thread can take the mutex right now (it lets go again at once).
 bool otherThreadGets(IMutex& mutex)
@@ -40,11 +38,6 @@ bool otherThreadGets(IMutex& mutex)
             mutex.unlock();
     }).join();
     return got;
-}
-
-fs::path fileFor(const std::string& name, const char* suffix)
-{
-    return fs::temp_directory_path() / (name + suffix);
 }
 
 // A name no other test run uses (CTest runs tests in parallel processes), removed with its files

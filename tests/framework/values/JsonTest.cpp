@@ -17,22 +17,13 @@ std::string printed(const P<IBase>& value, bool pretty = false)
 {
     return make<CJsonPrinter>(pretty)->print(value.get())->toUTF8();
 }
-
-P<IBase> parsed(std::string_view utf8)
-{
-    return make<CJsonParser>()->parseUTF8(utf8);
-}
-
+const auto parsed = [](std::string_view utf8) { return make<CJsonParser>()->parseUTF8(utf8); };
 // The description of the CJsonParserError that parsing `utf8` throws, "<no error>" if none.
-std::string parseFailure(std::string_view utf8)
-{
-    return descriptionOf<CJsonParserError>([&] { parsed(utf8); });
-}
-
-P<IBase> text(std::string_view utf8)
-{
-    return CString::fromUTF16(std::u16string(utf8.begin(), utf8.end()));
-}
+const auto parseFailure = [](std::string_view utf8) { return descriptionOf<CJsonParserError>([&] { parsed(utf8); }); };
+// A string of the code points of the Latin-1 text `latin1`.
+const auto text = [](std::string_view latin1) -> P<IBase> {
+    return CString::fromUTF16(std::u16string(latin1.begin(), latin1.end()));
+};
 
 } // namespace
 
