@@ -193,6 +193,7 @@ TEST(FrailArray, HoldsNoReferencesAndSurvivesListenersThatLeaveOrDieWhileCalled)
     EXPECT_EQ(list->getCount(), 3);
     EXPECT_TRUE(list->remove(c.get()));
     EXPECT_FALSE(list->contains(c.get()));
+    EXPECT_TRUE(list->add(c.get()));
 }
 
 } // namespace

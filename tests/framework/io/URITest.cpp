@@ -68,7 +68,7 @@ TEST(URI, TextIsNormalised)
     // clang-format off
     const std::pair<const char*, const char*> cases[] = {
         {"FILE://LocalHost/C:/x", "file:///C:/x"}, {"file:/usr/x", "file:///usr/x"}, {"file:C:/x", "file:///C:/x"},
-        {"file://C:/x", "file:///C:/x"}, {"file://server", "file://server/"},
+        {"file://C:/x", "file:///C:/x"}, {"file://ab/x", "file://ab/x"}, {"file://server", "file://server/"},
         {"file:///a%2fb%c3%a4", "file:///a%2Fb%C3%A4"}, {"urn:isbn:0451450523", "urn:isbn:0451450523"},
         {"http://[::1]:80/", "http://[::1]:80/"}, {"file:///C:/Program Files/ä", "file:///C:/Program%20Files/%C3%A4"},
         {"HTTP://Example.com:8080/a/b?q=1&r=/x?#frag/?", "http://Example.com:8080/a/b?q=1&r=/x?#frag/?"}};

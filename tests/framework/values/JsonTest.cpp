@@ -77,6 +77,9 @@ TEST(JsonPrinter, ObjectsAndArraysCompactAndPretty)
     EXPECT_THROW(printer->print(outer.get(), out), CInvalidArgError);
     EXPECT_EQ(out, u"x");
     EXPECT_EQ(printer->print(map.get())->toUTF8(), "{\n\t\"a\": 1,\n\t\"b\": true\n}");
+    EXPECT_TRUE(map->remove("b"));
+    EXPECT_FALSE(map->remove("b"));
+    EXPECT_EQ(printed(map), R"({"a":1})");
 }
 
 TEST(JsonParser, NumberKinds)
