@@ -36,4 +36,17 @@ std::string descriptionOf(F&& call)
     return description;
 }
 
+// Runs `call`, which must throw an E about `uri` (null: none) whose description holds the URI's
+// text, or `filledIn` where there is no URI: the placeholder filled in. The error texts as a
+// whole are ErrorsTest's.
+template <class E, class F, class URI>
+void expectNaming(F&& call, const URI* uri, const std::string& filledIn = {})
+{
+    expectThrown<E>(call, [&](const E& e) {
+        const std::string text = e.getDescription()->toUTF8();
+        EXPECT_NE(text.find(uri ? uri->toString()->toUTF8() : filledIn), std::string::npos) << text;
+        EXPECT_EQ(static_cast<const IBase*>(e.getURI().get()), static_cast<const IBase*>(uri));
+    });
+}
+
 } // namespace kore_test

@@ -15,16 +15,14 @@
 #include "framework/io/CURI.h"
 
 #include <cstring>
+#include <functional>
 #include <random>
 
 namespace kore_test {
 
 namespace {
 
-P<IStream> open(const P<IURI>& uri, uint32_t mode)
-{
-    return IStreamManager::instance()->openURI(*uri, mode);
-}
+const auto open = [](const P<IURI>& uri, uint32_t mode) { return IStreamManager::instance()->openURI(*uri, mode); };
 
 std::string readAll(const P<IStream>& stream)
 {
@@ -38,14 +36,10 @@ std::string readAll(const P<IStream>& stream)
 // The stream interfaces that `stream` can be cast to.
 std::string interfaces(const P<IStream>& stream)
 {
-    std::string found;
-    found += tryCast<IInStream>(stream) ? "in " : "";
-    found += tryCast<ISeekableInStream>(stream) ? "seekIn " : "";
-    found += tryCast<IOutStream>(stream) ? "out " : "";
-    found += tryCast<ISeekableOutStream>(stream) ? "seekOut " : "";
-    found += tryCast<IIOStream>(stream) ? "io " : "";
-    found += tryCast<ISeekableIOStream>(stream) ? "seekIO" : "";
-    return found;
+    return std::string(tryCast<IInStream>(stream) ? "in " : "") +
+           (tryCast<ISeekableInStream>(stream) ? "seekIn " : "") + (tryCast<IOutStream>(stream) ? "out " : "") +
+           (tryCast<ISeekableOutStream>(stream) ? "seekOut " : "") + (tryCast<IIOStream>(stream) ? "io " : "") +
+           (tryCast<ISeekableIOStream>(stream) ? "seekIO" : "");
 }
 
 } // namespace
@@ -63,11 +57,8 @@ TEST(MemoryStream, ErrorsInterfacesAndOnePosition)
     EXPECT_EQ(tryCast<ISeekableOutStream>(stream)->getPosition(), 6);
 
     char buffer[10] = {};
-    expectThrown<CEndOfStreamError>([&] { stream->read(buffer, 10); },
-                                    [](const CEndOfStreamError& e) {
-                                        EXPECT_EQ(e.getDescription()->toUTF8(), "Unexpected end of data stream.");
-                                        EXPECT_EQ(e.getURI(), nullptr);
-                                    });
+    EXPECT_EQ(descriptionOf<CEndOfStreamError>([&] { stream->read(buffer, 10); }), "Unexpected end of data stream.")
+        << "the form without a URI";
     EXPECT_EQ(stream->read(nullptr, 0), 0u) << "reading nothing always succeeds, even with no buffer";
     // Behind the end a read finds nothing and a write leaves a gap of zeros.
     stream->seek(12);
@@ -80,7 +71,7 @@ TEST(MemoryStream, ErrorsInterfacesAndOnePosition)
     EXPECT_THROW(stream->write(nullptr, 1), CInvalidArgError);
     EXPECT_THROW(make<CMemoryStream>(nullptr, 3), CInvalidArgError);
     stream->close();
-    EXPECT_EQ(descriptionOf<CStreamClosedError>([&] { stream->read(buffer, 1); }), "The stream has been closed.");
+    EXPECT_THROW(stream->read(buffer, 1), CStreamClosedError);
 }
 
 class DiskStream : public ::testing::Test {
@@ -106,8 +97,8 @@ TEST_F(DiskStream, WrittenFileHasTheNameOfItsURIAndReadsBack)
     P<IStream> in = open(uri, IStreamManager::kRead);
     EXPECT_EQ(in->getURI(), uri);
     EXPECT_EQ(readAll(in), content);
-    P<IStream> byPath = IStreamManager::instance()->openPath(CString::fromUTF8(temp.utf8(name)), IStreamManager::kRead);
-    EXPECT_EQ(readAll(byPath), content);
+    EXPECT_EQ(readAll(IStreamManager::instance()->openPath(CString::fromUTF8(temp.utf8(name)), IStreamManager::kRead)),
+              content);
 }
 
 TEST_F(DiskStream, SmallReadsAndWritesAreBuffered)
@@ -139,37 +130,19 @@ TEST_F(DiskStream, ErrorsNameTheirURI)
     P<IStream> stream = open(shortFile, IStreamManager::kRead);
     char buffer[11] = {};
     const auto readEleven = [&] { cast<IInStream>(stream)->read(buffer, 11); };
-    expectThrown<CEndOfStreamError>(readEleven, [&](const CEndOfStreamError& e) {
-        EXPECT_EQ(e.getDescription()->toUTF8(),
-                  "Unexpected end of data stream (uri: '" + shortFile->toString()->toUTF8() + "')");
-        EXPECT_EQ(e.getURI(), shortFile);
-    });
+    expectNaming<CEndOfStreamError>(readEleven, shortFile.get());
     cast<ISeekableInStream>(stream)->seek(1000);
     EXPECT_THROW(readEleven(), CEndOfStreamError) << "behind the end";
 
     const P<IURI> missing = fileURI("missing.qorlang");
-    expectThrown<CFileNotFoundError>([&] { open(missing, IStreamManager::kRead); },
-                                     [&](const CFileNotFoundError& e) {
-                                         EXPECT_EQ(e.getGeneralDescription()->toUTF8(), "The file was not found.");
-                                         EXPECT_EQ(e.getDescription()->toUTF8(),
-                                                   "The file '" + missing->toString()->toUTF8() + "' was not found.");
-                                         EXPECT_EQ(e.getURI(), missing);
-                                     });
+    expectNaming<CFileNotFoundError>([&] { open(missing, IStreamManager::kRead); }, missing.get());
     EXPECT_THROW(open(temp.uri("no such folder")->resolve("x"), IStreamManager::kWrite), CFileNotFoundError);
     EXPECT_THROW(IStreamManager::instance()->openPath(CString::fromUTF8(temp.utf8("missing")), IStreamManager::kRead),
                  CFileNotFoundError);
-
     // A folder is not a stream, on every platform.
     const P<IURI> folder = temp.uri(kFolder);
-    for (uint32_t mode : {IStreamManager::kRead, IStreamManager::kWrite, IStreamManager::kReadWrite}) {
-        expectThrown<CFileAccessDeniedError>([&] { open(folder, mode); },
-                                             [&](const CFileAccessDeniedError& e) {
-                                                 EXPECT_EQ(e.getGeneralDescription()->toUTF8(), "FileError");
-                                                 EXPECT_EQ(e.getDescription()->toUTF8(),
-                                                           "The access of the file '" + folder->toString()->toUTF8() +
-                                                               "' was denied.");
-                                             });
-    }
+    for (uint32_t mode : {IStreamManager::kRead, IStreamManager::kWrite, IStreamManager::kReadWrite})
+        expectNaming<CFileAccessDeniedError>([&] { open(folder, mode); }, folder.get());
 
     EXPECT_THROW(open(CURI::fromURIText("http://example.com/x"), IStreamManager::kRead), CURITypeNotSupportedError);
     EXPECT_THROW(open(fileURI("x"), 0), CInvalidArgError);
@@ -195,10 +168,10 @@ TEST_F(DiskStream, ModesDecideContentAndInterfacesAndClosingEndsEverything)
     both->close();
     EXPECT_EQ(temp.readFile("data.bin"), "old CONTENT!") << "read-write keeps the content; closing writes the rest";
     char c = 0;
-    EXPECT_THROW(io->read(&c, 1), CStreamClosedError);
-    EXPECT_THROW(io->write(&c, 1), CStreamClosedError);
-    EXPECT_THROW(io->seek(0), CStreamClosedError);
-    EXPECT_THROW(io->flush(), CStreamClosedError);
+    const std::function<void()> afterClose[] = {[&] { io->read(&c, 1); }, [&] { io->write(&c, 1); },
+                                                [&] { io->seek(0); }, [&] { io->flush(); }};
+    for (const auto& call : afterClose)
+        EXPECT_THROW(call(), CStreamClosedError);
 
     P<IStream> writer = open(uri, IStreamManager::kWrite);
     EXPECT_EQ(interfaces(writer), "out seekOut ");
@@ -206,7 +179,6 @@ TEST_F(DiskStream, ModesDecideContentAndInterfacesAndClosingEndsEverything)
     EXPECT_THROW(cast<CDiskStream>(writer)->read(&c, 1), CInvalidObjectStateError);
     writer->close();
     EXPECT_EQ(temp.readFile("data.bin"), "");
-
     EXPECT_EQ(open(temp.uri()->resolve("new.bin"), IStreamManager::kReadWrite)->getLength(), 0)
         << "read-write creates a missing file";
 }
@@ -219,17 +191,13 @@ TEST_F(DiskStream, BehavesLikeAMemoryStreamUnderRandomUse)
     std::mt19937 random(20240611);
     P<CDiskStream> disk = make<CDiskStream>(*temp.uri()->resolve("random.bin"), CDiskStream::kReadWrite);
     P<CMemoryStream> memory = make<CMemoryStream>();
-    std::vector<char> data(200000);
-    std::vector<char> fromDisk(data.size());
-    std::vector<char> fromMemory(data.size());
-    const auto size = [&]() -> uint32_t {
-        const uint32_t limits[] = {8, 2000, CDiskStream::kBufferSize + 100, static_cast<uint32_t>(data.size())};
-        const uint32_t limit = limits[random() % 4];
-        return random() % limit;
-    };
+    std::vector<char> data(200000), fromDisk(data.size()), fromMemory(data.size());
+    const uint32_t limits[] = {8, 2000, CDiskStream::kBufferSize + 100, static_cast<uint32_t>(data.size())};
     for (int step = 0; step < 2000; ++step) {
         SCOPED_TRACE(step);
-        const uint32_t n = size();
+        const uint32_t limit = limits[random() % 4];
+        const uint32_t n = random() % limit;
+        const uint32_t length = static_cast<uint32_t>(memory->getLength());
         switch (random() % 5) {
         case 0:
         case 1:
@@ -244,7 +212,7 @@ TEST_F(DiskStream, BehavesLikeAMemoryStreamUnderRandomUse)
             break;
         }
         case 3:
-            if (memory->getPosition() + n <= memory->getLength()) {
+            if (memory->getPosition() + n <= length) {
                 disk->read(fromDisk.data(), n);
                 memory->read(fromMemory.data(), n);
                 ASSERT_EQ(0, std::memcmp(fromDisk.data(), fromMemory.data(), n));
@@ -255,7 +223,6 @@ TEST_F(DiskStream, BehavesLikeAMemoryStreamUnderRandomUse)
             break;
         default: {
             // One seek in four lands behind the end, where reads find nothing and change nothing.
-            const auto length = static_cast<uint32_t>(memory->getLength());
             const int64_t to = random() % 4 == 0 ? length + 1 + random() % 1000 : random() % (length + 1);
             disk->seek(to);
             memory->seek(to);

@@ -11,63 +11,37 @@
 
 namespace {
 
-using Callback = void (*)(int);
-Callback g_onDestroyed = nullptr;
+void (*g_onDestroyed)(int) = nullptr;
 
-class CReporting : public kore::CObject {
-public:
-    explicit CReporting(int id) : m_id(id) {}
-    ~CReporting() override
-    {
-        if (g_onDestroyed)
-            g_onDestroyed(m_id);
-    }
-
-private:
-    int m_id;
+template <int Id>
+struct CReporting : kore::CObject {
+    ~CReporting() override { g_onDestroyed(Id); }
 };
 
-struct First : CReporting {
-    First() : CReporting(1) {}
-};
-struct Second : CReporting {
-    Second() : CReporting(2) {}
-};
-struct Third : CReporting {
-    Third() : CReporting(3) {}
-};
-struct Fourth : CReporting {
-    Fourth() : CReporting(4) {}
-};
-
-kore::P<First> createFirst()
+template <int Id>
+kore::P<CReporting<Id>> create()
 {
-    return kore::make<First>();
+    // The fourth asks for the third while being created: the third is complete first, so it
+    // must outlive the fourth.
+    if constexpr (Id == 4)
+        kore::CGlobalObjFactory::accessor<CReporting<3>, &create<3>>();
+    return kore::make<CReporting<Id>>();
 }
-kore::P<Second> createSecond()
+
+template <int Id>
+void access()
 {
-    return kore::make<Second>();
-}
-kore::P<Third> createThird()
-{
-    return kore::make<Third>();
-}
-// Asks for the third service while being created: the third is complete first, so it must
-// outlive the fourth.
-kore::P<Fourth> createFourth()
-{
-    kore::CGlobalObjFactory::accessor<Third, &createThird>();
-    return kore::make<Fourth>();
+    kore::CGlobalObjFactory::accessor<CReporting<Id>, &create<Id>>();
 }
 
 } // namespace
 
-MODULE_EXPORT int qorTestCreateServices(Callback onDestroyed)
+MODULE_EXPORT int qorTestCreateServices(void (*onDestroyed)(int))
 {
     g_onDestroyed = onDestroyed;
-    kore::CGlobalObjFactory::accessor<First, &createFirst>();
-    kore::CGlobalObjFactory::accessor<Fourth, &createFourth>();
-    kore::CGlobalObjFactory::accessor<Second, &createSecond>();
-    kore::CGlobalObjFactory::accessor<Third, &createThird>(); // exists already
+    access<1>();
+    access<4>();
+    access<2>();
+    access<3>(); // exists already
     return static_cast<int>(kore::CGlobalObjFactory::instance()->getServiceCount());
 }

@@ -1,9 +1,12 @@
 #include "FrameworkTest.h"
+#include "ModuleLoader.h"
 
+#include "framework/PlatformSupport.h"
 #include "framework/objects/CGlobalObjFactory.h"
 
 #include <atomic>
 #include <chrono>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <thread>
@@ -48,57 +51,35 @@ TEST(GlobalObjFactory, RacingThreadsGetOneObjectFromOneCreation)
 }
 
 CGlobalObjFactory* g_nestedFactory = nullptr;
+int g_failures = 0;
 
-TEST(GlobalObjFactory, CreatorMayAskForAnotherService)
+// A creator re-enters the creation lock on its own thread; the inner service is complete first,
+// so it must outlive the outer one. Keys run against creation order: the map order must not
+// decide the order of destruction. A failed creation leaves its key absent and the lock free.
+TEST(GlobalObjFactory, NestedAndFailedCreationsAndDeathInReverseOrderOfCreation)
 {
     P<CGlobalObjFactory> factory = make<CGlobalObjFactory>();
     g_nestedFactory = factory.get();
-    // The outer creator re-enters the creation lock on the same thread.
     const auto createOuter = +[] {
         P<CService>& inner = g_nestedFactory->getOrCreate<CService>(
-            2, +[] { return make<CService>(2); });
+            20, +[] { return make<CService>(2); });
         return make<CService>(100 + inner->id);
     };
-    EXPECT_EQ(factory->getOrCreate<CService>(1, createOuter)->id, 102);
-    EXPECT_EQ(factory->getServiceCount(), 2u);
-}
-
-template <int N>
-P<CService> createNumbered()
-{
-    return make<CService>(N);
-}
-
-TEST(GlobalObjFactory, ServicesDieInReverseOrderOfCreation)
-{
-    P<CGlobalObjFactory> factory = make<CGlobalObjFactory>();
-    // Keys deliberately ordered against creation order: the map order must not matter.
-    factory->getOrCreate<CService>(30, &createNumbered<1>);
-    factory->getOrCreate<CService>(10, &createNumbered<2>);
-    factory->getOrCreate<CService>(20, &createNumbered<3>);
-    factory->getOrCreate<CService>(10, &createNumbered<99>); // already there: no creation
-    CService::dead.clear();
-    factory = nullptr;
-    EXPECT_EQ(CService::dead, (std::vector<int>{3, 2, 1}));
-}
-
-int g_failures = 0;
-
-TEST(GlobalObjFactory, FailedCreationLeavesTheKeyAbsentAndReleasesTheLock)
-{
-    P<CGlobalObjFactory> factory = make<CGlobalObjFactory>();
     const auto createFailingOnce = +[] {
         if (g_failures++ == 0)
             throw std::runtime_error("first attempt fails");
-        return make<CService>(7);
+        return make<CService>(3);
     };
-    EXPECT_THROW(factory->getOrCreate<CService>(5, createFailingOnce), std::runtime_error);
-    EXPECT_EQ(factory->getServiceCount(), 0u);
-    std::thread other([&] { EXPECT_EQ(factory->getOrCreate<CService>(5, createFailingOnce)->id, 7); });
-    other.join();
+    EXPECT_EQ(factory->getOrCreate<CService>(10, createOuter)->id, 102);
+    EXPECT_THROW(factory->getOrCreate<CService>(30, createFailingOnce), std::runtime_error);
+    EXPECT_EQ(factory->getServiceCount(), 2u);
+    std::thread([&] { EXPECT_EQ(factory->getOrCreate<CService>(30, createFailingOnce)->id, 3); }).join();
+    EXPECT_EQ(factory->getOrCreate<CService>(20, createFailingOnce)->id, 2) << "already there: no creation";
+    CService::dead.clear();
+    factory = nullptr;
+    EXPECT_EQ(CService::dead, (std::vector<int>{3, 102, 2}));
 }
 
-// Accessors of the process-wide factory for the nested-creation race below.
 std::atomic<bool> g_outerCreating{false};
 std::atomic<bool> g_innerAsked{false};
 
@@ -122,40 +103,67 @@ P<CService> createOuterAskingInner()
 // gives up after a generous wait instead of blocking the run.
 TEST(GlobalObjFactory, NestedCreationDoesNotDeadlockAgainstAnotherFirstCall)
 {
-    struct Results {
-        std::atomic<int> outer{0}, inner{0};
-    };
-    static Results results;
-    std::thread([] { results.outer = CGlobalObjFactory::accessor<CService, &createOuterAskingInner>()->id; }).detach();
+    static std::atomic<int> outer{0}, inner{0};
+    std::thread([] { outer = CGlobalObjFactory::accessor<CService, &createOuterAskingInner>()->id; }).detach();
     std::thread([] {
         while (!g_outerCreating)
             std::this_thread::yield();
         g_innerAsked = true;
-        results.inner = CGlobalObjFactory::accessor<CService, &createInner>()->id;
+        inner = CGlobalObjFactory::accessor<CService, &createInner>()->id;
     }).detach();
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-    while ((results.outer == 0 || results.inner == 0) && std::chrono::steady_clock::now() < deadline)
+    while ((outer == 0 || inner == 0) && std::chrono::steady_clock::now() < deadline)
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    if (results.outer == 0 || results.inner == 0) {
+    if (outer == 0 || inner == 0) {
         // The hung threads cannot be joined; end the program so the failure is reported now.
         std::fprintf(stderr, "accessors deadlocked: nested creation against a first call\n");
         std::fflush(stderr);
         std::_Exit(1);
     }
-    EXPECT_EQ(results.inner.load(), 21);
-    EXPECT_EQ(results.outer.load(), 41);
+    EXPECT_EQ(inner.load(), 21);
+    EXPECT_EQ(outer.load(), 41);
 }
 
+// The use after unload must end in the debugger break itself, not in any other crash.
 TEST(GlobalObjFactoryDeathTest, UseAfterUnloadStopsInTheDebugger)
 {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
-    EXPECT_DEATH(
+#if defined(_WIN32)
+    const auto breakpoint = ::testing::ExitedWithCode(static_cast<int>(0x80000003)); // EXCEPTION_BREAKPOINT
+#else
+    const auto breakpoint = ::testing::KilledBySignal(SIGTRAP);
+#endif
+    EXPECT_EXIT(
         {
             CGlobalObjFactory::instance();
             CGlobalObjFactory::unload();
+            std::fprintf(stderr, "unloaded\n");
             CGlobalObjFactory::instance();
         },
-        "");
+        breakpoint, "unloaded");
+}
+
+// A host that unloads the library must get every service destroyed then, newest first, not
+// only at its own exit.
+TEST(GlobalObjFactoryUnload, UnloadingTheLibraryDestroysItsServicesInReverseOrder)
+{
+    static std::vector<int> destroyed;
+    CModule module(QOR_TEST_FACTORY_MODULE);
+    ASSERT_TRUE(module.isLoaded());
+    auto create = reinterpret_cast<int (*)(void (*)(int))>(module.symbol("qorTestCreateServices"));
+    ASSERT_NE(create, nullptr);
+    EXPECT_EQ(create([](int id) { destroyed.push_back(id); }), 4);
+    EXPECT_TRUE(destroyed.empty());
+    module.unload();
+    // Created 1, 3 (inside 4's creation), 4, 2.
+    EXPECT_EQ(destroyed, (std::vector<int>{2, 4, 3, 1}));
+}
+
+TEST(PlatformSupport, SleepWaitsAtLeastRoughlyTheTime)
+{
+    const auto start = std::chrono::steady_clock::now();
+    kore::platform::sleepMilliseconds(30);
+    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(25));
 }
 
 } // namespace kore_test

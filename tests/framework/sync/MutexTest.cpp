@@ -21,49 +21,38 @@ namespace fs = std::filesystem;
 
 namespace {
 
-long long msSince(Clock::time_point start)
-{
+const auto msSince = [](Clock::time_point start) {
     return std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start).count();
-}
-
-P<IMutex> globalMutex(const std::string& name)
-{
-    return createMutexFactory()->createGlobalMutex(name.c_str());
-}
+};
+const auto globalMutex = [](const std::string& name) { return createMutexFactory()->createGlobalMutex(name.c_str()); };
+const auto fileFor = [](const std::string& name, const char* suffix) {
+    return fs::temp_directory_path() / (name + suffix);
+};
 
 // Whether another thread can take the mutex right now (it lets go again at once).
 bool otherThreadGets(IMutex& mutex)
 {
     bool got = false;
     std::thread([&] {
-        got = mutex.tryLock(0);
-        if (got)
+        if ((got = mutex.tryLock(0)))
             mutex.unlock();
     }).join();
     return got;
 }
 
-fs::path fileFor(const std::string& name, const char* suffix)
-{
-    return fs::temp_directory_path() / (name + suffix);
-}
-
 // A name no other test run uses (CTest runs tests in parallel processes), removed with its files
 // from the system afterwards.
-class CTestName {
-public:
+struct CTestName {
+    const std::string str =
+        "qor_test_" + std::to_string(std::random_device()()) + std::to_string(std::random_device()());
     ~CTestName()
     {
-        removeGlobalMutexName(m_name);
+        for (const std::string& name : {str, str + "/x", str + "%2Fx"})
+            removeGlobalMutexName(name);
         std::error_code ignored;
-        fs::remove(fileFor(m_name, ".held"), ignored);
-        fs::remove(fileFor(m_name, ".count"), ignored);
+        fs::remove(fileFor(str, ".held"), ignored);
+        fs::remove(fileFor(str, ".count"), ignored);
     }
-    const std::string& str() const { return m_name; }
-
-private:
-    const std::string m_name =
-        "qor_test_" + std::to_string(std::random_device()()) + std::to_string(std::random_device()());
 };
 
 void expectRecursive(IMutex& mutex)
@@ -78,23 +67,12 @@ void expectRecursive(IMutex& mutex)
     EXPECT_TRUE(otherThreadGets(mutex)) << "still held after the last unlock";
 }
 
-// A child that takes the mutex (twice, so that a recursion count dies with it), reports it held
-// and waits to be killed. Null when the child never got so far.
-std::unique_ptr<CChildProcess> holdInChild(const std::string& name)
-{
-    auto child = std::make_unique<CChildProcess>("MutexChild.DISABLED_HoldUntilKilled", name);
-    for (const auto start = Clock::now(); !fs::exists(fileFor(name, ".held"));) {
-        if (msSince(start) > 20000)
-            return nullptr;
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
-    return child;
-}
-
 } // namespace
 
-// --- Children
+// --- Children, started by the tests below
 
+// Takes the mutex (twice, so that a recursion count dies with it), reports it held and waits to
+// be killed.
 TEST(MutexChild, DISABLED_HoldUntilKilled)
 {
     const std::string name = childParameter();
@@ -111,13 +89,12 @@ constexpr int kIncrementsPerChild = 200;
 TEST(MutexChild, DISABLED_CountUnderLock)
 {
     const std::string name = childParameter();
-    const fs::path counter = fileFor(name, ".count");
     P<IMutex> mutex = globalMutex(name);
     for (int i = 0; i < kIncrementsPerChild; ++i) {
         CMutexLock guard(*mutex);
         int value = 0;
-        std::ifstream(counter) >> value;
-        std::ofstream(counter, std::ios::trunc) << value + 1;
+        std::ifstream(fileFor(name, ".count")) >> value;
+        std::ofstream(fileFor(name, ".count"), std::ios::trunc) << value + 1;
     }
 }
 
@@ -125,23 +102,23 @@ TEST(LocalMutex, IsRecursiveAndTryLockOnItHeldElsewhereFailsAtOnceWhateverTheTim
 {
     P<IMutex> mutex = createMutexFactory()->createMutex();
     expectRecursive(*mutex);
-    mutex->lock();
+    CMutexLock guard(*mutex);
     const auto start = Clock::now();
     bool got = true;
     std::thread([&] { got = mutex->tryLock(5000); }).join();
     EXPECT_FALSE(got);
     EXPECT_LT(msSince(start), 1000);
-    mutex->unlock();
 }
 
-TEST(GlobalMutex, IsRecursiveAndHandlesOnOneNameShareOwnershipAndMayBeDroppedWhileHeld)
+// Handles on one name share ownership, also when one is dropped while held; names that differ
+// only in characters the system name escapes are different mutexes.
+TEST(GlobalMutex, IsRecursiveAndHandlesOnOneNameShareOwnership)
 {
-    CTestName name;
-    P<IMutex> first = globalMutex(name.str());
+    CTestName name, other;
+    P<IMutex> first = globalMutex(name.str);
     expectRecursive(*first);
-    P<IMutex> second = globalMutex(name.str());
-    CTestName other;
-    P<IMutex> third = globalMutex(other.str());
+    P<IMutex> second = globalMutex(name.str);
+    P<IMutex> third = globalMutex(other.str);
     first->lock();
     EXPECT_FALSE(otherThreadGets(*second));
     ASSERT_TRUE(second->tryLock(0)) << "the owner must be able to recurse through another handle";
@@ -153,23 +130,16 @@ TEST(GlobalMutex, IsRecursiveAndHandlesOnOneNameShareOwnershipAndMayBeDroppedWhi
     third->unlock();
     second->unlock();
     EXPECT_TRUE(otherThreadGets(*second));
-}
 
-TEST(GlobalMutex, NamesThatDifferOnlyInEscapableCharactersAreDifferentMutexes)
-{
-    CTestName base;
-    P<IMutex> slash = globalMutex(base.str() + "/x");
-    P<IMutex> escaped = globalMutex(base.str() + "%2Fx");
+    P<IMutex> slash = globalMutex(name.str + "/x");
     CMutexLock guard(*slash);
-    EXPECT_TRUE(otherThreadGets(*escaped));
-    removeGlobalMutexName(base.str() + "/x");
-    removeGlobalMutexName(base.str() + "%2Fx");
+    EXPECT_TRUE(otherThreadGets(*globalMutex(name.str + "%2Fx")));
 }
 
 TEST(GlobalMutex, TryLockWaitsForAReleaseWithinTheTimeout)
 {
     CTestName name;
-    P<IMutex> mutex = globalMutex(name.str());
+    P<IMutex> mutex = globalMutex(name.str);
     std::atomic<bool> held{false};
     std::thread owner([&] {
         CMutexLock guard(*mutex);
@@ -188,7 +158,7 @@ TEST(GlobalMutex, TryLockWaitsForAReleaseWithinTheTimeout)
 TEST(GlobalMutex, ThreadEndingWhileHoldingLeavesTheMutexToTheNextLockAndTryLock)
 {
     CTestName name;
-    P<IMutex> mutex = globalMutex(name.str());
+    P<IMutex> mutex = globalMutex(name.str);
     std::thread([&] {
         mutex->lock();
         mutex->lock();
@@ -209,11 +179,12 @@ TEST(GlobalMutex, RejectedNamesThrowTheCreationMessage)
 {
     for (const std::u16string& name : {std::u16string(), std::u16string(u"qor_test_nul\0inside", 19),
                                        std::u16string(u"qor_test\\no\\such\\namespace")}) {
-        const auto create = [&] {
-            createMutexFactory()->createGlobalMutex(CStringArg(name.c_str(), static_cast<uint32_t>(name.size())));
-        };
         std::u16string description;
-        expectThrown<CException>(create, [&](const CException& e) { description = e.getDescription()->toU16(); });
+        expectThrown<CException>(
+            [&] {
+                createMutexFactory()->createGlobalMutex(CStringArg(name.c_str(), static_cast<uint32_t>(name.size())));
+            },
+            [&](const CException& e) { description = e.getDescription()->toU16(); });
         EXPECT_EQ(description, u"Error createing global mutex " + name) << name.size() << " units";
     }
 }
@@ -227,17 +198,19 @@ TEST(GlobalMutex, AnotherProcessHoldsTheMutexUntilItIsKilled)
     for (bool byTryLock : {false, true}) {
         SCOPED_TRACE(byTryLock ? "tryLock" : "lock");
         CTestName name;
-        P<IMutex> mutex = globalMutex(name.str());
-        std::unique_ptr<CChildProcess> owner = holdInChild(name.str());
-        ASSERT_TRUE(owner) << "the child never took the mutex";
+        P<IMutex> mutex = globalMutex(name.str);
+        CChildProcess owner("MutexChild.DISABLED_HoldUntilKilled", name.str);
+        for (const auto start = Clock::now(); !fs::exists(fileFor(name.str, ".held"));) {
+            ASSERT_LT(msSince(start), 20000) << "the child never took the mutex";
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        }
         const auto start = Clock::now();
         EXPECT_FALSE(mutex->tryLock(300));
-        const long long waited = msSince(start);
-        EXPECT_GE(waited, 250);
-        EXPECT_LT(waited, 3000);
+        EXPECT_GE(msSince(start), 250);
+        EXPECT_LT(msSince(start), 3000);
         EXPECT_FALSE(mutex->tryLock(0));
 
-        owner->kill();
+        owner.kill();
         if (byTryLock)
             ASSERT_TRUE(mutex->tryLock(0));
         else
@@ -252,12 +225,12 @@ TEST(GlobalMutex, ProcessesCountingUnderTheLockLoseNoUpdate)
 {
     // The children create the mutex of a fresh name at the same moment.
     CTestName name;
-    CChildProcess first("MutexChild.DISABLED_CountUnderLock", name.str());
-    CChildProcess second("MutexChild.DISABLED_CountUnderLock", name.str());
+    CChildProcess first("MutexChild.DISABLED_CountUnderLock", name.str);
+    CChildProcess second("MutexChild.DISABLED_CountUnderLock", name.str);
     EXPECT_EQ(first.wait(), 0);
     EXPECT_EQ(second.wait(), 0);
     int value = 0;
-    std::ifstream(fileFor(name.str(), ".count")) >> value;
+    std::ifstream(fileFor(name.str, ".count")) >> value;
     EXPECT_EQ(value, 2 * kIncrementsPerChild);
 }
 

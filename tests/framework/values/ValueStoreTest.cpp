@@ -19,17 +19,10 @@ namespace kore_test {
 
 namespace {
 
-P<IURI> fileURI(const CTempFolder& folder, const char* name)
+P<IValueStore> storeFor(const CTempFolder& folder, const std::string& name)
 {
-    return CURI::fromLocalPath(CString::fromUTF8(folder.utf8(name)));
+    return IValueStoreManager::instance()->createStore(*CURI::fromLocalPath(CString::fromUTF8(folder.utf8(name))));
 }
-
-P<IValueStore> storeFor(const CTempFolder& folder, const char* name)
-{
-    return IValueStoreManager::instance()->createStore(*fileURI(folder, name));
-}
-
-constexpr const char* kStoreExtensions[] = {"json", "xml"};
 
 // Entries in the folder, by name.
 std::vector<std::string> folderContent(const CTempFolder& folder)
@@ -69,6 +62,17 @@ TEST(ValueList, TypedValuesAndSwap)
     EXPECT_EQ(describe(*list), "list{only=true;}");
     EXPECT_EQ(other->getCount(), 6u);
     EXPECT_EQ(other->peekString("text")->toUTF8(), "\u00e9");
+
+    // Absent, present, and strings told from other values.
+    auto object = make<CObject>();
+    other->set(u"text", object);
+    EXPECT_EQ(other->get("text"), object);
+    EXPECT_EQ(other->peekString("text"), nullptr) << "not a string";
+    EXPECT_EQ(other->get("Text"), nullptr);
+    EXPECT_THROW(other->set("beta", nullptr), CInvalidArgError);
+    EXPECT_EQ(other->getCount(), 6u);
+    other->clear();
+    EXPECT_EQ(object->getRefCount(), 1);
 }
 
 TEST(ValueStore, ManagerChoosesByExtension)
@@ -86,11 +90,11 @@ TEST(ValueStore, ManagerChoosesByExtension)
 
 TEST(ValueStore, RoundTripsKeepEveryValue)
 {
-    for (const char* extension : kStoreExtensions) {
+    for (const std::string extension : {"json", "xml"}) {
         SCOPED_TRACE(extension);
         CTempFolder folder;
-        const std::string name = std::string("v\u00e4lues.") + extension;
-        const P<IValueStore> store = storeFor(folder, name.c_str());
+        const std::string name = "v\u00e4lues." + extension;
+        const P<IValueStore> store = storeFor(folder, name);
         CValueList& list = *store->getValueList();
         list.setString("title", u"Gr\u00fc\u00dfe \u0928\u092e\u0938\u094d\u0924\u0947 \U0001F600 \u0800 <&>\"'");
         list.setString("lines", " two\n\tlines \\ ");
@@ -121,7 +125,7 @@ TEST(ValueStore, RoundTripsKeepEveryValue)
 
         store->store();
         EXPECT_EQ(folderContent(folder), std::vector<std::string>{name});
-        const P<IValueStore> again = storeFor(folder, name.c_str());
+        const P<IValueStore> again = storeFor(folder, name);
         again->load();
         EXPECT_EQ(describe(*again->getValueList()), describe(list));
 
@@ -137,12 +141,12 @@ TEST(ValueStore, RoundTripsKeepEveryValue)
 
 TEST(ValueStore, FailuresLoseNoData)
 {
-    for (const char* extension : kStoreExtensions) {
+    for (const std::string extension : {"json", "xml"}) {
         SCOPED_TRACE(extension);
-        const bool json = std::string(extension) == "json";
+        const bool json = extension == "json";
         CTempFolder folder;
-        const std::string name = std::string("store.") + extension;
-        const P<IValueStore> store = storeFor(folder, name.c_str());
+        const std::string name = "store." + extension;
+        const P<IValueStore> store = storeFor(folder, name);
         CValueList& list = *store->getValueList();
         list.setString("kept", "yes");
 
@@ -180,7 +184,7 @@ TEST(ValueStore, FailuresLoseNoData)
         EXPECT_EQ(folder.readFile(name), before);
         EXPECT_EQ(folderContent(folder), std::vector<std::string>{name});
 
-        const P<IValueStore> lost = storeFor(folder, (std::string("gone/x.") + extension).c_str());
+        const P<IValueStore> lost = storeFor(folder, "gone/x." + extension);
         EXPECT_THROW(lost->store(), CFileError);
         EXPECT_EQ(folderContent(folder), std::vector<std::string>{name});
     }

@@ -59,8 +59,7 @@ CChildProcess::CChildProcess(const std::string& testName, const std::string& par
 
 CChildProcess::~CChildProcess()
 {
-    if (m_process)
-        kill();
+    kill();
 }
 
 int CChildProcess::wait(uint32_t timeoutMs)

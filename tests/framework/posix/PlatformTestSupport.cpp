@@ -1,4 +1,8 @@
+// The POSIX side of ModuleLoader.h and MutexTestSupport.h.
 #include "../ModuleLoader.h"
+#include "../MutexTestSupport.h"
+
+#include "framework/posix/CGlobalMutexImpl.h"
 
 #include <dlfcn.h>
 #include <unistd.h>
@@ -7,19 +11,12 @@
 
 namespace kore_test {
 
-namespace {
-std::string programFolder()
+CModule::CModule(const std::string& fileName)
 {
     char path[PATH_MAX] = {};
     const ssize_t n = readlink("/proc/self/exe", path, sizeof path - 1);
-    std::string exe(path, n > 0 ? static_cast<size_t>(n) : 0);
-    return exe.substr(0, exe.rfind('/') + 1);
-}
-} // namespace
-
-CModule::CModule(const std::string& fileName)
-{
-    m_handle = dlopen((programFolder() + fileName).c_str(), RTLD_NOW | RTLD_LOCAL);
+    const std::string exe(path, n > 0 ? static_cast<size_t>(n) : 0);
+    m_handle = dlopen((exe.substr(0, exe.rfind('/') + 1) + fileName).c_str(), RTLD_NOW | RTLD_LOCAL);
 }
 
 CModule::~CModule()
@@ -37,6 +34,11 @@ void CModule::unload()
     if (m_handle)
         dlclose(m_handle);
     m_handle = nullptr;
+}
+
+void removeGlobalMutexName(const std::string& name)
+{
+    kore::posix::CGlobalMutexImpl::removeSystemName(name.c_str());
 }
 
 } // namespace kore_test

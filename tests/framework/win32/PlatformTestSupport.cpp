@@ -1,4 +1,6 @@
+// The Windows side of ModuleLoader.h and MutexTestSupport.h.
 #include "../ModuleLoader.h"
+#include "../MutexTestSupport.h"
 
 #include <windows.h>
 
@@ -25,6 +27,11 @@ void CModule::unload()
     if (m_handle)
         FreeLibrary(static_cast<HMODULE>(m_handle));
     m_handle = nullptr;
+}
+
+// A named Win32 mutex disappears with its last handle.
+void removeGlobalMutexName(const std::string&)
+{
 }
 
 } // namespace kore_test
