@@ -66,43 +66,22 @@ TEST(CaseTable, MappingsThatDoNotFitSixteenBitsMapToThemselves)
 // Independent of the generator: what a reader of the Unicode charts expects.
 TEST(CaseTable, KnownCaseVariantsShareOneLowerCaseImage)
 {
-    struct Case {
-        uint32_t a, b, image;
-    };
-    const Case cases[] = {
-        // Latin, the last upper case outside Latin-1: A a, Z z, À à, Þ þ, Ÿ ÿ.
-        {'A', 'a', 'a'},
-        {'Z', 'z', 'z'},
-        {0x00C0, 0x00E0, 0x00E0},
-        {0x00DE, 0x00FE, 0x00FE},
-        {0x0178, 0x00FF, 0x00FF},
-        // KELVIN SIGN, LONG S, ANGSTROM SIGN, OHM SIGN, MICRO SIGN, capital sharp s.
-        {0x212A, 'k', 'k'},
-        {0x212A, 'K', 'k'},
-        {0x017F, 's', 's'},
-        {0x017F, 'S', 's'},
-        {0x212B, 0x00C5, 0x00E5},
-        {0x2126, 0x03C9, 0x03C9},
-        {0x00B5, 0x039C, 0x03BC},
-        {0x1E9E, 0x00DF, 0x00DF},
-        // Greek sigma, final sigma; Cyrillic А а, Я я, Ё ё; DŽ Dž dž (upper, title and lower case).
-        {0x03A3, 0x03C3, 0x03C3},
-        {0x03C2, 0x03C3, 0x03C3},
-        {0x03C2, 0x03A3, 0x03C3},
-        {0x0410, 0x0430, 0x0430},
-        {0x042F, 0x044F, 0x044F},
-        {0x0401, 0x0451, 0x0451},
-        {0x01C4, 0x01C5, 0x01C6},
-        // Deseret beyond the Basic Multilingual Plane, Adlam (the last cased script), the Cherokee
-        // pairs that fit (to the small letter), Georgian Mtavruli to Mkhedruli.
-        {0x10400, 0x10428, 0x10428},
-        {0x1E900, 0x1E922, 0x1E922},
-        {0x13F0, 0x13F8, 0x13F8},
-        {0x1C90, 0x10D0, 0x10D0},
-    };
-    for (const Case& c : cases) {
-        EXPECT_EQ(CCaseTable::map(c.a), c.image) << std::hex << c.a;
-        EXPECT_EQ(CCaseTable::map(c.b), c.image) << std::hex << c.b;
+    // Latin, the last upper case outside Latin-1: A a, Z z, À à, Þ þ, Ÿ ÿ. KELVIN SIGN, LONG S,
+    // ANGSTROM SIGN, OHM SIGN, MICRO SIGN, capital sharp s. Greek sigma, final sigma; Cyrillic А а,
+    // Я я, Ё ё; DŽ Dž dž (upper, title and lower case). Deseret beyond the Basic Multilingual Plane,
+    // Adlam (the last cased script), the Cherokee pairs that fit (to the small letter), Georgian
+    // Mtavruli to Mkhedruli.
+    // Two variants and their image.
+    const uint32_t cases[][3] = {
+        {0x0041, 0x0061, 0x0061},    {0x005A, 0x007A, 0x007A},    {0x00C0, 0x00E0, 0x00E0}, {0x00DE, 0x00FE, 0x00FE},
+        {0x0178, 0x00FF, 0x00FF},    {0x212A, 0x006B, 0x006B},    {0x212A, 0x004B, 0x006B}, {0x017F, 0x0073, 0x0073},
+        {0x017F, 0x0053, 0x0073},    {0x212B, 0x00C5, 0x00E5},    {0x2126, 0x03C9, 0x03C9}, {0x00B5, 0x039C, 0x03BC},
+        {0x1E9E, 0x00DF, 0x00DF},    {0x03A3, 0x03C3, 0x03C3},    {0x03C2, 0x03C3, 0x03C3}, {0x03C2, 0x03A3, 0x03C3},
+        {0x0410, 0x0430, 0x0430},    {0x042F, 0x044F, 0x044F},    {0x0401, 0x0451, 0x0451}, {0x01C4, 0x01C5, 0x01C6},
+        {0x10400, 0x10428, 0x10428}, {0x1E900, 0x1E922, 0x1E922}, {0x13F0, 0x13F8, 0x13F8}, {0x1C90, 0x10D0, 0x10D0}};
+    for (const auto& c : cases) {
+        EXPECT_EQ(CCaseTable::map(c[0]), c[2]) << std::hex << c[0];
+        EXPECT_EQ(CCaseTable::map(c[1]), c[2]) << std::hex << c[1];
     }
 }
 
