@@ -192,10 +192,7 @@ void checkRow(const Field& field, const std::vector<Value>& values, const Push& 
     EXPECT_EQ(result->toUTF8(), expected) << field.text;
 }
 
-std::string utf8(const P<IString>& s)
-{
-    return s->toUTF8();
-}
+const auto utf8 = [](const P<IString>& s) { return s->toUTF8(); };
 
 // What `format` throws, with one push of `kind` ('i', 'u', 'd', 's', 'c' or none) of `value`, as
 // "method: message" of its CInvalidArgError; the error's description in `description`.

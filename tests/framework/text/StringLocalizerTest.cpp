@@ -74,9 +74,8 @@ TEST(StringLocalizer, FallbackCyclesAreRefused)
     for (size_t ring = 1; ring <= 4; ++ring) {
         std::vector<P<CStringLocalizer>> chain;
         for (size_t i = 0; i < ring; ++i)
-            chain.push_back(make<CStringLocalizer>());
-        for (size_t i = 0; i + 1 < ring; ++i)
-            chain[i]->setFallback(chain[i + 1].get());
+            if (chain.push_back(make<CStringLocalizer>()); i > 0)
+                chain[i - 1]->setFallback(chain[i].get());
         chain.back()->setString("last", "from the end");
         EXPECT_THROW(chain.back()->setFallback(chain.front().get()), CInvalidArgError) << ring;
         EXPECT_EQ(chain.back()->getFallback(), nullptr) << ring;

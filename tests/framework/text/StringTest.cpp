@@ -24,13 +24,11 @@ namespace {
 constexpr uint32_t kUnknown = IString::kUnknown;
 constexpr uint32_t kNotFound = IString::kNotFound;
 
-std::vector<ICharEncoding*> allEncodings(bool withCodePage = true)
+std::vector<ICharEncoding*> allEncodings()
 {
-    std::vector<ICharEncoding*> all = {CUTF8CharEncoding::instance().get(), CUTF16CharEncoding::instance().get(),
-                                       CUTF32CharEncoding::instance().get(), CLatin1CharEncoding::instance().get()};
-    if (withCodePage)
-        all.push_back(CCPCharEncoding::instance().get());
-    return all;
+    return {CUTF8CharEncoding::instance().get(), CUTF16CharEncoding::instance().get(),
+            CUTF32CharEncoding::instance().get(), CLatin1CharEncoding::instance().get(),
+            CCPCharEncoding::instance().get()};
 }
 
 // The code points of a string, read forwards by a cursor.
