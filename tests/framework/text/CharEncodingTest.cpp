@@ -326,7 +326,7 @@ TEST(CharEncoding, CharacterThatDoesNotFit)
 
 // The identifier's bytes in memory spell a short name; the code page's size is its runtime's. A
 // terminated length counts units up to a zero unit.
-TEST(CharEncoding, IdentityNamesSizesAndTerminatedLength)
+TEST(CharEncoding, IdentityNamesSizesTerminatedLengthAndTheCodePagesRules)
 {
     const struct {
         const ICharEncoding& enc;
@@ -359,11 +359,8 @@ TEST(CharEncoding, IdentityNamesSizesAndTerminatedLength)
                       {codePage(), Bytes(from1.begin() + 1, from1.end()), 255}};
     for (const auto& r : terminated)
         EXPECT_EQ(r.enc.getTerminatedLength(r.bytes.data()), r.length) << r.enc.getName();
-}
-
-// One byte is one character, whatever it decodes to; backward reading is not supported.
-TEST(CodePageEncoding, OneByteACharacterAndForwardsOnly)
-{
+    // The code page: one byte is one character, whatever it decodes to; backward reading is not
+    // supported.
     const Bytes all = bytesBelow(256);
     EXPECT_EQ(codePage().countChars(all.data(), 256, 0), 256u);
     EXPECT_EQ(codePage().countChars(all.data(), 256, 200), 56u);
@@ -372,10 +369,8 @@ TEST(CodePageEncoding, OneByteACharacterAndForwardsOnly)
     EXPECT_THROW(codePage().findPrevCharStart(all.data(), 2, 2), CMethodNotImplementedError);
     EXPECT_THROW(codePage().decodePrevCharStrict(cp, all.data(), 2, 2), CMethodNotImplementedError);
     EXPECT_THROW(codePage().decodePrevChars(out, 16, count, all.data(), 2, 2, nullptr), CMethodNotImplementedError);
-    EXPECT_NE(descriptionOf<CMethodNotImplementedError>([&] {
-                  codePage().decodePrevChar(cp, all.data(), 2, 2);
-              }).find("Method not implemented"),
-              std::string::npos);
+    const auto backwards = [&] { codePage().decodePrevChar(cp, all.data(), 2, 2); };
+    EXPECT_NE(descriptionOf<CMethodNotImplementedError>(backwards).find("Method not implemented"), std::string::npos);
 }
 
 } // namespace kore_test
