@@ -19,7 +19,6 @@
 #include "framework/io/CURI.h"
 #include "framework/objects/IComparable.h"
 
-#include <functional>
 #include <typeinfo>
 
 namespace kore_test {
@@ -32,59 +31,47 @@ TEST(Errors, TextsOfEveryClassAndClonesThatMatchThem)
     const P<CURI> uri = CURI::fromURIText("file:///data/a.txt");
     const std::string u = uri->toString()->toUTF8();
     struct Row {
-        const char* name;
-        std::function<P<CException>()> make;
+        P<CException> error;
         std::string general, description;
     };
     const std::vector<Row> rows = {
-        {"exception", [] { return make<CException>("G", "D"); }, "G", "D"},
-        {"error", [] { return make<CError>("G", "D"); }, "G", "D"},
-        {"error, empty texts", [] { return make<CError>("", ""); }, "Error", "Unspecified error"},
-        {"out of memory", [] { return make<COutOfmemoryException>(); }, "OutOfMemory", "Unspecified error"},
-        {"object error, given description",
-         [&] { return make<CObjectError>(object.get(), "<%OBJECTDESC%|%OBJECTDESC%>", "given"); }, "Object error",
-         "<given|given>"},
-        {"object error, the object's own", [&] { return make<CObjectError>(object.get(), "<%OBJECTDESC%>"); },
-         "Object error", "<class kore::CObject object>"},
-        {"object error, no object", [] { return make<CObjectError>(nullptr, "<%OBJECTDESC%>"); }, "Object error",
-         "<unknown object>"},
-        {"cast", [&] { return make<CCastError>(object.get(), typeid(IComparable)); }, "Cast error",
+        {make<CException>("G", "D"), "G", "D"},
+        {make<CError>("G", "D"), "G", "D"},
+        {make<CError>("", ""), "Error", "Unspecified error"},
+        {make<COutOfmemoryException>(), "OutOfMemory", "Unspecified error"},
+        {make<CObjectError>(object.get(), "<%OBJECTDESC%|%OBJECTDESC%>", "given"), "Object error", "<given|given>"},
+        {make<CObjectError>(object.get(), "<%OBJECTDESC%>"), "Object error", "<class kore::CObject object>"},
+        {make<CObjectError>(nullptr, "<%OBJECTDESC%>"), "Object error", "<unknown object>"},
+        {make<CCastError>(object.get(), typeid(IComparable)), "Cast error",
          "Error casting a 'class kore::CObject' object to 'class kore::IComparable'."},
-        {"invalid argument", [&] { return make<CInvalidArgError>(object.get(), "m", "a"); }, "Object error",
+        {make<CInvalidArgError>(object.get(), "m", "a"), "Object error",
          "An invalid argument was passed to method 'm' of 'class kore::CObject object': a"},
-        {"not implemented, unnamed", [&] { return make<CMethodNotImplementedError>(object.get(), ""); }, "Object error",
+        {make<CMethodNotImplementedError>(object.get(), ""), "Object error",
          "Method not implemented (unspecified method.)"},
-        {"invalid state", [&] { return make<CInvalidObjectStateError>(object.get(), "closed"); }, "Object error",
+        {make<CInvalidObjectStateError>(object.get(), "closed"), "Object error",
          "The object is in an invalid state (closed)."},
-        {"end of enumeration", [&] { return make<CEndOfEnumError>(object.get()); }, "Object error",
-         "end of enumeration already reached"},
-        {"no such object", [] { return make<CNoSuchObjectError>("name"); }, "Error", "No such object."},
-        {"read-only", [] { return make<CReadOnlyError>("the table"); }, "Error",
-         "The object (the table) is read-only and cannot be changed."},
-        {"parse", [] { return make<CParseError>("p"); }, "Parse error", "p"},
-        {"json", [] { return make<CJsonParserError>("j"); }, "JSONParser Error", "j"},
-        {"volume id", [] { return make<CInvalidVolumeIDError>("Q:"); }, "Invalid Volume ID Error",
-         "Invalid volume id: Q:"},
-        {"uri", [&] { return make<CURIError>(uri.get(), "G", "D"); }, "G", "D"},
-        {"uri format", [&] { return make<CURIFormatError>(uri.get()); }, "The URI has an invalid format.",
+        {make<CEndOfEnumError>(object.get()), "Object error", "end of enumeration already reached"},
+        {make<CNoSuchObjectError>("name"), "Error", "No such object."},
+        {make<CReadOnlyError>("the table"), "Error", "The object (the table) is read-only and cannot be changed."},
+        {make<CParseError>("p"), "Parse error", "p"},
+        {make<CJsonParserError>("j"), "JSONParser Error", "j"},
+        {make<CInvalidVolumeIDError>("Q:"), "Invalid Volume ID Error", "Invalid volume id: Q:"},
+        {make<CURIError>(uri.get(), "G", "D"), "G", "D"},
+        {make<CURIFormatError>(uri.get()), "The URI has an invalid format.",
          "The URI ('" + u + "') has an invalid format."},
-        {"uri type", [&] { return make<CURITypeNotSupportedError>(uri.get()); }, "This type URI is not supported.",
+        {make<CURITypeNotSupportedError>(uri.get()), "This type URI is not supported.",
          "This type of URI ('" + u + "') is not supported."},
-        {"file", [&] { return make<CFileError>(uri.get(), "D"); }, "FileError", "D"},
-        {"file not found", [&] { return make<CFileNotFoundError>(uri.get()); }, "The file was not found.",
-         "The file '" + u + "' was not found."},
-        {"access denied", [&] { return make<CFileAccessDeniedError>(uri.get()); }, "FileError",
-         "The access of the file '" + u + "' was denied."},
-        {"stream", [&] { return make<CStreamError>(uri.get(), "G", "D"); }, "G", "D"},
-        {"end of stream", [&] { return make<CEndOfStreamError>(uri.get(), "G"); }, "G",
-         "Unexpected end of data stream (uri: '" + u + "')"},
-        {"end of stream, no uri", [] { return make<CEndOfStreamError>(nullptr, "G"); }, "G",
-         "Unexpected end of data stream."},
-        {"stream closed", [&] { return make<CStreamClosedError>(uri.get(), "G"); }, "G", "The stream has been closed."},
+        {make<CFileError>(uri.get(), "D"), "FileError", "D"},
+        {make<CFileNotFoundError>(uri.get()), "The file was not found.", "The file '" + u + "' was not found."},
+        {make<CFileAccessDeniedError>(uri.get()), "FileError", "The access of the file '" + u + "' was denied."},
+        {make<CStreamError>(uri.get(), "G", "D"), "G", "D"},
+        {make<CEndOfStreamError>(uri.get(), "G"), "G", "Unexpected end of data stream (uri: '" + u + "')"},
+        {make<CEndOfStreamError>(nullptr, "G"), "G", "Unexpected end of data stream."},
+        {make<CStreamClosedError>(uri.get(), "G"), "G", "The stream has been closed."},
     };
     for (const Row& row : rows) {
-        SCOPED_TRACE(row.name);
-        const P<CException> error = row.make();
+        SCOPED_TRACE(row.description);
+        const P<CException>& error = row.error;
         EXPECT_EQ(error->getGeneralDescription()->toUTF8(), row.general);
         EXPECT_EQ(error->getDescription()->toUTF8(), row.description);
         EXPECT_STREQ(error->what(), row.description.c_str());

@@ -20,56 +20,49 @@ std::string text(const P<IString>& s)
     return s ? s->toUTF8() : "<null>";
 }
 
-TEST(StringLocalizer, TextsAreCopiesAndMissingOrEmptyOnesGiveTheDefaultUnchanged)
+// Own texts answer first, then the fallback, then the default, unchanged (placeholders are left for
+// the caller); an empty text counts as missing. Keys and texts are copies; keys of any encoding
+// meet and are case-sensitive.
+TEST(StringLocalizer, OwnTextsThenTheFallbackThenTheDefault)
 {
-    auto loc = make<CStringLocalizer>();
-    EXPECT_EQ(text(loc->getString("kore.X.Desc", "The file '%FILE%' was not found.")),
-              "The file '%FILE%' was not found.");
+    auto loc = make<CStringLocalizer>(), fallback = make<CStringLocalizer>();
     char16_t key[] = u"kore.X.Desc";
     wchar_t value[] = L"Die Datei '%FILE%' fehlt.";
     loc->setString(key, value);
     key[0] = u'X';
     value[0] = L'X';
-    const P<IString> first = loc->getString(u"kore.X.Desc", "default");
-    EXPECT_EQ(text(first), "Die Datei '%FILE%' fehlt.") << "placeholders are left for the caller";
-    EXPECT_EQ(text(loc->getString(CString::fromUTF8("kore.X.Desc"), "default")), text(first))
-        << "keys of any encoding meet";
-    EXPECT_EQ(text(loc->getString("kore.x.desc", "default")), "default") << "keys are case-sensitive";
-
+    for (const auto& [k, v] : {std::pair{"both", "fallback text"},
+                               {"only.fallback", "from fallback"},
+                               {"empty.here", "fallback fills in"},
+                               {"kore.x.desc", "other case"}})
+        fallback->setString(k, v);
+    loc->setString("both", "own text");
+    loc->setString("empty.here", "");
+    loc->setFallback(fallback.get());
+    EXPECT_EQ(fallback->getRefCount(), 2);
     std::u16string caller = u"borrowed default";
     const P<IString> fallbackText = loc->getString("missing", caller.c_str());
     caller.assign(caller.size(), u'#');
     EXPECT_EQ(text(fallbackText), "borrowed default");
-    loc->setString("kore.X.Desc", "");
-    EXPECT_EQ(text(loc->getString("kore.X.Desc", "default")), "default") << "an empty text cannot blank a text out";
-}
-
-TEST(StringLocalizer, FallbackAnswersOnlyWhatIsMissingHere)
-{
-    auto loc = make<CStringLocalizer>();
-    auto fallback = make<CStringLocalizer>();
-    fallback->setString("both", "fallback text");
-    fallback->setString("only.fallback", "from fallback");
-    loc->setString("both", "own text");
-    loc->setString("empty.here", "");
-    fallback->setString("empty.here", "fallback fills in");
-
-    loc->setFallback(fallback.get());
-    EXPECT_EQ(fallback->getRefCount(), 2);
+    EXPECT_EQ(text(loc->getString(u"kore.X.Desc", "d")), "Die Datei '%FILE%' fehlt.");
+    EXPECT_EQ(text(loc->getString(CString::fromUTF8("kore.X.Desc"), "d")), "Die Datei '%FILE%' fehlt.");
+    EXPECT_EQ(text(loc->getString("kore.x.desc", "d")), "other case");
     EXPECT_EQ(text(loc->getString("both", "d")), "own text");
     EXPECT_EQ(text(loc->getString("only.fallback", "d")), "from fallback");
     EXPECT_EQ(text(loc->getString("empty.here", "d")), "fallback fills in");
-    EXPECT_EQ(text(loc->getString("nowhere", "d")), "d");
+    EXPECT_EQ(text(loc->getString("nowhere", "The file '%FILE%' was not found.")), "The file '%FILE%' was not found.");
 
     loc->clear();
     EXPECT_EQ(text(loc->getString("both", "d")), "fallback text") << "clear keeps the fallback";
-
     auto other = make<CStringLocalizer>();
     loc->setFallback(other.get());
     EXPECT_EQ(fallback->getRefCount(), 1);
     loc->setFallback(nullptr);
     EXPECT_EQ(other->getRefCount(), 1);
     EXPECT_EQ(text(loc->getString("both", "d")), "d");
+    loc->setString("both", "set");
+    loc->setString("both", "");
+    EXPECT_EQ(text(loc->getString("both", "d")), "d") << "an empty text cannot blank a text out";
     EXPECT_THROW(loc->setFallback(loc.get()), CInvalidArgError);
 }
 
@@ -81,9 +74,8 @@ TEST(StringLocalizer, FallbackCyclesAreRefused)
     for (size_t ring = 1; ring <= 4; ++ring) {
         std::vector<P<CStringLocalizer>> chain;
         for (size_t i = 0; i < ring; ++i)
-            chain.push_back(make<CStringLocalizer>());
-        for (size_t i = 0; i + 1 < ring; ++i)
-            chain[i]->setFallback(chain[i + 1].get());
+            if (chain.push_back(make<CStringLocalizer>()); i > 0)
+                chain[i - 1]->setFallback(chain[i].get());
         chain.back()->setString("last", "from the end");
         EXPECT_THROW(chain.back()->setFallback(chain.front().get()), CInvalidArgError) << ring;
         EXPECT_EQ(chain.back()->getFallback(), nullptr) << ring;
@@ -152,8 +144,7 @@ TEST(StringLocalizer, ASwitchWaitsWhileAReaderStillCopiesTheOldText)
 
 TEST(StringLocalizer, TablesReplaceEverythingAndTheLaterOfTwoAnswers)
 {
-    auto loc = make<CStringLocalizer>();
-    auto fallback = make<CStringLocalizer>();
+    auto loc = make<CStringLocalizer>(), fallback = make<CStringLocalizer>();
     fallback->setString("only.fallback", "from fallback");
     fallback->setString("blank", "fallback fills in");
     loc->setFallback(fallback.get());
@@ -163,21 +154,17 @@ TEST(StringLocalizer, TablesReplaceEverythingAndTheLaterOfTwoAnswers)
     loc->setTexts({first, second});
     EXPECT_EQ(first->getRefCount(), 2) << "the localizer shares the tables it was given";
 
-    const struct {
-        const char16_t* key;
-        const char16_t* expected;
-    } cases[] = {
+    const std::pair<const char16_t*, const char16_t*> cases[] = {
         {u"both", u"second"}, // the later table answers
         {u"first", u"1"}, // ... and the earlier one what the later lacks
         {u"blank", u"fallback fills in"}, // an empty text counts as missing, even over a full one
         {u"only.fallback", u"from fallback"},
         {u"set", u"d"}, // setTexts replaces what setString set
         {u"\xD800", u"lone"}, // unpaired surrogates are units like any other
-        {u"nowhere", u"d"},
-    };
-    for (const auto& c : cases) {
-        EXPECT_EQ(copied(*loc, c.key, u"d"), c.expected);
-        EXPECT_EQ(text(loc->getString(c.key, "d")), text(CString::fromUTF16(c.expected)));
+        {u"nowhere", u"d"}};
+    for (const auto& [key, expected] : cases) {
+        EXPECT_EQ(copied(*loc, key, u"d"), expected);
+        EXPECT_EQ(text(loc->getString(key, "d")), text(CString::fromUTF16(expected)));
     }
     EXPECT_EQ(copied(*loc, nullptr, nullptr), u"") << "null reads as empty";
 
