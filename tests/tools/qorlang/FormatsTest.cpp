@@ -332,9 +332,7 @@ TEST(Formats, WrittenFilesReadBack)
         {u"plain", u"einfach"},
         {u"menu\x04Open", u"Öffnen"},
         {u"Qt|verb\x04Open", u"Öffnen"},
-        {u"Qt|\x04"
-         u"Close",
-         u"Schließen"},
+        {u"Qt|\u0004Close", u"Schließen"},
         {u"|odd\x04x", u"y"},
         {u"ctx\x04x", u"<b>&amp;</b> \"q\""},
         {u"\x04no context name", u"leer"},
