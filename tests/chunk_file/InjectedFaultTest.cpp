@@ -63,10 +63,7 @@ TEST(InjectedFaults, EveryFailingFileOperationOfAChangeIsReportedAndTheNextChang
         const char* name;
         Bytes original;
         void (*change)(chf::IStream*);
-    } rows[] = {
-        {"edit", original(), &edit},
-        {"build", {}, &buildExample},
-    };
+    } rows[] = {{"edit", original(), &edit}, {"build", {}, &buildExample}};
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
         Bytes expected;

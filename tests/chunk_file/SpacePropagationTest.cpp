@@ -28,11 +28,9 @@ TEST(SpacePropagation, ChildGrownWhileOpenIsSkippedAndEveryEnclosingSizeFollows)
             CChunkIterator* holder;
             uint32_t next;
             Bytes data;
-        } steps[] = {
-            {sub.get(), makeChunkId("next"), text("n")},
-            {stmp.get(), makeChunkId("more"), text("xyz")},
-            {file.get(), makeChunkId("cmnt"), text("hi")},
-        };
+        } steps[] = {{sub.get(), makeChunkId("next"), text("n")},
+                     {stmp.get(), makeChunkId("more"), text("xyz")},
+                     {file.get(), makeChunkId("cmnt"), text("hi")}};
         for (const auto& step : steps) {
             ASSERT_TRUE(step.holder->nextChunk());
             EXPECT_EQ(step.holder->getChunkId(), step.next);
@@ -134,17 +132,15 @@ TEST(SpacePropagation, RemovalNoticesMoveShrinkOrDeleteAStreamThatWritesBackWhat
         const char* name;
         int64_t at, count, base, length;
         bool deleted;
-    } rows[] = {
-        {"inside", 25, 3, 20, 7, false},
-        {"at the start", 20, 3, 20, 7, false},
-        {"at the end", 30, 2, 20, 8, false},
-        {"behind", 31, 2, 20, 10, false},
-        {"wholly before", 15, 3, 17, 10, false},
-        // Starting before and ending inside: the base moves by the whole count, the length stays.
-        {"partly overlapping", 15, 10, 10, 10, false},
-        {"up to the end", 15, 15, 0, 0, true},
-        {"beyond the end", 15, 20, 0, 0, true},
-    };
+    } rows[] = {{"inside", 25, 3, 20, 7, false},
+                {"at the start", 20, 3, 20, 7, false},
+                {"at the end", 30, 2, 20, 8, false},
+                {"behind", 31, 2, 20, 10, false},
+                {"wholly before", 15, 3, 17, 10, false},
+                // Starting before and ending inside: the base moves by the whole count, the length stays.
+                {"partly overlapping", 15, 10, 10, 10, false},
+                {"up to the end", 15, 15, 0, 0, true},
+                {"beyond the end", 15, 20, 0, 0, true}};
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
         Ref<CTestStream> file(new CTestStream(patternBytes(40)));

@@ -47,8 +47,7 @@ TEST(Checks, PlaceholdersOfAText)
         {u"Hello %USER_NAME%, %d%", ph({"%1$d"}, {"%USER_NAME%"})},
         {u"{name} has {{count}} and {0}, not { spaced } or {}", ph({}, {"{0}", "{count}", "{name}"})},
         {u"%<PRIu64> stays unread", ph({}, {})},
-        {u"{{val, number}} by {{- name}} in {{ x }}, not {{a b}}", ph({}, {"{name}", "{val}", "{x}"})},
-    };
+        {u"{{val, number}} by {{- name}} in {{ x }}, not {{a b}}", ph({}, {"{name}", "{val}", "{x}"})}};
     for (const auto& [text, expected] : cases) {
         SCOPED_TRACE(std::string(text.begin(), text.end()));
         EXPECT_EQ(placeholdersOf(text).printf, expected.printf);
@@ -153,8 +152,7 @@ TEST(Checks, FindingsOfACatalogue)
          nullptr,
          {"2 W key \"MainWindow||Close\" keeps the Qt context \"MainWindow\": qor_lang2::tr(\"Close\") does not find "
           "it (compile a TS file with --qt-context drop)",
-          "3 W key \"a b\" holds U+0005, which marks plural forms: no call reaches it"}},
-    };
+          "3 W key \"a b\" holds U+0005, which marks plural forms: no call reaches it"}}};
     for (const auto& [c, reference, expected] : cases)
         EXPECT_EQ(messages(checkCatalogue(c, reference, nullptr)), expected) << c.path;
 
@@ -202,8 +200,7 @@ TEST(Checks, TagsAndFileNames)
     const std::pair<std::u16string, std::optional<std::u16string>> tags[] = {
         {u"ru_RU", u"ru-RU"},      {u"de-de", u"de-DE"},       {u"sr_RS@latin", std::nullopt},
         {u"de_DE@euro", u"de-DE"}, {u"pt_BR.UTF-8", u"pt-BR"}, {u"de", std::nullopt},
-        {u"", std::nullopt},       {u"xx-YY", std::nullopt},   {u"de-DE-1996", std::nullopt},
-    };
+        {u"", std::nullopt},       {u"xx-YY", std::nullopt},   {u"de-DE-1996", std::nullopt}};
     for (const auto& [written, expected] : tags)
         EXPECT_EQ(normalisedTag(written), expected) << std::string(written.begin(), written.end());
     EXPECT_EQ(languageFileName(u"app", u"de-DE"), u"app-de-DE.qorlang");
@@ -214,23 +211,21 @@ TEST(Checks, TagsAndFileNames)
 TEST(Checks, LanguagesAsCataloguesWriteThem)
 {
     // Bare languages take CLDR's likely country; scripts and variants have no two-part tag.
-    const std::pair<std::u16string, std::string> cases[] = {
-        {u"de", "de-DE"},
-        {u"PT", "pt-BR"},
-        {u"sr", "sr-RS"},
-        {u"ja", "ja-JP"},
-        {u"de_AT.UTF-8", "de-AT"},
-        {u"fr-CA", "fr-CA"},
-        {u"de_DE@euro", "de-DE"},
-        {u"sr@latin", "has the modifier @latin"},
-        {u"sr_RS@latin", "has the modifier @latin"},
-        {u"zh-Hant-TW", "names the script Hant"},
-        {u"sr_Latn", "names the script Latn"},
-        {u"es-419", "is not a language-COUNTRY tag"},
-        {u"xx", "has no country"},
-        {u"eo", "has no country"},
-        {u"", "is not a language-COUNTRY tag"},
-    };
+    const std::pair<std::u16string, std::string> cases[] = {{u"de", "de-DE"},
+                                                            {u"PT", "pt-BR"},
+                                                            {u"sr", "sr-RS"},
+                                                            {u"ja", "ja-JP"},
+                                                            {u"de_AT.UTF-8", "de-AT"},
+                                                            {u"fr-CA", "fr-CA"},
+                                                            {u"de_DE@euro", "de-DE"},
+                                                            {u"sr@latin", "has the modifier @latin"},
+                                                            {u"sr_RS@latin", "has the modifier @latin"},
+                                                            {u"zh-Hant-TW", "names the script Hant"},
+                                                            {u"sr_Latn", "names the script Latn"},
+                                                            {u"es-419", "is not a language-COUNTRY tag"},
+                                                            {u"xx", "has no country"},
+                                                            {u"eo", "has no country"},
+                                                            {u"", "is not a language-COUNTRY tag"}};
     for (const auto& [written, expected] : cases) {
         const TagChoice choice = tagFor(written);
         const std::string got = choice.tag ? std::string(choice.tag->begin(), choice.tag->end()) : choice.problem;

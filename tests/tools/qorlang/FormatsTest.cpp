@@ -53,8 +53,7 @@ TEST(Formats, PoEntriesReadAsMsgfmtReadsThem)
         // System-dependent segments take this C library's spelling, in c-format texts only.
         {"#, c-format\nmsgid \"%<PRIu64> of %<PRIuMAX>\"\nmsgstr \"%<PRIu64>/%<PRIbogus>\"\n",
          "%" PRIu64 " of %" PRIuMAX " = %" PRIu64 "/%<PRIbogus>"},
-        {"msgid \"%<PRIu64>\"\nmsgstr \"x\"\n", "%<PRIu64> = x"},
-    };
+        {"msgid \"%<PRIu64>\"\nmsgstr \"x\"\n", "%<PRIu64> = x"}};
     for (const auto& [po, expected] : cases) {
         SCOPED_TRACE(po);
         const Catalogue c =
@@ -264,8 +263,7 @@ TEST(Formats, ErrorsNameFileAndLine)
         {"{\n \"a\": \"b\",\n \"c\": \n}\n", "t.json:4: not valid JSON: ..."},
         {"[\"a\"]", "t.json: an i18next file is one JSON object of texts"},
         {"{\"a\": 1.5}", "t.json: the value of \"a\" is not a text"},
-        {"{\"a\": \"\xE0\x80\"}", "t.json: not valid UTF-8"},
-    };
+        {"{\"a\": \"\xE0\x80\"}", "t.json: not valid UTF-8"}};
     for (const auto& [bytes, expected] : cases) {
         const std::string path = expected.substr(0, expected.find(':'));
         const std::string error = errorOf([&] { readCatalogueBytes(path, bytes); });
@@ -292,8 +290,7 @@ TEST(Formats, EveryPrefixOfAGoodFileReadsOrFailsCleanly)
                  "<numerusform>x</numerusform></translation></message></context></TS>"},
         {"t.xlf", "<xliff version=\"1.2\"><file target-language=\"de-DE\"><body><group restype=\"x-gettext-plurals\">"
                   "<trans-unit id=\"1\"><source>a\r\n</source><target state=\"new\"><ph ctype=\"x-ch-bel\">\\a</ph>"
-                  "</target></trans-unit></group></body></file></xliff>"},
-    };
+                  "</target></trans-unit></group></body></file></xliff>"}};
     for (const auto& [path, whole] : files) {
         SCOPED_TRACE(path);
         const size_t entries = readCatalogueBytes(path, whole).entries.size();
@@ -328,24 +325,22 @@ TEST(Formats, EveryPrefixOfAGoodFileReadsOrFailsCleanly)
 TEST(Formats, WrittenFilesReadBack)
 {
     Catalogue c = describedCatalogue("w");
-    c.entries = {
-        {u"plain", u"einfach"},
-        {u"menu\x04Open", u"Öffnen"},
-        {u"Qt|verb\x04Open", u"Öffnen"},
-        {u"Qt|\u0004Close", u"Schließen"},
-        {u"|odd\x04x", u"y"},
-        {u"ctx\x04x", u"<b>&amp;</b> \"q\""},
-        {u"\x04no context name", u"leer"},
-        {u"\nleading and trailing\n", u"\nvorn und hinten\n"},
-        {u"quote \" backslash \\ tab \t bell \a", u"x \" y \\ z \t \a"},
-        {u"long\nmulti\nline", u"lang\nmehr\nzeilig"},
-        {u"𝄞 and 日本", u"non-BMP 𝄞"},
-        {u"a", u"x"},
-        {u"a.b", u"y"},
-        {u"@other", u"z"},
-        {u"  spaces  ", u"\n"},
-        {u"\abell\r\n", u"\x1b[1m\r"},
-    };
+    c.entries = {{u"plain", u"einfach"},
+                 {u"menu\x04Open", u"Öffnen"},
+                 {u"Qt|verb\x04Open", u"Öffnen"},
+                 {u"Qt|\u0004Close", u"Schließen"},
+                 {u"|odd\x04x", u"y"},
+                 {u"ctx\x04x", u"<b>&amp;</b> \"q\""},
+                 {u"\x04no context name", u"leer"},
+                 {u"\nleading and trailing\n", u"\nvorn und hinten\n"},
+                 {u"quote \" backslash \\ tab \t bell \a", u"x \" y \\ z \t \a"},
+                 {u"long\nmulti\nline", u"lang\nmehr\nzeilig"},
+                 {u"𝄞 and 日本", u"non-BMP 𝄞"},
+                 {u"a", u"x"},
+                 {u"a.b", u"y"},
+                 {u"@other", u"z"},
+                 {u"  spaces  ", u"\n"},
+                 {u"\abell\r\n", u"\x1b[1m\r"}};
     std::string po;
     for (const char* path : {"w.ts", "w.xlf", "w.json", "w.po"}) {
         SCOPED_TRACE(path);
@@ -438,8 +433,7 @@ TEST(Formats, QtContextNamesEnterTheKeysAsChosen)
           "verb␄Open = 開ける"}},
         {QtContext::Auto,
          {"Dialog|verb␄Open = 開ける", "Open file = 開く", "app.title = アプリ", "app.title = 題名",
-          "short␄menu.quit = 終了"}},
-    };
+          "short␄menu.quit = 終了"}}};
     for (const auto& [mode, expected] : cases)
         EXPECT_EQ(linesOf(readTs("ja.ts", ts, mode), true), expected) << int(mode);
     // A TS file the tool wrote compiles to the keys it was written from.

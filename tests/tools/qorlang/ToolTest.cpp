@@ -86,44 +86,43 @@ TEST_F(QorlangTool, FailuresLeaveNoOutputAndSayWhy)
     fs::create_directory(m_folder.path() / "out");
     fs::create_directory(m_folder.path() / "locked");
     fs::permissions(m_folder.path() / "locked", fs::perms::owner_read | fs::perms::owner_exec);
-    expectRuns({
-        {1, "compile de.po -o other.qorlang --language de-DE",
-         "other.qorlang: the name is not <app>-de-DE.qorlang, so give the application id with --app-id\n"},
-        {1, "compile missing.po -o demo-de-DE.qorlang", "missing.po" + kNoInput},
-        {1, "compile out/ -o demo-de-DE.qorlang", "out/" + kUnknownFormat},
-        {1, "compile de.xml -o demo-de-DE.qorlang", "de.xml" + kUnknownFormat},
-        {1, "compile de.po -o no/such/dir/demo-de-DE.qorlang --language de-DE",
-         "no/such/dir/demo-de-DE.qorlang" + kCannotCreate + "No such file or directory" + kCreateHint},
-        {1, "compile latin1.po -o demo-de-DE.qorlang --language de-DE",
-         "latin1.po:7: not valid UTF-8; convert the file to UTF-8 (iconv, msgconv) or name its real charset in the "
-         "header's Content-Type\n"},
-        {1, "check broken.ts",
-         "broken.ts:3: not well-formed XML: a tag is not closed or not spelt right; fix it in an XML editor or the "
-         "tool that wrote it [error]\n1 error, 0 warnings\n"},
-        {2, "compile de.po -o out --language de-DE",
-         "qorlang compile: -o out is a folder; give the file to write, such as out/app-de-DE.qorlang (see qorlang "
-         "compile --help)\n"},
-        {2, "compile de.po --frobnicate",
-         "qorlang compile: unknown option --frobnicate (see qorlang compile --help)\n"},
-        {2, "compile de.po -o", "qorlang compile: -o needs a value (see qorlang compile --help)\n"},
-        {2, "compile de.po -o demo-de-DE.qorlang --qt-context maybe",
-         "qorlang compile: --qt-context takes auto, keep or drop (see qorlang compile --help)\n"},
-        {2, "check", "qorlang check: needs at least one FILE (see qorlang check --help)\n"},
-        {2, "frobnicate", "qorlang: unknown command 'frobnicate' (see qorlang --help)\n"},
-        {1, "init t.pot -o de.po", "de.po: exists already; qorlang merge brings it up to date with the template\n"},
-        {2, "init t.pot -o sr@latin.po", "qorlang init: " + kModifier + " (see qorlang init --help)\n"},
-        {1, "merge t.pot missing.po de.txt",
-         "missing.po" + kNoInput +
-             "de.txt: merge updates .po, .ts, .xlf, .xliff or .json files; decompile a language file first\n"},
-        {1, "PATH=/nonexistent extract a.cpp -o a.pot",
-         "qorlang: xgettext is not installed or not on PATH; install gettext (Debian: apt-get install gettext)\n"},
-        {2, "pseudo t.pot -o x.po",
-         "qorlang pseudo: the output of pseudo is a language file, its name ends in .qorlang (see qorlang pseudo "
-         "--help)\n"},
-        {2, "merge t.pot",
-         "qorlang merge: needs a TEMPLATE and at least one translation FILE (see qorlang merge --help)\n"},
-        {0, "--version", "qorlang " QORLANG_VERSION "\n"},
-    });
+    expectRuns(
+        {{1, "compile de.po -o other.qorlang --language de-DE",
+          "other.qorlang: the name is not <app>-de-DE.qorlang, so give the application id with --app-id\n"},
+         {1, "compile missing.po -o demo-de-DE.qorlang", "missing.po" + kNoInput},
+         {1, "compile out/ -o demo-de-DE.qorlang", "out/" + kUnknownFormat},
+         {1, "compile de.xml -o demo-de-DE.qorlang", "de.xml" + kUnknownFormat},
+         {1, "compile de.po -o no/such/dir/demo-de-DE.qorlang --language de-DE",
+          "no/such/dir/demo-de-DE.qorlang" + kCannotCreate + "No such file or directory" + kCreateHint},
+         {1, "compile latin1.po -o demo-de-DE.qorlang --language de-DE",
+          "latin1.po:7: not valid UTF-8; convert the file to UTF-8 (iconv, msgconv) or name its real charset in the "
+          "header's Content-Type\n"},
+         {1, "check broken.ts",
+          "broken.ts:3: not well-formed XML: a tag is not closed or not spelt right; fix it in an XML editor or the "
+          "tool that wrote it [error]\n1 error, 0 warnings\n"},
+         {2, "compile de.po -o out --language de-DE",
+          "qorlang compile: -o out is a folder; give the file to write, such as out/app-de-DE.qorlang (see qorlang "
+          "compile --help)\n"},
+         {2, "compile de.po --frobnicate",
+          "qorlang compile: unknown option --frobnicate (see qorlang compile --help)\n"},
+         {2, "compile de.po -o", "qorlang compile: -o needs a value (see qorlang compile --help)\n"},
+         {2, "compile de.po -o demo-de-DE.qorlang --qt-context maybe",
+          "qorlang compile: --qt-context takes auto, keep or drop (see qorlang compile --help)\n"},
+         {2, "check", "qorlang check: needs at least one FILE (see qorlang check --help)\n"},
+         {2, "frobnicate", "qorlang: unknown command 'frobnicate' (see qorlang --help)\n"},
+         {1, "init t.pot -o de.po", "de.po: exists already; qorlang merge brings it up to date with the template\n"},
+         {2, "init t.pot -o sr@latin.po", "qorlang init: " + kModifier + " (see qorlang init --help)\n"},
+         {1, "merge t.pot missing.po de.txt",
+          "missing.po" + kNoInput +
+              "de.txt: merge updates .po, .ts, .xlf, .xliff or .json files; decompile a language file first\n"},
+         {1, "PATH=/nonexistent extract a.cpp -o a.pot",
+          "qorlang: xgettext is not installed or not on PATH; install gettext (Debian: apt-get install gettext)\n"},
+         {2, "pseudo t.pot -o x.po",
+          "qorlang pseudo: the output of pseudo is a language file, its name ends in .qorlang (see qorlang pseudo "
+          "--help)\n"},
+         {2, "merge t.pot",
+          "qorlang merge: needs a TEMPLATE and at least one translation FILE (see qorlang merge --help)\n"},
+         {0, "--version", "qorlang " QORLANG_VERSION "\n"}});
     if (geteuid() != 0) // permissions do not stop root
         expectRuns({{1, "compile de.po -o locked/demo-de-DE.qorlang --language de-DE",
                      "locked/demo-de-DE.qorlang" + kCannotCreate + "Permission denied" + kCreateHint}});
@@ -138,34 +137,34 @@ TEST_F(QorlangTool, CompileTakesIdAndLanguageFromOptionOutputNameOrHeader)
     write("de.po", kPo); // "Language: de"
     write("sr.po", "msgid \"\"\nmsgstr \"Language: sr@latin\\n\"\n\nmsgid \"a\"\nmsgstr \"b\"\n");
     const std::string id = "~QOR_LANG2_FILE_getLanguageID      ";
-    expectRuns({
-        {0, "compile de.po -o demo-de-DE.qorlang --language de-DE", ""},
-        {0, "info demo-de-DE.qorlang", "~QOR_LANG2_FILE_getAppID           \"demo\"\n"},
-        {0, "info demo-de-DE.qorlang", "~QOR_LANG2_FILE_getAuthor          \"Änne\"\n"},
-        {0, "info demo-de-DE.qorlang", "~QOR_LANG2_FILE_getEnglishSubName  \"Germany\"\n"},
-        {0, "info demo-de-DE.qorlang", "~entries                           1\n"},
-        {0, "compile de.po -o demo-de-DE.qorlang --language de-DE --use-fuzzy", ""},
-        {0, "info demo-de-DE.qorlang", "~entries                           2\n"},
-        {0, "compile de.po -o demo-de-AT.qorlang", ""},
-        {0, "info demo-de-AT.qorlang", id + "\"de-AT\""},
-        {0, "compile de.po -o lang.qorlang --app-id demo",
-         "de.po:1: warning: the language \"de\" names no country; using de-DE, its usual one (--language chooses "
-         "another)\nlang.qorlang: warning: the library looks for this language under the name demo-de-DE.qorlang\n"},
-        {0, "info lang.qorlang", id + "\"de-DE\""},
-        {0, "compile de.po -o demo-fr-FR.qorlang",
-         "de.po:1: warning: the file's language is \"de\" but the output is named for fr-FR; the name wins (--language "
-         "decides otherwise)\n"},
-        {0, "info demo-fr-FR.qorlang", id + "\"fr-FR\""},
-        {1, "compile sr.po -o lang.qorlang --app-id demo", "sr.po:1: " + kModifier + "\n"},
-        {0, "compile sr.po -o demo-sr-ME.qorlang --native-name 'srpski (latinica)' --native-sub-name 'Crna Gora'", ""},
-        {0, "info demo-sr-ME.qorlang", id + "\"sr-ME\""},
-        {0, "info demo-sr-ME.qorlang", "~QOR_LANG2_FILE_getNativeName      \"srpski (latinica)\"\n"},
-        {0, "info demo-sr-ME.qorlang", "~QOR_LANG2_FILE_getNativeSubName   \"Crna Gora\"\n"},
-        {2, "compile de.po -o x.qorlang --language de-Latn",
-         "qorlang compile: --language: the language \"de-Latn\" names the script Latn, and a language-COUNTRY tag "
-         "cannot tell it from the language's usual script; a tag is language-COUNTRY, such as de-DE (see qorlang "
-         "compile --help)\n"},
-    });
+    expectRuns(
+        {{0, "compile de.po -o demo-de-DE.qorlang --language de-DE", ""},
+         {0, "info demo-de-DE.qorlang", "~QOR_LANG2_FILE_getAppID           \"demo\"\n"},
+         {0, "info demo-de-DE.qorlang", "~QOR_LANG2_FILE_getAuthor          \"Änne\"\n"},
+         {0, "info demo-de-DE.qorlang", "~QOR_LANG2_FILE_getEnglishSubName  \"Germany\"\n"},
+         {0, "info demo-de-DE.qorlang", "~entries                           1\n"},
+         {0, "compile de.po -o demo-de-DE.qorlang --language de-DE --use-fuzzy", ""},
+         {0, "info demo-de-DE.qorlang", "~entries                           2\n"},
+         {0, "compile de.po -o demo-de-AT.qorlang", ""},
+         {0, "info demo-de-AT.qorlang", id + "\"de-AT\""},
+         {0, "compile de.po -o lang.qorlang --app-id demo",
+          "de.po:1: warning: the language \"de\" names no country; using de-DE, its usual one (--language chooses "
+          "another)\nlang.qorlang: warning: the library looks for this language under the name demo-de-DE.qorlang\n"},
+         {0, "info lang.qorlang", id + "\"de-DE\""},
+         {0, "compile de.po -o demo-fr-FR.qorlang",
+          "de.po:1: warning: the file's language is \"de\" but the output is named for fr-FR; the name wins "
+          "(--language "
+          "decides otherwise)\n"},
+         {0, "info demo-fr-FR.qorlang", id + "\"fr-FR\""},
+         {1, "compile sr.po -o lang.qorlang --app-id demo", "sr.po:1: " + kModifier + "\n"},
+         {0, "compile sr.po -o demo-sr-ME.qorlang --native-name 'srpski (latinica)' --native-sub-name 'Crna Gora'", ""},
+         {0, "info demo-sr-ME.qorlang", id + "\"sr-ME\""},
+         {0, "info demo-sr-ME.qorlang", "~QOR_LANG2_FILE_getNativeName      \"srpski (latinica)\"\n"},
+         {0, "info demo-sr-ME.qorlang", "~QOR_LANG2_FILE_getNativeSubName   \"Crna Gora\"\n"},
+         {2, "compile de.po -o x.qorlang --language de-Latn",
+          "qorlang compile: --language: the language \"de-Latn\" names the script Latn, and a language-COUNTRY tag "
+          "cannot tell it from the language's usual script; a tag is language-COUNTRY, such as de-DE (see qorlang "
+          "compile --help)\n"}});
 }
 
 TEST_F(QorlangTool, CheckAndStatsAgainstAReference)
@@ -182,24 +181,23 @@ TEST_F(QorlangTool, CheckAndStatsAgainstAReference)
     write("en-US.txt", "@tag=en-US\ngreet=Hello %s\nbye=Bye\n");
     write("de-DE.txt", "@tag=de-DE\ngreet=Hallo %s\n");
     write("fr-FR.txt", "@tag=fr-FR\ngreet=Bonjour %d\nbye=Salut\n");
-    expectRuns({
-        {1, "check de.po --reference app.pot",
-         "de.po: warning: key \"Open\" of the reference (line 8) has no translation here\n"
-         "de.po:4: error: key \"%d files in %s\": placeholders differ from the reference's source text (line 5): "
-         "missing %1$d %2$s, extra %1$s\n"
-         "de.po:7: warning: key \"Close\" is not in the reference (stale); qorlang merge marks it obsolete\n"
-         "de.po:10: error: key \"one file\" form 1: placeholders differ from the reference's source texts (line "
-         "12): missing %1$d, extra %1$s\n"
-         "2 errors, 2 warnings\n"},
-        {0, "stats app.pot", "~app.pot"},
-        // Warnings alone leave the exit status 0.
-        {0, "check de-DE.txt --reference en-US.txt",
-         "de-DE.txt: warning: key \"bye\" of the reference (line 3) has no translation here\n0 errors, 1 warning\n"},
-        {0, "stats de-DE.txt fr-FR.txt --reference en-US.txt",
-         "file       entries translated  fuzzy  missing  percent\n"
-         "de-DE.txt        1          1      0        1    50.0%\n"
-         "fr-FR.txt        2          2      0        0   100.0%\n"},
-    });
+    expectRuns(
+        {{1, "check de.po --reference app.pot",
+          "de.po: warning: key \"Open\" of the reference (line 8) has no translation here\n"
+          "de.po:4: error: key \"%d files in %s\": placeholders differ from the reference's source text (line 5): "
+          "missing %1$d %2$s, extra %1$s\n"
+          "de.po:7: warning: key \"Close\" is not in the reference (stale); qorlang merge marks it obsolete\n"
+          "de.po:10: error: key \"one file\" form 1: placeholders differ from the reference's source texts (line "
+          "12): missing %1$d, extra %1$s\n"
+          "2 errors, 2 warnings\n"},
+         {0, "stats app.pot", "~app.pot"},
+         // Warnings alone leave the exit status 0.
+         {0, "check de-DE.txt --reference en-US.txt",
+          "de-DE.txt: warning: key \"bye\" of the reference (line 3) has no translation here\n0 errors, 1 warning\n"},
+         {0, "stats de-DE.txt fr-FR.txt --reference en-US.txt",
+          "file       entries translated  fuzzy  missing  percent\n"
+          "de-DE.txt        1          1      0        1    50.0%\n"
+          "fr-FR.txt        2          2      0        0   100.0%\n"}});
 }
 
 TEST_F(QorlangTool, I18nextPluralsSurviveInitMergeAndCompile)
