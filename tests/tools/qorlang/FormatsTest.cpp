@@ -167,10 +167,8 @@ line<byte value="x7"/>
 </xliff>
 )");
     EXPECT_EQ(xliff.language, u"ru-RU"); // the file's target language before lconvert's copy of the PO header
-    const std::string u8 = "%" PRIu8;
     EXPECT_EQ(linesOf(xliff), (Lines{"\r\nbotched\r\n = \aсбой a b", "menu␄Open = Открыть",
-                                     "files␄" + u8 + " file = " + u8 + " файл [" + u8 + " файл|" + u8 + " файла|" + u8 +
-                                         " файлов] / " + u8 + " files",
+                                     "files␄%u file = %u файл [%u файл|%u файла|%u файлов] / %u files",
                                      "Fuzzy = (fuzzy) Нечётко", "Old = (obsolete) Старое",
                                      "Untranslated = ", "MainWindow|␄Close = Закрыть", "app.title = Заголовок"}));
     EXPECT_EQ(xliff.entries[0].line, 5);
