@@ -19,19 +19,6 @@ using namespace gettext_test;
 
 namespace {
 
-fs::path pickCatalogue()
-{
-    if (const char* given = std::getenv("QOR_TEST_MO"))
-        return given;
-    fs::path best;
-    std::error_code ignored;
-    for (const auto& e : fs::directory_iterator("/usr/share/locale/ru/LC_MESSAGES", ignored)) {
-        if (e.path().extension() == ".mo" && (best.empty() || e.file_size() > fs::file_size(best)))
-            best = e.path();
-    }
-    return best;
-}
-
 std::u16string utf16(const std::string& text)
 {
     return qorlang::decodeUtf8(text).value_or(u"\uFFFD(bad UTF-8)");
@@ -56,7 +43,8 @@ int main(int argc, char** argv)
     }
     const std::string qorlang = argv[1], form = argv[2];
     const bool lconvert = form == "ts" || form == "xlf";
-    const fs::path mo = pickCatalogue();
+    const std::vector<fs::path> largest = cataloguesOf("ru");
+    const fs::path mo = std::getenv("QOR_TEST_MO") ? std::getenv("QOR_TEST_MO") : largest.empty() ? "" : largest[0];
     if (!have("msgunfmt") || !have("msgfmt") || (lconvert && !have("lconvert")) || mo.empty()) {
         std::printf("skipped: needs msgunfmt, msgfmt%s and a catalogue under /usr/share/locale/ru\n",
                     lconvert ? ", lconvert" : "");

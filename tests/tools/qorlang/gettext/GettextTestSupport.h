@@ -6,6 +6,7 @@
 
 #include <libintl.h>
 
+#include <algorithm>
 #include <clocale>
 #include <cstdint>
 #include <cstdio>
@@ -16,6 +17,7 @@
 #include <random>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace gettext_test {
@@ -47,6 +49,22 @@ inline std::string readAll(const fs::path& path)
     std::ostringstream out;
     out << in.rdbuf();
     return out.str();
+}
+
+// The catalogues of `language` on this machine, largest first.
+inline std::vector<fs::path> cataloguesOf(const std::string& language)
+{
+    std::vector<std::pair<uintmax_t, fs::path>> all;
+    std::error_code ignored;
+    for (const auto& e : fs::directory_iterator("/usr/share/locale/" + language + "/LC_MESSAGES", ignored)) {
+        if (e.path().extension() == ".mo")
+            all.emplace_back(e.file_size(ignored), e.path());
+    }
+    std::sort(all.rbegin(), all.rend());
+    std::vector<fs::path> paths;
+    for (auto& [size, path] : all)
+        paths.push_back(std::move(path));
+    return paths;
 }
 
 // A fresh folder holding the catalogue `mo` as PO (msgunfmt) and as the .mo msgfmt makes of that

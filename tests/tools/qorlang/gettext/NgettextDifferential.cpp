@@ -14,9 +14,6 @@
 #include "GettextTestSupport.h"
 #include "qor_lang2.hpp"
 
-#include <algorithm>
-#include <utility>
-
 namespace {
 
 using namespace gettext_test;
@@ -36,16 +33,9 @@ std::vector<std::string> pluralOriginals(const std::string& mo)
 
 std::vector<fs::path> pickCatalogues(const std::string& language)
 {
-    std::vector<std::pair<uintmax_t, fs::path>> all;
-    std::error_code ignored;
-    for (const auto& e : fs::directory_iterator("/usr/share/locale/" + language + "/LC_MESSAGES", ignored)) {
-        if (e.path().extension() == ".mo")
-            all.emplace_back(e.file_size(ignored), e.path());
-    }
-    std::sort(all.rbegin(), all.rend());
     std::vector<fs::path> picked;
     size_t entries = 0;
-    for (const auto& [size, path] : all) {
+    for (const fs::path& path : cataloguesOf(language)) {
         const size_t plurals = pluralOriginals(readAll(path)).size();
         if (plurals == 0)
             continue;
