@@ -1,42 +1,28 @@
+// The container: walking and finding chunks (hostile sizes included), writing new files, its
+// own streams over a memory buffer and over the framework's files.
 #include "ChunkTestSupport.h"
 
-#include <gtest/gtest.h>
-
-#include <cstring>
-#include <limits>
+#include "framework/io/CDiskStream.h"
+#include "framework/io/CMemoryStream.h"
+#include "framework/io/ISeekableIOStream.h"
 
 using namespace chf_test;
-using chf::CChunkFile;
-using chf::CChunkStream;
-using chf::makeChunkId;
 
 namespace {
-
-Ref<CChunkFile> openBytes(const Bytes& bytes, int64_t at = 0)
-{
-    Ref<CTestStream> stream(new CTestStream(bytes));
-    stream->setPosition(at);
-    return Ref<CChunkFile>(CChunkFile::open(stream.get()));
-}
 
 // Runs `check` on the bytes opened as a container in memory and, through the adapter, on disk.
 template <class F>
 void inMemoryAndOnDisk(const Bytes& bytes, F&& check)
 {
-    check(openBytes(bytes).get());
+    check(openInMemory(bytes).file.get());
     CDiskFile disk(bytes);
     check(Ref<CChunkFile>(CChunkFile::open(disk.open(kore::IStreamManager::kRead).get())).get());
-}
-
-Bytes current(CChunkFile* file)
-{
-    return readAll(Ref<CChunkStream>(file->openChunkStream()).get());
 }
 
 TEST(ChunkFile, EmptyChunkAreaEndsAtOnce)
 {
     // Opened behind 3 bytes of something else: the chunk area starts 16 bytes further.
-    Ref<CChunkFile> file = openBytes(text("abc") + container({}), 3);
+    Ref<CChunkFile> file = openInMemory(text("abc") + container({}), 3).file;
     EXPECT_EQ(std::memcmp(file->getMagic(), "URESFILE", 9), 0);
     EXPECT_EQ(file->getBase(), 19);
     EXPECT_FALSE(file->nextChunk());
@@ -51,7 +37,7 @@ TEST(ChunkFile, WalksChunksAndIgnoresAnIncompleteTrailingHeader)
 {
     const Bytes area = chunk("vers", text("1.0")) + chunk("none", {}) + chunk("lang", text("de-DE"));
     for (size_t trailing = 0; trailing < 12; ++trailing) {
-        Ref<CChunkFile> file = openBytes(container(area + Bytes(trailing, 'x')));
+        Ref<CChunkFile> file = openInMemory(container(area + Bytes(trailing, 'x'))).file;
         EXPECT_EQ(dump(file.get()), "vers(1.0) none() lang(de-DE)") << trailing;
         EXPECT_FALSE(file->nextChunk()) << trailing;
     }
@@ -59,8 +45,9 @@ TEST(ChunkFile, WalksChunksAndIgnoresAnIncompleteTrailingHeader)
 
 TEST(ChunkFile, FindChunkSearchesForwardAndFindFirstChunkFromTheStart)
 {
-    Ref<CChunkFile> file = openBytes(container(chunk("RSID", text("a")) + chunk("cmnt", text("1")) +
-                                               chunk("RSID", text("b")) + chunk("cmnt", text("2"))));
+    Ref<CChunkFile> file = openInMemory(container(chunk("RSID", text("a")) + chunk("cmnt", text("1")) +
+                                                  chunk("RSID", text("b")) + chunk("cmnt", text("2"))))
+                               .file;
     const uint32_t rsid = makeChunkId("RSID");
     ASSERT_TRUE(file->findChunk(rsid));
     EXPECT_EQ(current(file.get()), text("a"));
@@ -100,10 +87,222 @@ TEST(ChunkFile, SizesThatWouldNotMoveTheWalkForwardEndIt)
         });
     }
     // A declared size running past the end of the area is accepted as it stands.
-    Ref<CChunkFile> overlong = openBytes(container(chunk("long", 1000, text("abc"))));
-    ASSERT_TRUE(overlong->nextChunk());
-    EXPECT_EQ(Ref<CChunkStream>(overlong->openChunkStream())->getLength(), 1000);
+    Ref<CChunkFile> overlong = openInMemory(container(chunk("long", 1000, text("abc")))).file;
+    EXPECT_EQ(openStream(overlong.get(), "long")->getLength(), 1000);
     EXPECT_FALSE(overlong->nextChunk());
+}
+
+TEST(ChunkFileWriter, BuildsNestedChunksThatReadBackChunkForChunk)
+{
+    const Bytes expected = exampleBytes();
+    for (const Bytes& bytes : editedInMemoryAndOnDisk({}, buildExample))
+        EXPECT_EQ(bytes, expected);
+
+    // Reopened, the file reads back and takes further chunks the same way.
+    auto [stream, file] = openInMemory(expected);
+    EXPECT_EQ(dump(file.get()), "vers(1.0) STMP[data(hello!!) more(xyz) big_(" + std::string(kBig.begin(), kBig.end()) +
+                                    ") sub_[leaf(L) leaf(M)]] cmnt(hi)");
+    CChunkFileWriter::appendChunk(file.get(), makeChunkId("apid"), "app", 3);
+    file.reset();
+    EXPECT_EQ(stream->getBytes(), container(slice(expected, 16, expected.size()) + chunk("apid", text("app"))));
+    EXPECT_THROW(CChunkFileWriter::createFile(stream.get()), std::exception); // not empty
+}
+
+TEST(KoreFileStream, WalkingAFileReadsItInBufferSizedPieces)
+{
+    Bytes area;
+    const Bytes blob = chunk("blob", patternBytes(100));
+    for (int i = 0; i < 2000; ++i)
+        area.insert(area.end(), blob.begin(), blob.end());
+    CDiskFile disk(container(area)); // 224,016 bytes: four disk buffers
+    kore::P<kore::IStream> opened = IStreamManager::instance()->openURI(*disk.uri(), IStreamManager::kRead);
+    const auto* counted = dynamic_cast<const kore::CDiskStream*>(opened.get());
+    ASSERT_NE(counted, nullptr);
+    Ref<CChunkFile> file(CChunkFile::open(Ref<CKoreFileStream>(new CKoreFileStream(opened)).get()));
+    int chunks = 0;
+    for (; file->nextChunk(); ++chunks)
+        EXPECT_EQ(current(file.get()), patternBytes(100));
+    EXPECT_EQ(chunks, 2000);
+    // Seeking from chunk to chunk keeps what the buffer holds.
+    EXPECT_EQ(counted->getSystemReadCount(), 4u);
+}
+
+TEST(KoreFileStream, ReadOnlyFilesRefuseWritesAndWriteOnlyFilesReadNothingSilently)
+{
+    CDiskFile disk(text("URESFILE"));
+    {
+        Ref<CKoreFileStream> in = disk.open(IStreamManager::kRead);
+        in->setPosition(4); // a stream that reads can seek
+        EXPECT_TRUE(raisesPlainException([&] { in->write("x", 1); }));
+        EXPECT_TRUE(raisesPlainException([&] {
+            in->setPosition(2);
+            in->insertSpace(1);
+        }));
+        EXPECT_TRUE(raisesPlainException([&] { in->truncate(4); }));
+    }
+    EXPECT_EQ(disk.bytes(), text("URESFILE"));
+    {
+        Ref<CKoreFileStream> out = disk.open(IStreamManager::kWrite);
+        out->write("abc", 3);
+        out->setPosition(0);
+        char buffer[3] = {'?', '?', '?'};
+        EXPECT_EQ(out->read(buffer, 3), 0);
+        EXPECT_EQ(out->read(buffer, -1), 0);
+        EXPECT_EQ(std::string(buffer, 3), "???");
+        EXPECT_EQ(out->getPosition(), 0);
+    }
+    EXPECT_EQ(disk.bytes(), text("abc"));
+}
+
+// A framework stream that reads and writes but denies every seekable interface.
+class CUnseekableStream : public kore::CMemoryStream {
+public:
+    using CMemoryStream::CMemoryStream;
+    bool castQuery(const std::type_info& target, const kore::IBase*& redirect,
+                   const kore::CCastCandidate*& candidates) const override
+    {
+        if (target == typeid(kore::ISeekable) || target == typeid(kore::ISeekableInStream) ||
+            target == typeid(kore::ISeekableIOStream) || target == typeid(kore::ISeekableOutStream))
+            return false;
+        return CMemoryStream::castQuery(target, redirect, candidates);
+    }
+};
+
+TEST(KoreFileStream, StreamThatCannotSeekRefusesSeeksButReadsAndWrites)
+{
+    Ref<CKoreFileStream> stream(new CKoreFileStream(kore::make<CUnseekableStream>("abcdef", 6)));
+    EXPECT_TRUE(raisesPlainException([&] { stream->setPosition(0); }));
+    char buffer[3] = {};
+    stream->read(buffer, 3);
+    EXPECT_EQ(std::string(buffer, 3), "abc");
+    stream->write("XY", 2);
+    EXPECT_EQ(stream->getPosition(), 5);
+    EXPECT_TRUE(raisesPlainException([&] { stream->insertSpace(1); }));
+}
+
+TEST(KoreFileStream, ExtendWritesZerosKeepsThePositionAndRefusesMoreThan4GiBMinusOne)
+{
+    CDiskFile disk(text("abc"));
+    {
+        Ref<CKoreFileStream> stream = disk.open(IStreamManager::kReadWrite);
+        stream->setPosition(1);
+        EXPECT_TRUE(raisesPlainException([&] { stream->extend(3 + 0x100000000LL); }));
+        EXPECT_TRUE(raisesPlainException([&] { stream->extend(2); })); // cannot shrink
+        EXPECT_EQ(stream->getLength(), 3);
+        stream->extend(8);
+        EXPECT_EQ(stream->getLength(), 8);
+        EXPECT_EQ(stream->getPosition(), 1);
+    }
+    EXPECT_EQ(disk.bytes(), text("abc") + Bytes(5, 0));
+}
+
+TEST(BaseStream, InsertSpaceMovesOnlyTheLastBlockOfTheTail)
+{
+    // The second tail is shorter than the disk stream's buffer and moves through that buffer.
+    for (const auto& [size, at] : {std::pair<int64_t, int64_t>{200000, 0}, {10000, 9000}}) {
+        const Bytes original = patternBytes(size_t(size));
+        const auto moved = size_t(std::max(size - 65536, at));
+        const auto edit = [at = at](chf::CBaseStream* stream) {
+            stream->setPosition(at);
+            stream->insertSpace(100);
+        };
+        // Nothing before the moved block changed, the 100 bytes it left behind included.
+        for (const Bytes& bytes : editedInMemoryAndOnDisk(original, edit))
+            EXPECT_EQ(bytes, slice(original, 0, moved + 100) + slice(original, moved, size_t(size))) << size;
+    }
+}
+
+TEST(BaseStream, RemoveSpaceMovesTheWholeTailThenCutsTheFullCountOffTheEnd)
+{
+    Bytes expected = patternBytes(150000); // the tail moves in three pieces
+    Ref<CTestStream> stream(new CTestStream(expected));
+    stream->setPosition(5);
+    stream->removeSpace(10);
+    expected.erase(expected.begin() + 5, expected.begin() + 15);
+    EXPECT_EQ(stream->getBytes(), expected);
+
+    // Only 2 bytes follow the position, yet 5 go.
+    stream->setPosition(stream->getLength() - 2);
+    stream->removeSpace(5);
+    EXPECT_EQ(stream->getBytes(), slice(expected, 0, expected.size() - 5));
+
+    // Nor does anything follow a position at the 64-bit limit (a chunk claimed a size up there).
+    stream->setPosition(std::numeric_limits<int64_t>::max() - 1);
+    stream->removeSpace(5);
+    EXPECT_EQ(stream->getBytes(), slice(expected, 0, expected.size() - 10));
+}
+
+TEST(BaseStream, RemoveSpaceOnAStreamThatCannotBeShortenedMovesTheDataThenRaises)
+{
+    // Files are never shortened: the old last 10 bytes stay behind the moved tail.
+    const Bytes original = patternBytes(150000);
+    const auto edit = [](chf::CBaseStream* stream) {
+        if (auto* memory = dynamic_cast<CTestStream*>(stream))
+            memory->failTruncate = true;
+        stream->setPosition(5);
+        EXPECT_TRUE(raisesPlainException([&] { stream->removeSpace(10); }));
+    };
+    for (const Bytes& bytes : editedInMemoryAndOnDisk(original, edit))
+        EXPECT_EQ(bytes, slice(original, 0, 5) + slice(original, 15, 150000) + slice(original, 149990, 150000));
+}
+
+// A chunk whose data lies at 10..15 of a 30-byte file; its size field is at 2..9.
+struct ChunkStreamTest : ::testing::Test {
+    Bytes original = patternBytes(30);
+    Ref<CTestStream> file{new CTestStream(original)};
+    CRecordingHolder holder;
+    CChunkStream* stream = new CChunkStream(&holder, file.get(), 10, 6);
+};
+
+TEST_F(ChunkStreamTest, WritePastTheEndGrowsByTheOverhangTellsTheHolderAndWritesTheSizeBack)
+{
+    stream->setPosition(6);
+    stream->write("", 0);
+    EXPECT_TRUE(holder.notices.empty());
+    EXPECT_EQ(file->getBytes(), original);
+
+    const Bytes payload{0xA1, 0xA2, 0xA3, 0xA4, 0xA5};
+    stream->setPosition(4);
+    stream->write(payload.data(), 5);
+    ASSERT_EQ(holder.notices.size(), 1u);
+    const auto notice = holder.notices[0];
+    EXPECT_TRUE(notice.inserted && notice.origin == stream && notice.at == 16 && notice.count == 3);
+    EXPECT_EQ(stream->getLength(), 9);
+    EXPECT_EQ(file->getBytes(), slice(original, 0, 14) + payload + slice(original, 16, 30));
+
+    // Plain chunk streams grow by writing only: their own insertions stay untold.
+    stream->insertSpace(2);
+    EXPECT_EQ(holder.notices.size(), 1u);
+    EXPECT_EQ(stream->getLength(), 11);
+
+    CChunkStream* const released = stream;
+    stream->release();
+    EXPECT_EQ(slice(file->getBytes(), 2, 10), u64(11));
+    EXPECT_EQ(holder.refs, 1u);
+    EXPECT_EQ(holder.detached, std::vector<CChunkStream*>{released});
+}
+
+TEST_F(ChunkStreamTest, ReadRunsPastTheChunkButThePositionStopsAtItsEnd)
+{
+    Bytes buffer(10);
+    stream->setPosition(2);
+    EXPECT_EQ(stream->read(buffer.data(), 10), 6); // the result is the length, not a count
+    EXPECT_EQ(buffer, slice(original, 12, 22));
+    EXPECT_EQ(stream->getPosition(), 6);
+    stream->release();
+    EXPECT_EQ(file->bytesWritten, 0);
+}
+
+TEST_F(ChunkStreamTest, FailingWriteBackReachesTheCallerAndStillDropsEveryReference)
+{
+    stream->setPosition(6);
+    stream->write("xy", 2);
+    file->failWrite = true;
+    EXPECT_THROW(stream->release(), std::exception);
+    EXPECT_EQ(holder.refs, 1u);
+    EXPECT_EQ(holder.detached.size(), 1u);
+    EXPECT_EQ(file->addRef(), 2u);
+    file->release();
 }
 
 } // namespace

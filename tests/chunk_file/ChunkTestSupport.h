@@ -12,8 +12,13 @@
 #include "chunk_file/TChunkRef.h"
 #include "framework/io/IStreamManager.h"
 
+#include <gtest/gtest.h>
+
+#include <algorithm>
 #include <cstdint>
+#include <cstring>
 #include <exception>
+#include <limits>
 #include <string>
 #include <typeinfo>
 #include <vector>
@@ -25,7 +30,9 @@ using chf::CChunkFile;
 using chf::CChunkFileWriter;
 using chf::CChunkIterator;
 using chf::CChunkStream;
+using chf::CKoreFileStream;
 using chf::makeChunkId;
+using kore::IStreamManager;
 
 using Bytes = std::vector<uint8_t>;
 template <class T>
@@ -85,6 +92,21 @@ inline Bytes readAll(chf::IStream* stream)
     return bytes;
 }
 
+// A stream on the sequence's current chunk, or on the first chunk of that id; its data.
+inline Ref<chf::CChunkStream> openStream(chf::CChunkIterator* sequence)
+{
+    return Ref<chf::CChunkStream>(sequence->openChunkStream());
+}
+inline Ref<chf::CChunkStream> openStream(chf::CChunkIterator* sequence, const char (&id)[5])
+{
+    EXPECT_TRUE(sequence->findFirstChunk(chf::makeChunkId(id))) << id;
+    return openStream(sequence);
+}
+inline Bytes current(chf::CChunkIterator* sequence)
+{
+    return readAll(openStream(sequence).get());
+}
+
 // "id(data)" per chunk, "id[...]" for "STMP" and "sub_", which are walked as nested sequences.
 inline std::string dump(chf::CChunkIterator* sequence)
 {
@@ -98,7 +120,7 @@ inline std::string dump(chf::CChunkIterator* sequence)
         if (id == chf::makeChunkId("STMP") || id == chf::makeChunkId("sub_")) {
             out += "[" + dump(Ref<chf::CChunkIterator>(sequence->openChunkIterator()).get()) + "]";
         } else {
-            const Bytes data = readAll(Ref<chf::CChunkStream>(sequence->openChunkStream()).get());
+            const Bytes data = current(sequence);
             out += "(" + std::string(data.begin(), data.end()) + ")";
         }
     }
@@ -156,6 +178,52 @@ struct CRecordingHolder : chf::IChunkHolder {
     void onSpaceInserted(chf::CChunkStream* o, int64_t at, int64_t n) override { notices.push_back({true, o, at, n}); }
     void onSpaceRemoved(chf::CChunkStream* o, int64_t at, int64_t n) override { notices.push_back({false, o, at, n}); }
 };
+
+// A container in memory, opened; the stream counts what is written.
+struct COpened {
+    Ref<CTestStream> stream;
+    Ref<CChunkFile> file;
+};
+inline COpened openInMemory(const Bytes& bytes, int64_t at = 0)
+{
+    Ref<CTestStream> stream(new CTestStream(bytes));
+    stream->setPosition(at);
+    Ref<CChunkFile> file(CChunkFile::open(stream.get()));
+    return {std::move(stream), std::move(file)};
+}
+
+// A container written chunk by chunk, one chunk appended behind a sequence that keeps growing,
+// one larger than the disk stream's buffers (the container reads back its header and sizes as it
+// writes: a file is opened read-write); the bytes it must end with.
+inline const Bytes kBig = patternBytes(100000);
+inline void buildExample(chf::IStream* stream)
+{
+    Ref<CChunkFile> file(CChunkFileWriter::createFile(stream));
+    CChunkFileWriter::appendChunk(file.get(), makeChunkId("vers"), "1.0", 3);
+    Ref<CChunkIterator> stmp(CChunkFileWriter::appendChunkIterator(file.get(), makeChunkId("STMP")));
+    CChunkFileWriter::appendChunk(file.get(), makeChunkId("cmnt"), "hi", 2);
+    Ref<CChunkStream> data(CChunkFileWriter::appendChunk(stmp.get(), makeChunkId("data")));
+    data->write("hel", 3);
+    data->write("lo", 2);
+    CChunkFileWriter::appendChunk(stmp.get(), makeChunkId("more"), "xyz", 3);
+    data->write("!!", 2);
+    CChunkFileWriter::appendChunk(stmp.get(), makeChunkId("big_"), kBig.data(), static_cast<int32_t>(kBig.size()));
+    Ref<CChunkIterator> sub(CChunkFileWriter::appendChunkIterator(stmp.get(), makeChunkId("sub_")));
+    CChunkFileWriter::appendChunk(sub.get(), makeChunkId("leaf"), "L", 1);
+    CChunkFileWriter::appendChunk(sub.get(), makeChunkId("leaf"), "M", 1);
+    // Let go explicitly: a failed size write-back reaches the caller only this way.
+    sub.reset();
+    data.reset();
+    stmp.reset();
+    file.reset();
+}
+inline Bytes exampleBytes()
+{
+    return container(chunk("vers", text("1.0")) +
+                     chunk("STMP", chunk("data", text("hello!!")) + chunk("more", text("xyz")) + chunk("big_", kBig) +
+                                       chunk("sub_", chunk("leaf", text("L")) + chunk("leaf", text("M")))) +
+                     chunk("cmnt", text("hi")));
+}
 
 // One file in a temporary folder whose path is not ASCII, opened through the file-stream adapter.
 class CDiskFile {

@@ -1,8 +1,5 @@
 #include "ChunkTestSupport.h"
 
-#include <gtest/gtest.h>
-#include <limits>
-
 using namespace chf_test;
 
 namespace {
@@ -17,14 +14,12 @@ TEST(SpacePropagation, ChildGrownWhileOpenIsSkippedAndEveryEnclosingSizeFollows)
     };
     const auto grow = [](chf::IStream* stream) {
         Ref<CChunkFile> file(CChunkFile::open(stream));
-        ASSERT_TRUE(file->findChunk(makeChunkId("cmnt")));
-        Ref<CChunkStream> comment(file->openChunkStream()); // lies behind the growth
+        Ref<CChunkStream> comment = openStream(file.get(), "cmnt"); // lies behind the growth
         ASSERT_TRUE(file->findFirstChunk(makeChunkId("STMP")));
         Ref<CChunkIterator> stmp(file->openChunkIterator());
         ASSERT_TRUE(stmp->findChunk(makeChunkId("sub_")));
         Ref<CChunkIterator> sub(stmp->openChunkIterator());
-        ASSERT_TRUE(sub->findChunk(makeChunkId("leaf")));
-        Ref<CChunkStream> leaf(sub->openChunkStream());
+        Ref<CChunkStream> leaf = openStream(sub.get(), "leaf");
         leaf->setPosition(5);
         leaf->write("0123456789", 10);
 
@@ -33,15 +28,13 @@ TEST(SpacePropagation, ChildGrownWhileOpenIsSkippedAndEveryEnclosingSizeFollows)
             CChunkIterator* holder;
             uint32_t next;
             Bytes data;
-        } steps[] = {
-            {sub.get(), makeChunkId("next"), text("n")},
-            {stmp.get(), makeChunkId("more"), text("xyz")},
-            {file.get(), makeChunkId("cmnt"), text("hi")},
-        };
+        } steps[] = {{sub.get(), makeChunkId("next"), text("n")},
+                     {stmp.get(), makeChunkId("more"), text("xyz")},
+                     {file.get(), makeChunkId("cmnt"), text("hi")}};
         for (const auto& step : steps) {
             ASSERT_TRUE(step.holder->nextChunk());
             EXPECT_EQ(step.holder->getChunkId(), step.next);
-            EXPECT_EQ(readAll(Ref<CChunkStream>(step.holder->openChunkStream()).get()), step.data);
+            EXPECT_EQ(current(step.holder), step.data);
         }
         EXPECT_EQ(readAll(comment.get()), text("hi"));
         // Read again from the file, a grown chunk's old size gives way to its open stream's length.
@@ -57,14 +50,12 @@ TEST(SpacePropagation, ChildGrownWhileOpenIsSkippedAndEveryEnclosingSizeFollows)
 TEST(SpacePropagation, EarlierSiblingMovesAnIteratorAndItsRememberedChunkTwice)
 {
     const Bytes original = container(chunk("A___", text("aaaa")) + chunk("B___", chunk("x___", text("xx"))));
-    Ref<CTestStream> stream(new CTestStream(original));
-    Ref<CChunkFile> file(CChunkFile::open(stream.get()));
+    auto [stream, file] = openInMemory(original);
     ASSERT_TRUE(file->nextChunk());
     Ref<CChunkIterator> first(file->openChunkIterator());
     ASSERT_TRUE(file->nextChunk());
     Ref<CChunkIterator> second(file->openChunkIterator());
-    ASSERT_TRUE(second->nextChunk());
-    Ref<CChunkStream> x(second->openChunkStream()); // at 56, its iterator at 44
+    Ref<CChunkStream> x = openStream(second.get(), "x___"); // at 56, its iterator at 44
 
     // An iterator passes its own insertion up; the holder hands it down to the other children.
     first->setPosition(0);
@@ -75,18 +66,15 @@ TEST(SpacePropagation, EarlierSiblingMovesAnIteratorAndItsRememberedChunkTwice)
     EXPECT_EQ(x->getBase(), 61);
     EXPECT_EQ(readAll(x.get()), text("xx"));
     // The remembered chunk moved with the base and then once more.
-    EXPECT_EQ(Ref<CChunkStream>(second->openChunkStream())->getBase(), 49 + 5 + 12);
+    EXPECT_EQ(openStream(second.get())->getBase(), 49 + 5 + 12);
 }
 
 TEST(SpacePropagation, RemovingTheCurrentChunkDropsItAndItsDeletedStreamWritesNothing)
 {
-    Ref<CTestStream> stream(new CTestStream(
-        container(chunk("A___", text("aa")) + chunk("B___", text("bbbb")) + chunk("C___", text("cc")))));
-    Ref<CChunkFile> file(CChunkFile::open(stream.get()));
-    ASSERT_TRUE(file->findChunk(makeChunkId("C___")));
-    Ref<CChunkStream> c(file->openChunkStream());
-    ASSERT_TRUE(file->findFirstChunk(makeChunkId("B___")));
-    Ref<CChunkStream> b(file->openChunkStream());
+    auto [stream, file] =
+        openInMemory(container(chunk("A___", text("aa")) + chunk("B___", text("bbbb")) + chunk("C___", text("cc"))));
+    Ref<CChunkStream> c = openStream(file.get(), "C___");
+    Ref<CChunkStream> b = openStream(file.get(), "B___");
     b->setPosition(4);
     b->write("ZZ", 2);
 
@@ -131,7 +119,7 @@ TEST(SpacePropagation, InsertionAtAChunkHeaderMovesItAndGrowsTheChunkBeforeUnles
         sequence->insertSpace(3);
         EXPECT_EQ(a->getLength(), skipAdjacent ? 4 : 7);
         EXPECT_EQ(b->getBase(), 39);
-        EXPECT_EQ(Ref<CChunkStream>(sequence->openChunkStream())->getBase(), 39);
+        EXPECT_EQ(openStream(sequence.get())->getBase(), 39);
         EXPECT_EQ(readAll(b.get()), text("bb"));
     }
 }
@@ -144,17 +132,15 @@ TEST(SpacePropagation, RemovalNoticesMoveShrinkOrDeleteAStreamThatWritesBackWhat
         const char* name;
         int64_t at, count, base, length;
         bool deleted;
-    } rows[] = {
-        {"inside", 25, 3, 20, 7, false},
-        {"at the start", 20, 3, 20, 7, false},
-        {"at the end", 30, 2, 20, 8, false},
-        {"behind", 31, 2, 20, 10, false},
-        {"wholly before", 15, 3, 17, 10, false},
-        // Starting before and ending inside: the base moves by the whole count, the length stays.
-        {"partly overlapping", 15, 10, 10, 10, false},
-        {"up to the end", 15, 15, 0, 0, true},
-        {"beyond the end", 15, 20, 0, 0, true},
-    };
+    } rows[] = {{"inside", 25, 3, 20, 7, false},
+                {"at the start", 20, 3, 20, 7, false},
+                {"at the end", 30, 2, 20, 8, false},
+                {"behind", 31, 2, 20, 10, false},
+                {"wholly before", 15, 3, 17, 10, false},
+                // Starting before and ending inside: the base moves by the whole count, the length stays.
+                {"partly overlapping", 15, 10, 10, 10, false},
+                {"up to the end", 15, 15, 0, 0, true},
+                {"beyond the end", 15, 20, 0, 0, true}};
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
         Ref<CTestStream> file(new CTestStream(patternBytes(40)));
@@ -186,15 +172,12 @@ TEST(SpacePropagation, RemovalInANestedChunkShrinksItAndEveryEnclosingSize)
         return chunk("A___", text("aa")) + chunk("sub_", chunk("x___", x) + chunk("y___", text("yy"))) +
                chunk("C___", text("cc"));
     };
-    Ref<CTestStream> stream(new CTestStream(container(area(text("123456")))));
-    Ref<CChunkFile> file(CChunkFile::open(stream.get()));
-    ASSERT_TRUE(file->findChunk(makeChunkId("C___")));
-    Ref<CChunkStream> c(file->openChunkStream());
+    auto [stream, file] = openInMemory(container(area(text("123456"))));
+    Ref<CChunkStream> c = openStream(file.get(), "C___");
     ASSERT_TRUE(file->findFirstChunk(makeChunkId("sub_")));
     const int64_t subSize = file->getChunkSize();
     Ref<CChunkIterator> sequence(file->openChunkIterator());
-    ASSERT_TRUE(sequence->nextChunk());
-    Ref<CChunkStream> x(sequence->openChunkStream());
+    Ref<CChunkStream> x = openStream(sequence.get(), "x___");
     sequence->setPosition(12 + 2);
     sequence->removeSpace(3);
     EXPECT_EQ(x->getLength(), 3);
@@ -219,15 +202,13 @@ TEST(SpacePropagation, OffsetsNearTheLimitStopThereInsteadOfWrapping)
 {
     constexpr int64_t kMax = std::numeric_limits<int64_t>::max();
     const Bytes original = container(chunk("A___", text("aaaa")) + chunk("B___", uint64_t(kMax - 56), text("bb")));
-    Ref<CTestStream> stream(new CTestStream(original));
-    Ref<CChunkFile> file(CChunkFile::open(stream.get()));
+    auto [stream, file] = openInMemory(original);
     ASSERT_TRUE(file->nextChunk());
     Ref<CChunkIterator> first(file->openChunkIterator());
-    ASSERT_TRUE(file->nextChunk());
-    Ref<CChunkStream> huge(file->openChunkStream());
+    Ref<CChunkStream> huge = openStream(file.get(), "B___");
     ASSERT_EQ(huge->getLength(), kMax - 56);
     ASSERT_FALSE(file->nextChunk());
-    Ref<CChunkStream> behind(file->openChunkStream());
+    Ref<CChunkStream> behind = openStream(file.get());
     ASSERT_EQ(behind->getBase(), kMax);
 
     first->setPosition(0);

@@ -24,6 +24,8 @@ constexpr size_t kMaxDepth = 6;
 constexpr size_t kMaxStreams = 4;
 constexpr uint32_t kIds[] = {chf::makeChunkId("STMP"), chf::makeChunkId("data"), chf::makeChunkId("lang"),
                              chf::makeChunkId("sub_")};
+// What writes and appended chunks hold: a chunk header with a little data.
+constexpr uint8_t kBytes[16] = {'d', 'a', 't', 'a', 1, 0, 0, 0, 0, 0, 0, 0, 'x', 'y', 'z', 0};
 
 // A memory stream that refuses to grow beyond a few megabytes, like a full disk. A walk that ended on
 // a chunk claiming terabytes leaves its sequence far behind the end of the stream, and a write there
@@ -75,16 +77,23 @@ void walkAll(std::vector<uint8_t> bytes)
     }
 }
 
-// Lets go of the newest first; a failure (a size written back) ends only that one.
+// Takes one out of the list before letting go of it: a failure (a size written back) ends only that one.
+template <class T>
+void close(std::vector<chf::TChunkRef<T>>& refs, size_t at)
+{
+    chf::TChunkRef<T> closing(std::move(refs[at]));
+    refs.erase(refs.begin() + static_cast<long>(at));
+    closing.reset();
+}
+// Lets go of the newest first.
 template <class T>
 void releaseAll(std::vector<chf::TChunkRef<T>>& refs)
 {
     while (!refs.empty()) {
         try {
-            refs.back().reset();
+            close(refs, refs.size() - 1);
         } catch (const std::exception&) {
         }
-        refs.pop_back();
     }
 }
 
@@ -134,22 +143,16 @@ void fuzzChunkFile(const uint8_t* data, size_t size)
                     sequences.emplace_back(top->openChunkIterator());
                 break;
             case 3:
-                if (sequences.size() > 1) {
-                    chf::TChunkRef<chf::CChunkIterator> last(std::move(sequences.back()));
-                    sequences.pop_back();
-                    last.reset();
-                }
+                if (sequences.size() > 1)
+                    close(sequences, sequences.size() - 1);
                 break;
             case 4:
                 if (streams.size() < kMaxStreams)
                     streams.emplace_back(top->openChunkStream());
                 break;
             case 5:
-                if (!streams.empty()) {
-                    chf::TChunkRef<chf::CChunkStream> closing(std::move(streams[arg % streams.size()]));
-                    streams.erase(streams.begin() + static_cast<long>(arg % streams.size()));
-                    closing.reset();
-                }
+                if (!streams.empty())
+                    close(streams, arg % streams.size());
                 break;
             case 6: {
                 uint8_t buffer[256];
@@ -157,12 +160,10 @@ void fuzzChunkFile(const uint8_t* data, size_t size)
                 target->read(buffer, (arg >> 8) % sizeof buffer);
                 break;
             }
-            case 7: {
-                const uint8_t bytes[16] = {'d', 'a', 't', 'a', 1, 0, 0, 0, 0, 0, 0, 0, 'x', 'y', 'z', 0};
+            case 7:
                 target->setPosition(positionIn(target, arg));
-                target->write(bytes, 1 + (arg >> 8) % 16);
+                target->write(kBytes, 1 + (arg >> 8) % 16);
                 break;
-            }
             case 8:
                 target->setPosition(positionIn(target, arg));
                 target->insertSpace((arg >> 8) % 64);
@@ -172,11 +173,7 @@ void fuzzChunkFile(const uint8_t* data, size_t size)
                 target->removeSpace((arg >> 8) % 64);
                 break;
             case 10: top->findChunk(kIds[arg % 4]); break;
-            case 11: {
-                const uint8_t bytes[12] = {'h', 'e', 'l', 'l', 'o', ' ', 'c', 'h', 'u', 'n', 'k', 's'};
-                chf::CChunkFileWriter::appendChunk(top, kIds[arg % 4], bytes, (arg >> 8) % 13);
-                break;
-            }
+            case 11: chf::CChunkFileWriter::appendChunk(top, kIds[arg % 4], kBytes, (arg >> 8) % 17); break;
             }
         } catch (const std::exception&) {
         }

@@ -34,29 +34,24 @@ size_t consume(QOR_LANG2_CHAR* text)
 
 const std::u16string kAppId = u"fz";
 
-class CFuzzFolder {
-public:
+// One temporary folder per process, registered under "fz".
+struct CFuzzFolder {
+    std::filesystem::path path;
+    bool registered = false;
+
     CFuzzFolder()
     {
         std::random_device random;
-        const std::filesystem::path base = std::filesystem::temp_directory_path();
         do
-            m_path = base / ("qor_fuzz_" + std::to_string(random()));
-        while (!std::filesystem::create_directory(m_path));
-        m_registered = QOR_LANG2_add(w(m_path.u16string()), nullptr, w(kAppId)) == 0;
+            path = std::filesystem::temp_directory_path() / ("qor_fuzz_" + std::to_string(random()));
+        while (!std::filesystem::create_directory(path));
+        registered = QOR_LANG2_add(w(path.u16string()), nullptr, w(kAppId)) == 0;
     }
     ~CFuzzFolder()
     {
         std::error_code ignored;
-        std::filesystem::remove_all(m_path, ignored);
+        std::filesystem::remove_all(path, ignored);
     }
-
-    std::filesystem::path file() const { return m_path / "fz-de-DE.qorlang"; }
-    bool registered() const { return m_registered; }
-
-private:
-    std::filesystem::path m_path;
-    bool m_registered = false;
 };
 
 } // namespace
@@ -64,14 +59,10 @@ private:
 void fuzzLanguageFile(const uint8_t* data, size_t size)
 {
     static CFuzzFolder folder;
-    if (!folder.registered())
-        __builtin_trap();
-    {
-        std::ofstream out(folder.file(), std::ios::binary | std::ios::trunc);
-        out.write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
-    }
-    if (QOR_LANG2_reload() != 0)
-        __builtin_trap();
+    check(folder.registered);
+    std::ofstream(folder.path / "fz-de-DE.qorlang", std::ios::binary | std::ios::trunc)
+        .write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
+    check(QOR_LANG2_reload() == 0);
 
     const int32_t count = QOR_LANG2_getLanguageCount(w(kAppId));
     for (int32_t i = -1; i <= count; ++i) {
@@ -87,8 +78,7 @@ void fuzzLanguageFile(const uint8_t* data, size_t size)
         QOR_LANG2_freeQorLangFile(file);
     }
 
-    if (QOR_LANG2_setCurrentLanguage(w(u"de-DE")) != 0)
-        __builtin_trap();
+    check(QOR_LANG2_setCurrentLanguage(w(u"de-DE")) == 0);
     consume(QOR_LANG2_getCurrentLanguage());
 
     std::u16string tailKey;

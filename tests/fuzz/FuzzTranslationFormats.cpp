@@ -14,22 +14,11 @@ namespace {
 using qorlang::Catalogue;
 using qorlang::Format;
 
-Catalogue read(Format format, const std::string& bytes)
-{
-    switch (format) {
-    case Format::Po: return qorlang::readPo("fuzz.po", bytes);
-    case Format::Json: return qorlang::readJson("fuzz.json", bytes);
-    case Format::Xliff: return qorlang::readXliff("fuzz.xlf", bytes);
-    case Format::Ts: return qorlang::readTs("fuzz.ts", bytes);
-    default: __builtin_trap();
-    }
-}
-
 void fuzzFormat(Format format, const uint8_t* data, size_t size)
 {
     Catalogue catalogue;
     try {
-        catalogue = read(format, std::string(reinterpret_cast<const char*>(data), size));
+        catalogue = qorlang::readCatalogueBytes("fuzz", std::string(reinterpret_cast<const char*>(data), size), format);
     } catch (const std::exception&) {
         return;
     }
@@ -42,7 +31,7 @@ void fuzzFormat(Format format, const uint8_t* data, size_t size)
     }
     if (!written.empty()) {
         try {
-            read(format, written);
+            qorlang::readCatalogueBytes("fuzz", written, format);
         } catch (const std::exception&) {
             __builtin_trap();
         }

@@ -1,9 +1,10 @@
 #pragma once
-// What the format tests share: the descriptive data every writer must carry, set once and
-// compared once; entries as comparable pairs; the message of a refused input.
+// What the qorlang tests share: a catalogue's entries as comparable lines, the descriptive data
+// every writer must carry (set once, compared once), and the message of a refused input.
 
 #include "Catalogue.h"
 #include "Formats.h"
+#include "Unicode.h"
 
 #include "framework/errors/CException.h"
 #include "framework/text/IString.h"
@@ -14,22 +15,30 @@
 
 namespace qorlang_test {
 
-using Pairs = std::vector<std::pair<std::u16string, std::u16string>>;
+using Lines = std::vector<std::string>;
 
-// Key and text of every entry in file order, the text marked "(fuzzy) " or replaced by
-// "(obsolete)" where the entry is one.
-inline Pairs pairsOf(const qorlang::Catalogue& c)
+// One UTF-8 line per entry in file order: "key = text", the text marked "(obsolete) " and "(fuzzy) ",
+// then a plural entry's forms and plural source, " [f0|f1] / source"; U+0004 (context) shows as "␄".
+inline Lines linesOf(const qorlang::Catalogue& c, bool sort = false)
 {
-    Pairs out;
-    for (const qorlang::Entry& e : c.entries)
-        out.emplace_back(e.key, e.obsolete ? u"(obsolete)" : e.fuzzy ? u"(fuzzy) " + e.text : e.text);
+    Lines out;
+    for (const qorlang::Entry& e : c.entries) {
+        std::string key = qorlang::encodeUtf8(e.key);
+        for (size_t at; (at = key.find('\x04')) != std::string::npos;)
+            key.replace(at, 1, "␄");
+        std::string line =
+            key + " = " + (e.obsolete ? "(obsolete) " : "") + (e.fuzzy ? "(fuzzy) " : "") + qorlang::encodeUtf8(e.text);
+        if (e.plural || !e.forms.empty()) {
+            line += e.plural ? " [" : " (not plural) [";
+            for (size_t i = 0; i < e.forms.size(); ++i)
+                line += (i ? "|" : "") + qorlang::encodeUtf8(e.forms[i]);
+            line += "] / " + qorlang::encodeUtf8(e.pluralSource);
+        }
+        out.push_back(line);
+    }
+    if (sort)
+        std::sort(out.begin(), out.end());
     return out;
-}
-
-inline Pairs sorted(Pairs pairs)
-{
-    std::sort(pairs.begin(), pairs.end());
-    return pairs;
 }
 
 // The description of the framework exception `read` throws, "(no error)" when it throws none.
@@ -59,8 +68,7 @@ inline qorlang::Catalogue describedCatalogue(const std::string& path)
     return c;
 }
 
-// The writers spell the tag their own way ("de_DE" in PO and TS); the tag is compared as the
-// library reads it.
+// The writers spell the tag their own way ("de_DE" in PO and TS); it is compared as the library reads it.
 inline void expectSameDescription(const qorlang::Catalogue& back, const qorlang::Catalogue& c)
 {
     EXPECT_EQ(back.author, c.author);

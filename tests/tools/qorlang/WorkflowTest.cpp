@@ -18,32 +18,10 @@ Catalogue withEntries(std::vector<Entry> entries)
     return c;
 }
 
-Entry obsolete(std::u16string key, std::u16string text)
-{
-    Entry e{std::move(key), std::move(text)};
-    e.obsolete = true;
-    return e;
-}
-
 Entry plural(std::u16string key, std::u16string pluralSource, std::vector<std::u16string> forms)
 {
     return Entry{std::move(key),          forms.front(),   0, false, false, true, false,
                  std::move(pluralSource), std::move(forms)};
-}
-
-// "key: (fuzzy) form|form <plural source>" per entry; plain "key: text" for singular ones.
-std::vector<std::u16string> formsOf(const Catalogue& c)
-{
-    std::vector<std::u16string> out;
-    for (const Entry& e : c.entries) {
-        std::u16string line = e.key + u": " + (e.obsolete ? u"(obsolete) " : e.fuzzy ? u"(fuzzy) " : u"");
-        if (e.forms.empty())
-            line += e.text;
-        for (size_t i = 0; i < e.forms.size(); ++i)
-            line += (i ? u"|" : u"") + e.forms[i];
-        out.push_back(e.forms.empty() ? line : line + u" <" + e.pluralSource + u">");
-    }
-    return out;
 }
 
 } // namespace
@@ -66,14 +44,13 @@ TEST(Workflow, PluralFormsThroughMergeAndInit)
     translation.entries.back().obsolete = true;
     translation.language = u"ru_RU";
     const Catalogue merged = mergeCatalogue(translation, templ);
-    EXPECT_EQ(formsOf(merged),
-              (std::vector<std::u16string>{u"%d file: a|b|c <%d files>", u"%d dir: (fuzzy) d|e|f <%d dirs found>",
-                                           u"%d item: (fuzzy) x|| <%d items>", u"%d page: (fuzzy) p",
-                                           u"%d new: || <%d new ones>", u"%d photo: (fuzzy) g|h|i <%d photos>"}));
-    EXPECT_EQ(formsOf(mergeCatalogue(merged, templ)), formsOf(merged));
+    EXPECT_EQ(linesOf(merged), (Lines{"%d file = a [a|b|c] / %d files", "%d dir = (fuzzy) d [d|e|f] / %d dirs found",
+                                      "%d item = (fuzzy) x [x||] / %d items", "%d page = (fuzzy) p",
+                                      "%d new =  [||] / %d new ones", "%d photo = (fuzzy) g [g|h|i] / %d photos"}));
+    EXPECT_EQ(linesOf(mergeCatalogue(merged, templ)), linesOf(merged));
     // A rule of the translation's own wins over its language's.
     translation.pluralForms = u"nplurals=2; plural=(n != 1);";
-    EXPECT_EQ(formsOf(mergeCatalogue(translation, templ))[4], u"%d new: | <%d new ones>");
+    EXPECT_EQ(linesOf(mergeCatalogue(translation, templ))[4], "%d new =  [|] / %d new ones");
 
     const std::pair<std::u16string, size_t> languages[] = {
         {u"ru-RU", 3}, {u"fr-FR", 3}, {u"ja-JP", 1}, {u"ar-EG", 6}, {u"xx-YY", 2}};
@@ -93,32 +70,26 @@ TEST(Workflow, MergeFollowsMsgmerge)
                                          {u"Print", u""},
                                          {u"Back", u""},
                                          {u"Save", u""}});
-    Entry reviewed{u"Print", u"Drucken"};
-    reviewed.fuzzy = true;
     const Catalogue translation = withEntries({
         {u"Open file", u"Datei öffnen"}, // source changed: kept as fuzzy under the new key
         {u"Save", u"Speichern"}, // kept
         {u"Quit", u"Beenden"}, // another context: no match, obsolete
-        reviewed, // still fuzzy
+        {u"Print", u"Drucken", 0, true}, // still fuzzy
         {u"Delete everything", u"Alles löschen"}, // gone: obsolete
         {u"Unused", u""}, // gone and never translated: dropped
-        obsolete(u"Back", u"Zurück"), // back again: revived for review
+        {u"Back", u"Zurück", 0, false, true}, // back again: revived for review
     });
     const Catalogue merged = mergeCatalogue(translation, templ);
     const MergeCounts counts = countChanges(translation, merged);
-    EXPECT_EQ(pairsOf(merged), (Pairs{{u"Open a file", u"(fuzzy) Datei öffnen"},
-                                      {u"Save", u"Speichern"},
-                                      {u"menu\x04Quit", u""},
-                                      {u"Print", u"(fuzzy) Drucken"},
-                                      {u"Back", u"(fuzzy) Zurück"},
-                                      {u"Quit", u"(obsolete)"},
-                                      {u"Delete everything", u"(obsolete)"}}));
+    EXPECT_EQ(linesOf(merged), (Lines{"Open a file = (fuzzy) Datei öffnen", "Save = Speichern",
+                                      "menu␄Quit = ", "Print = (fuzzy) Drucken", "Back = (fuzzy) Zurück",
+                                      "Quit = (obsolete) Beenden", "Delete everything = (obsolete) Alles löschen"}));
     EXPECT_EQ(counts.kept, 2u);
     EXPECT_EQ(counts.added, 1u);
     EXPECT_EQ(counts.fuzzy, 2u);
     EXPECT_EQ(counts.obsolete, 2u);
     // Merging again changes nothing.
-    EXPECT_EQ(pairsOf(mergeCatalogue(merged, templ)), pairsOf(merged));
+    EXPECT_EQ(linesOf(mergeCatalogue(merged, templ)), linesOf(merged));
 
     EXPECT_DOUBLE_EQ(similarity(u"abc", u"abc"), 1.0);
     EXPECT_DOUBLE_EQ(similarity(u"", u"abc"), 0.0);
@@ -184,5 +155,5 @@ TEST(Workflow, DefaultTextsJoinTheirKeysByReference)
               "#. default: \"one\"\n#. default: \"other\"\n#: a.cpp:5\nmsgid \"two\"\nmsgstr \"\"\n");
     // pseudo reads a template with the defaults as texts: the program's words, not its keys.
     const Catalogue withDefaults = readPo("t.pot", withDefaultsAsTexts(addDefaultComments(keys, defaults)));
-    EXPECT_EQ(pairsOf(withDefaults), (Pairs{{u"app.title", u"My \"app\""}, {u"Open", u""}, {u"two", u"one"}}));
+    EXPECT_EQ(linesOf(withDefaults), (Lines{"app.title = My \"app\"", "Open = ", "two = one"}));
 }

@@ -9,59 +9,15 @@
 //
 // Exit 77 (skipped) when msgunfmt, msgfmt, lconvert (for ts/xlf) or a catalogue is missing.
 // QOR_TEST_MO names the catalogue; else the largest under /usr/share/locale/ru.
-#include "qor_lang2.h"
-
 #include "GettextTestSupport.h"
 #include "Unicode.h"
 #include "chunk_file/CMemoryStream.h"
 #include "chunk_file/TChunkRef.h"
 #include "qor_lang_manager/CLanguageFile.h"
 
-#include <libintl.h>
-
-#include <clocale>
-#include <cstdint>
-#include <cstdio>
-#include <cstdlib>
-#include <cstring>
-#include <filesystem>
-#include <fstream>
-#include <random>
-#include <sstream>
-#include <string>
-#include <vector>
-
-namespace fs = std::filesystem;
-
-namespace {
-
 using namespace gettext_test;
 
-// The original strings of a .mo file: each key gettext can answer (a plural entry by its
-// singular; a context as context + U+0004 + msgid, as gettext stores it).
-std::vector<std::string> moKeys(const std::string& mo)
-{
-    std::vector<std::string> keys;
-    for (std::string key : moOriginals(mo)) {
-        key.resize(std::strlen(key.c_str()));
-        if (!key.empty())
-            keys.push_back(key);
-    }
-    return keys;
-}
-
-fs::path pickCatalogue()
-{
-    if (const char* given = std::getenv("QOR_TEST_MO"))
-        return given;
-    fs::path best;
-    std::error_code ignored;
-    for (const auto& e : fs::directory_iterator("/usr/share/locale/ru/LC_MESSAGES", ignored)) {
-        if (e.path().extension() == ".mo" && (best.empty() || e.file_size() > fs::file_size(best)))
-            best = e.path();
-    }
-    return best;
-}
+namespace {
 
 std::u16string utf16(const std::string& text)
 {
@@ -86,59 +42,43 @@ int main(int argc, char** argv)
         return 2;
     }
     const std::string qorlang = argv[1], form = argv[2];
-    const fs::path mo = pickCatalogue();
-    if (!have("msgunfmt") || !have("msgfmt") || ((form == "ts" || form == "xlf") && !have("lconvert")) || mo.empty()) {
+    const bool lconvert = form == "ts" || form == "xlf";
+    const std::vector<fs::path> largest = cataloguesOf("ru");
+    const fs::path mo = std::getenv("QOR_TEST_MO") ? std::getenv("QOR_TEST_MO") : largest.empty() ? "" : largest[0];
+    if (!have("msgunfmt") || !have("msgfmt") || (lconvert && !have("lconvert")) || mo.empty()) {
         std::printf("skipped: needs msgunfmt, msgfmt%s and a catalogue under /usr/share/locale/ru\n",
-                    form == "ts" || form == "xlf" ? ", lconvert" : "");
+                    lconvert ? ", lconvert" : "");
         return kSkip;
     }
-    const fs::path dir =
-        fs::temp_directory_path() / ("qorlang_round_trip_" + form + "_" + std::to_string(std::random_device()()));
-    fs::create_directories(dir / "qor");
-    fs::create_directories(dir / "gettext" / "ru" / "LC_MESSAGES");
-    const fs::path po = dir / "catalogue.po";
-    const fs::path gettextMo = dir / "gettext" / "ru" / "LC_MESSAGES" / "app.mo";
-    const fs::path compiled = dir / "qor" / "app-ru-RU.qorlang";
+    const CWorkFolder work("round_trip_" + form, "ru");
+    const fs::path compiled = work.qor / "app-ru-RU.qorlang";
     std::printf("catalogue: %s\n", mo.c_str());
 
-    fs::path input = po;
-    bool ok =
-        run("msgunfmt -o " + quote(po) + " " + quote(mo)) && run("msgfmt -o " + quote(gettextMo) + " " + quote(po));
-    if (ok && (form == "ts" || form == "xlf")) {
-        input = dir / ("catalogue." + form);
-        ok = run("lconvert -i " + quote(po) + " -o " + quote(input));
+    fs::path input = work.po;
+    bool ok = work.unpack(mo);
+    if (ok && lconvert) {
+        input = work.dir / ("catalogue." + form);
+        ok = run("lconvert -i " + quote(work.po) + " -o " + quote(input));
     } else if (ok && form.rfind("decompiled.", 0) == 0) {
-        const fs::path first = dir / "first-ru-RU.qorlang";
-        input = dir / form;
-        ok = run(quote(qorlang) + " compile " + quote(po) + " -o " + quote(first) + " --app-id app --language ru-RU") &&
+        const fs::path first = work.dir / "first-ru-RU.qorlang";
+        input = work.dir / form;
+        ok = work.compile(qorlang, work.po, first, "ru-RU") &&
              run(quote(qorlang) + " decompile " + quote(first) + " -o " + quote(input)) &&
              (form != "decompiled.po" || run("msgfmt --check -o /dev/null " + quote(input)));
     }
-    ok = ok &&
-         run(quote(qorlang) + " compile " + quote(input) + " -o " + quote(compiled) + " --app-id app --language ru-RU");
-    if (!ok) {
-        std::printf("FAILED: a command failed (files kept in %s)\n", dir.c_str());
+    if (!ok || !work.compile(qorlang, input, compiled, "ru-RU") || !work.load("ru-RU")) {
+        std::printf("FAILED: a command failed or the library did not load %s (files kept in %s)\n", compiled.c_str(),
+                    work.dir.c_str());
         return 1;
     }
 
-    setenv("LANGUAGE", "ru", 1);
-    std::setlocale(LC_ALL, "C.UTF-8");
-    bindtextdomain("app", (dir / "gettext").c_str());
-    bind_textdomain_codeset("app", "UTF-8");
-
-    const std::u16string folder = (dir / "qor").u16string();
-    if (QOR_LANG2_add(reinterpret_cast<const QOR_LANG2_CHAR*>(folder.c_str()), nullptr,
-                      reinterpret_cast<const QOR_LANG2_CHAR*>(u"app")) != 0 ||
-        QOR_LANG2_getLanguageCount(reinterpret_cast<const QOR_LANG2_CHAR*>(u"app")) != 1 ||
-        QOR_LANG2_setCurrentLanguage(reinterpret_cast<const QOR_LANG2_CHAR*>(u"ru-RU")) != 0) {
-        std::printf("FAILED: the library did not load %s\n", compiled.c_str());
-        return 1;
-    }
-
-    // Every key gettext knows answers gettext's text...
-    size_t mismatches = 0;
-    const std::vector<std::string> keys = moKeys(readAll(gettextMo));
-    for (const std::string& key : keys) {
+    // Every key gettext knows (a plural entry by its singular) answers gettext's text...
+    size_t mismatches = 0, keys = 0;
+    for (std::string key : moOriginals(readAll(work.gettextMo))) {
+        key.resize(std::strlen(key.c_str()));
+        if (key.empty())
+            continue;
+        ++keys;
         const char* expected = dgettext("app", key.c_str());
         if (lookUp(utf16(key)) != utf16(expected) && ++mismatches <= 10)
             std::printf("mismatch: key \"%s\": gettext \"%s\"\n", key.c_str(), expected);
@@ -158,12 +98,12 @@ int main(int argc, char** argv)
                 std::printf("mismatch: entry \"%s\" of the language file: gettext \"%s\"\n", key8.c_str(), expected);
         }
     });
-    std::printf("%s: %zu gettext keys, %zu entries in the language file, %zu mismatches\n", form.c_str(), keys.size(),
-                entries, mismatches);
-    if (keys.size() < 2 || entries < keys.size() || mismatches) {
-        std::printf("FAILED (files kept in %s)\n", dir.c_str());
+    std::printf("%s: %zu gettext keys, %zu entries in the language file, %zu mismatches\n", form.c_str(), keys, entries,
+                mismatches);
+    if (keys < 2 || entries < keys || mismatches) {
+        std::printf("FAILED (files kept in %s)\n", work.dir.c_str());
         return 1;
     }
-    fs::remove_all(dir);
+    fs::remove_all(work.dir);
     return 0;
 }

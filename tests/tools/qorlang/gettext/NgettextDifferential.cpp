@@ -14,24 +14,6 @@
 #include "GettextTestSupport.h"
 #include "qor_lang2.hpp"
 
-#include <libintl.h>
-
-#include <algorithm>
-#include <clocale>
-#include <cstdint>
-#include <cstdio>
-#include <cstdlib>
-#include <cstring>
-#include <filesystem>
-#include <fstream>
-#include <random>
-#include <sstream>
-#include <string>
-#include <utility>
-#include <vector>
-
-namespace fs = std::filesystem;
-
 namespace {
 
 using namespace gettext_test;
@@ -51,16 +33,9 @@ std::vector<std::string> pluralOriginals(const std::string& mo)
 
 std::vector<fs::path> pickCatalogues(const std::string& language)
 {
-    std::vector<std::pair<uintmax_t, fs::path>> all;
-    std::error_code ignored;
-    for (const auto& e : fs::directory_iterator("/usr/share/locale/" + language + "/LC_MESSAGES", ignored)) {
-        if (e.path().extension() == ".mo")
-            all.emplace_back(e.file_size(ignored), e.path());
-    }
-    std::sort(all.rbegin(), all.rend());
     std::vector<fs::path> picked;
     size_t entries = 0;
-    for (const auto& [size, path] : all) {
+    for (const fs::path& path : cataloguesOf(language)) {
         const size_t plurals = pluralOriginals(readAll(path)).size();
         if (plurals == 0)
             continue;
@@ -77,30 +52,18 @@ std::vector<fs::path> pickCatalogues(const std::string& language)
 long compareOne(const std::string& qorlang, const std::string& language, const std::string& tag, const fs::path& mo,
                 bool withoutRule)
 {
-    const fs::path dir = fs::temp_directory_path() / ("qorlang_ngettext_" + std::to_string(std::random_device()()));
-    fs::create_directories(dir / "qor");
-    fs::create_directories(dir / "gettext" / language / "LC_MESSAGES");
-    const fs::path po = dir / "catalogue.po";
-    const fs::path gettextMo = dir / "gettext" / language / "LC_MESSAGES" / "app.mo";
-    if (!run("msgunfmt -o " + quote(po) + " " + quote(mo)) || !run("msgfmt -o " + quote(gettextMo) + " " + quote(po)) ||
-        (withoutRule && !run("sed -i '/^\"Plural-Forms:/d' " + quote(po))) ||
-        !run(quote(qorlang) + " compile " + quote(po) + " -o " + quote(dir / "qor" / ("app-" + tag + ".qorlang")) +
-             " --app-id app --language " + tag)) {
-        std::printf("FAILED: a command failed for %s (files kept in %s)\n", mo.c_str(), dir.c_str());
-        return -1;
-    }
-    setenv("LANGUAGE", language.c_str(), 1);
-    std::setlocale(LC_ALL, "C.UTF-8");
-    bindtextdomain("app", (dir / "gettext").c_str());
-    bind_textdomain_codeset("app", "UTF-8");
-    if (qor_lang2::add((dir / "qor").string(), "app") != 0 || qor_lang2::setCurrentLanguage(tag) != 0) {
-        std::printf("FAILED: the library did not take %s\n", dir.c_str());
+    const CWorkFolder work("ngettext", language);
+    const fs::path compiled = work.qor / ("app-" + tag + ".qorlang");
+    if (!work.unpack(mo) || (withoutRule && !run("sed -i '/^\"Plural-Forms:/d' " + quote(work.po))) ||
+        !work.compile(qorlang, work.po, compiled, tag) || !work.load(tag)) {
+        std::printf("FAILED: a command failed or the library did not load %s (files kept in %s)\n", mo.c_str(),
+                    work.dir.c_str());
         return -1;
     }
 
     long mismatches = 0;
     size_t translated = 0; // answers that are not the untranslated fallback: the comparison is not vacuous
-    const std::vector<std::string> originals = pluralOriginals(readAll(gettextMo));
+    const std::vector<std::string> originals = pluralOriginals(readAll(work.gettextMo));
     for (const std::string& original : originals) {
         const size_t nul = original.find('\0'), eot = original.find('\x04');
         const bool hasContext = eot != std::string::npos && eot < nul;
@@ -122,7 +85,7 @@ long compareOne(const std::string& qorlang, const std::string& language, const s
                 mo.c_str(), withoutRule ? " (CLDR rule)" : "", originals.size(), originals.size() * (kLastN + 1),
                 kLastN, translated, mismatches);
     if (mismatches == 0)
-        fs::remove_all(dir);
+        fs::remove_all(work.dir);
     return translated == 0 ? -1 : mismatches;
 }
 
