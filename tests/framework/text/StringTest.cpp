@@ -320,11 +320,10 @@ TEST(StringArgument, EveryVariantGivesTheSameAnswers)
     // Narrow text is Latin-1, wide text UTF-16 (or UTF-32 where wchar_t has 32 bits).
     const P<IString> le8 = in(*CUTF8CharEncoding::instance(), u"l\u00E9");
     const P<IString> le1 = in(*CLatin1CharEncoding::instance(), u"l\u00E9");
-    const CStringArg le[] = {le8,        *le1,
-                             "l\xE9",    {"l\xE9x", 2},
-                             u"l\u00E9", {u"l\u00E9x", 2},
-                             U"l\u00E9", {U"l\u00E9x", 2},
-                             L"l\u00E9", {L"l\u00E9x", 2}};
+    // clang-format off
+    const CStringArg le[] = {le8, *le1, "l\xE9", {"l\xE9x", 2}, latin1("l\xE9"), latin1("l\xE9x", 2),
+                             u"l\u00E9", {u"l\u00E9x", 2}, U"l\u00E9", {U"l\u00E9x", 2}, L"l\u00E9", {L"l\u00E9x", 2}};
+    // clang-format on
     const CStringArg e[] = {CStringArg('\xE9'), CStringArg(u'\u00E9'), CStringArg(U'\u00E9'), CStringArg(L'\u00E9')};
     for (ICharEncoding* enc : allEncodings()) {
         for (const char16_t* hay : {u"hell\u00E9", u"l\u00E9l\u00E9", u"l\u00E9", u"\u00E9", u"l", u""}) {
