@@ -61,12 +61,9 @@ TEST(PluralLookup, AnswersTheFormOfTheLoadedRuleAndAllocatesOnlyTheAnswer)
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(std::string(row.tag, row.tag + std::char_traits<char16_t>::length(row.tag)));
-        qor_lang::CLanguageFileWriter writer;
-        writer.setLanguage(row.tag, std::nullopt, std::nullopt);
-        writer.setApplication(u"App");
+        auto writer = languageWriter(row.tag, u"App", {{u"item\u0005", u"f0\0f1\0f2\0f3\0f4\0f5"s}});
         if (row.ownRule)
             writer.addExtra(std::u16string(qor_lang::kPluralFormsExtra), row.ownRule);
-        writer.addString(u"item\u0005", u"f0\0f1\0f2\0f3\0f4\0f5"s);
         chf::TChunkRef<chf::CMemoryStream> stream(new chf::CMemoryStream(written(writer)));
         kore::CStringLocalizer::instance()->setTexts({qor_lang::CLanguageFile::readTexts(*stream, nullptr)});
         const std::u16string ruleText =

@@ -1,5 +1,6 @@
 // Plural forms through the exported look-up: a host asks for key + U+0005 + decimal(n) and gets
 // form formFor(n) of the entry key + U+0005 under the rule of the file that holds it.
+#include "../PluralModels.h"
 #include "ExportTestSupport.h"
 
 #include <gtest/gtest.h>
@@ -10,6 +11,7 @@
 namespace {
 
 using namespace export_test;
+using namespace plural_model;
 using namespace std::string_literals;
 
 using Model = unsigned long (*)(unsigned long);
@@ -36,7 +38,7 @@ struct PluralForms : ::testing::Test {
     const std::u16string app = testName();
 
     void write(const std::string& sub, const std::u16string& appId, const std::u16string& tag, const char16_t* ownRule,
-               const std::vector<std::pair<std::u16string, std::u16string>>& strings)
+               const Strings& strings)
     {
         folder.makeFolder(sub);
         auto writer = languageWriter(tag, appId, strings);
@@ -45,11 +47,6 @@ struct PluralForms : ::testing::Test {
         writeLanguageFile(folder.path() / sub / (appId + u"-" + tag + u".qorlang"), writer);
     }
 };
-
-unsigned long slavic(unsigned long n)
-{
-    return n % 10 == 1 && n % 100 != 11 ? 0 : n % 10 >= 2 && n % 10 <= 4 && (n % 100 < 10 || n % 100 >= 20) ? 1 : 2;
-}
 
 TEST_F(PluralForms, EachLanguageAnswersTheFormItsRuleGivesTheCount)
 {
@@ -60,19 +57,12 @@ TEST_F(PluralForms, EachLanguageAnswersTheFormItsRuleGivesTheCount)
         Model model;
     } rows[] = {
         {u"ru-RU", nullptr, u"файл\0файла\0файлов"s, slavic}, // the CLDR rule of the language
-        {u"ar-EG", nullptr, u"zero\0one\0two\0few\0many\0"s, // an empty form answers the default
-         [](unsigned long n) -> unsigned long {
-             return n == 0 ? 0 : n == 1 ? 1 : n == 2 ? 2 : n % 100 >= 3 && n % 100 <= 10 ? 3 : n % 100 >= 11 ? 4 : 5;
-         }},
+        {u"ar-EG", nullptr, u"zero\0one\0two\0few\0many\0"s, arabic}, // an empty form answers the default
         {u"fr-FR", u"nplurals=2; plural=(n > 1);", u"un\0plusieurs"s, // the file's own rule wins
          [](unsigned long n) -> unsigned long { return n > 1; }},
         {u"ja-JP", nullptr, u"個"s, [](unsigned long) -> unsigned long { return 0; }},
-        {u"ace-ID", nullptr, u"one\0other"s, // no CLDR rule: gettext's default
-         [](unsigned long n) -> unsigned long { return n != 1; }},
-        {u"pl-PL", u"nplurals=9; plural=0;", u"plik\0pliki"s, // a bad own rule: CLDR's; form 2 missing
-         [](unsigned long n) -> unsigned long {
-             return n == 1 ? 0 : n % 10 >= 2 && n % 10 <= 4 && (n % 100 < 10 || n % 100 >= 20) ? 1 : 2;
-         }},
+        {u"ace-ID", nullptr, u"one\0other"s, notOne}, // no CLDR rule: gettext's default
+        {u"pl-PL", u"nplurals=9; plural=0;", u"plik\0pliki"s, polish}, // a bad own rule: CLDR's; form 2 missing
     };
     for (const auto& row : rows)
         write("f", app, row.tag, row.ownRule, {{u"item\u0005", row.forms}, {u"item", u"singular"}});
