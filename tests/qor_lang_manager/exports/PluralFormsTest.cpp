@@ -1,5 +1,6 @@
 // Plural forms through the exported look-up: a host asks for key + U+0005 + decimal(n) and gets
-// form formFor(n) of the entry key + U+0005 under the rule of the file that holds it.
+// form formFor(n) of the entry key + U+0005 under the rule of the file that holds it. Which rule
+// a file has is PluralLookupTest's business; here the wiring and the keys.
 #include "../PluralModels.h"
 #include "ExportTestSupport.h"
 
@@ -14,23 +15,9 @@ using namespace export_test;
 using namespace plural_model;
 using namespace std::string_literals;
 
-using Model = unsigned long (*)(unsigned long);
-
 std::u16string countKey(const std::u16string& key, unsigned long n)
 {
     return key + u'\u0005' + u16(std::to_string(n));
-}
-
-std::vector<std::u16string> split(const std::u16string& forms)
-{
-    std::vector<std::u16string> out(1);
-    for (char16_t c : forms) {
-        if (c == u'\0')
-            out.emplace_back();
-        else
-            out.back().push_back(c);
-    }
-    return out;
 }
 
 struct PluralForms : ::testing::Test {
@@ -47,38 +34,6 @@ struct PluralForms : ::testing::Test {
         writeLanguageFile(folder.path() / sub / (appId + u"-" + tag + u".qorlang"), writer);
     }
 };
-
-TEST_F(PluralForms, EachLanguageAnswersTheFormItsRuleGivesTheCount)
-{
-    const struct {
-        const char16_t* tag;
-        const char16_t* ownRule;
-        std::u16string forms;
-        Model model;
-    } rows[] = {
-        {u"ru-RU", nullptr, u"файл\0файла\0файлов"s, slavic}, // the CLDR rule of the language
-        {u"ar-EG", nullptr, u"zero\0one\0two\0few\0many\0"s, arabic}, // an empty form answers the default
-        {u"fr-FR", u"nplurals=2; plural=(n > 1);", u"un\0plusieurs"s, // the file's own rule wins
-         [](unsigned long n) -> unsigned long { return n > 1; }},
-        {u"ja-JP", nullptr, u"個"s, [](unsigned long) -> unsigned long { return 0; }},
-        {u"ace-ID", nullptr, u"one\0other"s, notOne}, // no CLDR rule: gettext's default
-        {u"pl-PL", u"nplurals=9; plural=0;", u"plik\0pliki"s, polish}, // a bad own rule: CLDR's; form 2 missing
-    };
-    for (const auto& row : rows)
-        write("f", app, row.tag, row.ownRule, {{u"item\u0005", row.forms}, {u"item", u"singular"}});
-    ASSERT_EQ(addFolder(folder.path() / "f", app), 0);
-    for (const auto& row : rows) {
-        SCOPED_TRACE(utf8(row.tag));
-        ASSERT_EQ(setLanguage(row.tag), 0);
-        const auto forms = split(row.forms);
-        for (unsigned long n = 0; n <= 1200; ++n) {
-            const unsigned long form = row.model(n);
-            const std::u16string expected = form < forms.size() && !forms[form].empty() ? forms[form] : u"D";
-            ASSERT_EQ(localString(countKey(u"item", n), u"D"), expected) << "n=" << n;
-        }
-        EXPECT_EQ(localString(u"item", u"D"), u"singular") << "plain look-ups are untouched";
-    }
-}
 
 // Keys that are no request for a form, and requests without an entry, answer as any miss does.
 TEST_F(PluralForms, OtherKeysAnswerTheDefault)
