@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 
 #include "framework/text/CString.h"
 #include "qor_lang_manager/AsciiCase.h"
@@ -32,61 +33,40 @@ std::string fields(const LanguageId& id)
 
 TEST(LanguageIdTest, EachModeFindsItsRowsAndNothingElse)
 {
-    const std::string invalid = "invalid -1|~|~|~|~|~|~||",
-                      german = "valid -1|ger/deu|de|German|DE|Germany|deu|LC|de-DE";
-    const struct {
-        const char16_t* text;
-        int mode;
-        std::string expected;
-    } rows[] = {
-        // Runs of separators count as one; the tag is rebuilt from the tables, in their letter
-        // case, preferring the two-letter code.
-        {u"de-DE", 5, german},
-        {u"de--DE", 5, german},
-        {u"-de-DE", 5, german},
-        {u"de-DE-", 5, german},
-        {u"--de---DE--", 5, german},
-        {u"DE-de", 5, german},
-        {u"deu-AT", 5, "valid -1|ger/deu|de|German|AT|Austria|deu|LC|de-AT"},
-        {u"fra-FR", 5, "valid -1|fre/fra|fr|French|FR|France|fra|LC|fr-FR"},
-        {u"ace-ID", 5, "valid -1|ace||Achinese|ID|Indonesia|ace|LC|ace-ID"}, // no two-letter code
-        // A bare language, extra parts, bibliographic codes, unknown codes, no tokens at all.
-        {u"de", 5, invalid},
-        {u"de-DE-x", 5, invalid},
-        {u"fre-FR", 5, invalid},
-        {u"ger-DE", 5, invalid},
-        {u"xx-DE", 5, invalid},
-        {u"-", 5, invalid},
-        {u"", 5, invalid},
-        {nullptr, 5, invalid},
-        {u"de-DE", -1, invalid},
-        {u"de-DE", 6, invalid},
-        {u"de-DE", 1000, invalid},
-        // An unknown country leaves the language it found, but the id is not valid.
-        {u"de-XX", 5, "invalid -1|ger/deu|de|German|~|~|deu|L|de"},
-        // Names compare whole, alternatives included.
-        {u"GERMAN", 0, "valid -1|ger/deu|de|German|~|~|deu|L|de"},
-        {u"Dutch", 0, invalid},
-        {u"dutch; flemish", 0, "valid -1|dut/nld|nl|Dutch; Flemish|~|~|nld|L|nl"},
-        {u"DE", 1, "valid -1|ger/deu|de|German|~|~|deu|L|de"},
-        {u"", 1, invalid}, // without the emptiness check: the first row lacking a two-letter code
-        // A language with two three-letter codes is found only by both together.
-        {u"FRE/fra", 2, "valid -1|fre/fra|fr|French|~|~|fra|L|fr"},
-        {u"fra", 2, invalid},
-        {u"fre", 2, invalid},
-        {u"ENG", 2, "valid -1|eng|en|English|~|~|eng|L|en"},
-        {u"GERMANY", 3, "valid -1|~|~|~|DE|Germany|~|C|"},
-        // Only A-Z fold: the capital A with ring matches itself, its small form does not.
-        {u"\u00C5LAND ISLANDS", 3, "valid -1|~|~|~|AX|\u00C5land Islands|~|C|"},
-        {u"\u00E5land islands", 3, invalid},
-        {u"de", 4, invalid},
-        {u"DE", 4, "valid -1|~|~|~|DE|Germany|~|C|"}, // a country alone has no tag
-    };
     EXPECT_EQ(fields(LanguageId()), "valid -1|~|~|~|~|~|~||");
-    for (const auto& row : rows) {
-        EXPECT_EQ(fields(LanguageId(row.text, static_cast<Mode>(row.mode))), row.expected)
-            << (row.text ? utf8(row.text) : "null") << " in mode " << row.mode;
-    }
+    // Runs of separators count as one; the tag is rebuilt from the tables, in their letter case.
+    for (const char16_t* text : {u"de-DE", u"de--DE", u"-de-DE", u"de-DE-", u"--de---DE--", u"DE-de"})
+        EXPECT_EQ(fields(LanguageId(text, Mode::Tag)), "valid -1|ger/deu|de|German|DE|Germany|deu|LC|de-DE")
+            << utf8(text);
+    // Tags: a bare language, extra parts, bibliographic codes, unknown codes, no tokens at all;
+    // unknown modes. Names compare whole; the empty two-letter code is no code (or it would find
+    // the first row lacking one); a language with two three-letter codes is found only by both
+    // together; only A-Z fold; country codes compare exactly.
+    const std::pair<const char16_t*, int> rejected[] = {
+        {u"de", 5},     {u"de-DE-x", 5}, {u"fre-FR", 5},   {u"ger-DE", 5},
+        {u"xx-DE", 5},  {u"-", 5},       {u"", 5},         {nullptr, 5},
+        {u"de-DE", -1}, {u"de-DE", 6},   {u"de-DE", 1000}, {u"Dutch", 0},
+        {u"", 1},       {u"fra", 2},     {u"fre", 2},      {u"\u00E5land islands", 3},
+        {u"de", 4}};
+    for (const auto& [text, mode] : rejected)
+        EXPECT_EQ(fields(LanguageId(text, Mode(mode))), "invalid -1|~|~|~|~|~|~||")
+            << (text ? utf8(text) : "null") << " " << mode;
+    const std::tuple<const char16_t*, Mode, const char*> found[] = {
+        {u"deu-AT", Mode::Tag, "valid -1|ger/deu|de|German|AT|Austria|deu|LC|de-AT"},
+        {u"fra-FR", Mode::Tag, "valid -1|fre/fra|fr|French|FR|France|fra|LC|fr-FR"},
+        {u"ace-ID", Mode::Tag, "valid -1|ace||Achinese|ID|Indonesia|ace|LC|ace-ID"}, // no two-letter code
+        // An unknown country leaves the language it found, but the id is not valid.
+        {u"de-XX", Mode::Tag, "invalid -1|ger/deu|de|German|~|~|deu|L|de"},
+        {u"GERMAN", Mode::LanguageName, "valid -1|ger/deu|de|German|~|~|deu|L|de"},
+        {u"dutch; flemish", Mode::LanguageName, "valid -1|dut/nld|nl|Dutch; Flemish|~|~|nld|L|nl"},
+        {u"DE", Mode::Iso639_1, "valid -1|ger/deu|de|German|~|~|deu|L|de"},
+        {u"FRE/fra", Mode::Iso639_2, "valid -1|fre/fra|fr|French|~|~|fra|L|fr"},
+        {u"ENG", Mode::Iso639_2, "valid -1|eng|en|English|~|~|eng|L|en"},
+        {u"GERMANY", Mode::CountryName, "valid -1|~|~|~|DE|Germany|~|C|"},
+        {u"\u00C5LAND ISLANDS", Mode::CountryName, "valid -1|~|~|~|AX|\u00C5land Islands|~|C|"},
+        {u"DE", Mode::CountryCode, "valid -1|~|~|~|DE|Germany|~|C|"}}; // a country alone has no tag
+    for (const auto& [text, mode, expected] : found)
+        EXPECT_EQ(fields(LanguageId(text, mode)), expected) << utf8(text);
 }
 
 TEST(LanguageIdTest, CaseFoldingStopsAtAsciiLetters)

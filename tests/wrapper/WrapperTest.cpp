@@ -11,9 +11,7 @@
 #include <functional>
 #include <new>
 #include <optional>
-#include <string>
 #include <utility>
-#include <vector>
 
 namespace {
 

@@ -11,7 +11,6 @@
 #include <deque>
 #include <functional>
 #include <set>
-#include <string_view>
 #include <thread>
 #include <utility>
 

@@ -4,11 +4,6 @@
 #include "../PluralModels.h"
 #include "ExportTestSupport.h"
 
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
-
 namespace {
 
 using namespace export_test;
