@@ -149,8 +149,7 @@ TEST(Format, PlacesArgumentsByNumberAndLeavesWhatItCannotFillAsWritten)
         {"{99999999999999999999}", "{99999999999999999999}"},
         {"{0", "{0"},
         {"", ""},
-        {"no placeholders", "no placeholders"},
-    };
+        {"no placeholders", "no placeholders"}};
     for (const auto& [text, expected] : rows) {
         EXPECT_EQ(qor_lang2::format(text, 7, "Ünal", -1.5, 'a', std::string("b")), expected) << text;
         EXPECT_EQ(qor_lang2::format(qor_lang2::toUtf16(text), 7, u"Ünal", -1.5, 'a', std::string("b")),
