@@ -114,7 +114,8 @@ TEST(PluralRuleTest, TableRulesAreWellFormedAndReachEveryForm)
     }
 }
 
-// The well-known languages answer as their grammar demands; languages are found in any letter case.
+// The well-known languages answer as their grammar demands (more of them in PluralLookupTest);
+// languages are found in any letter case.
 TEST(PluralRuleTest, KnownLanguagesFollowTheirGrammar)
 {
     using namespace plural_model;
@@ -123,16 +124,12 @@ TEST(PluralRuleTest, KnownLanguagesFollowTheirGrammar)
         unsigned count;
         Model model;
     } rows[] = {
-        {"ja", 1, [](unsigned long) { return 0ul; }},
         {"en", 2, notOne},
         {"DE", 2, notOne},
-        {"ru", 3, slavic},
         {"Uk", 3, slavic},
-        {"pl", 3, polish},
         {"cs", 3, [](unsigned long n) -> unsigned long { return n == 1             ? 0
                                                                 : n >= 2 && n <= 4 ? 1
                                                                                    : 2; }},
-        {"ar", 6, arabic},
         {"sl", 4,
          [](unsigned long n) -> unsigned long {
              return n % 100 == 1 ? 0 : n % 100 == 2 ? 1 : n % 100 == 3 || n % 100 == 4 ? 2 : 3;
