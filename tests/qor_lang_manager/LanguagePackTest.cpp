@@ -4,14 +4,12 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
-#include <vector>
-
 namespace {
 
 using namespace lang_test;
-using qor_lang::CLanguageFileWriter;
 using qor_lang::CLanguagePack;
+using Tags = std::vector<std::u16string>;
+using Tables = std::vector<kore::P<kore::CTextTable>>;
 
 struct LanguagePackTest : ::testing::Test {
     kore_test::CTempFolder folder;
@@ -19,26 +17,14 @@ struct LanguagePackTest : ::testing::Test {
     CLogCapture log{CLanguagePack::kLogModule};
 
     kore::P<CLanguagePack> pack(const char* appId = "A") { return kore::make<CLanguagePack>(folder.uri(), appId); }
-
-    // `appId` null: no "apid" chunk.
-    void writeLanguage(const std::string& name, const char16_t* languageTag,
-                       const std::vector<std::pair<std::u16string, std::u16string>>& strings = {}, int fillers = 0,
-                       const char16_t* appId = u"A")
+    void write(const std::string& name, const char16_t* tag, const qor_lang::CountedString& appId = u"A",
+               const Strings& strings = {})
     {
-        CLanguageFileWriter writer;
-        writer.setLanguage(languageTag, u"", u"");
-        if (appId)
-            writer.setApplication(appId);
-        for (const auto& [key, text] : strings)
-            writer.addString(key, text);
-        for (int i = 0; i < fillers; ++i)
-            writer.addString(u"filler." + std::u16string(1, char16_t(0x400 + i)), u"x");
-        writeBytes(folder, name, written(writer));
+        writeLanguageFile(folder.path(name), languageWriter(tag, appId, strings));
     }
-
-    static std::vector<std::u16string> tags(CLanguagePack& p)
+    static Tags tags(CLanguagePack& p)
     {
-        std::vector<std::u16string> out;
+        Tags out;
         for (int32_t i = 0; i < p.count(); ++i)
             out.push_back(p.file(i)->getLanguage().getTag());
         return out;
@@ -47,25 +33,25 @@ struct LanguagePackTest : ::testing::Test {
 
 TEST_F(LanguagePackTest, ListsFilesStartingWithItsIdInFolderOrder)
 {
-    writeLanguage("A-fr-FR.qorlang", u"fr-FR");
-    writeLanguage("A-en-US.qorlang", u"en-US");
+    write("A-fr-FR.qorlang", u"fr-FR");
+    write("A-en-US.qorlang", u"en-US");
     // The pattern is the id and then anything; a match that names another application in its
     // "apid" chunk is passed over, one without the chunk or naming this one in other letter case stays.
-    writeLanguage("AB-it-IT.qorlang", u"it-IT", {}, 0, u"AB");
-    writeLanguage("A-tools-ja-JP.qorlang", u"ja-JP", {}, 0, u"A-tools");
-    writeLanguage("AC-ko-KR.qorlang", u"ko-KR", {}, 0, nullptr);
-    writeLanguage("A-nl-NL.qorlang", u"nl-NL", {}, 0, u"a");
-    writeLanguage("A-de-DE.qorlang", u"de-DE");
-    writeLanguage("B-es-ES.qorlang", u"es-ES", {}, 0, u"B");
-    writeLanguage("A-pt-PT.txt", u"pt-PT");
+    write("AB-it-IT.qorlang", u"it-IT", u"AB");
+    write("A-tools-ja-JP.qorlang", u"ja-JP", u"A-tools");
+    write("AC-ko-KR.qorlang", u"ko-KR", std::nullopt);
+    write("A-nl-NL.qorlang", u"nl-NL", u"a");
+    write("A-de-DE.qorlang", u"de-DE");
+    write("B-es-ES.qorlang", u"es-ES", u"B");
+    write("A-pt-PT.txt", u"pt-PT");
     folder.makeFolder("A-sub.qorlang");
 
     const auto p = pack();
-    EXPECT_EQ(tags(*p), (std::vector<std::u16string>{u"de-DE", u"en-US", u"fr-FR", u"nl-NL", u"ko-KR"}));
+    EXPECT_EQ(tags(*p), (Tags{u"de-DE", u"en-US", u"fr-FR", u"nl-NL", u"ko-KR"}));
     EXPECT_EQ(utf8(p->file(0)->getSource()->getName()), "A-de-DE.qorlang");
-    EXPECT_EQ(tags(*pack("B")), (std::vector<std::u16string>{u"es-ES"}));
-    EXPECT_EQ(tags(*pack("AB")), (std::vector<std::u16string>{u"it-IT"}));
-    EXPECT_EQ(tags(*pack("A-tools")), (std::vector<std::u16string>{u"ja-JP"}));
+    EXPECT_EQ(tags(*pack("B")), (Tags{u"es-ES"}));
+    EXPECT_EQ(tags(*pack("AB")), (Tags{u"it-IT"}));
+    EXPECT_EQ(tags(*pack("A-tools")), (Tags{u"ja-JP"}));
     EXPECT_TRUE(log.records().empty());
 }
 
@@ -77,8 +63,8 @@ TEST_F(LanguagePackTest, SetLanguageReadsTheFileOfItsName)
     // One pass: "A---" keeps a "--", so the name still starts with the id "A--" that the scan uses.
     EXPECT_EQ(utf8(CLanguagePack::fileName("A--", "de-DE")), "A--de-DE.qorlang");
 
-    writeLanguage("A-.qorlang", u"", {{u"k", u"no tag"}});
-    std::vector<kore::P<kore::CTextTable>> texts;
+    write("A-.qorlang", u"", u"A", {{u"k", u"no tag"}});
+    Tables texts;
     EXPECT_EQ(pack()->setLanguage(u"", texts), 1) << "the default id has the empty tag";
     ASSERT_EQ(texts.size(), 1u);
     EXPECT_EQ(contentOf(*texts[0]), (Texts{{u"k", u"no tag"}}));
@@ -86,7 +72,7 @@ TEST_F(LanguagePackTest, SetLanguageReadsTheFileOfItsName)
     EXPECT_EQ(texts.size(), 1u) << "no file, nothing added";
     EXPECT_TRUE(log.records().empty()) << "a missing file is no error";
 
-    writeLanguage("A--de-DE.qorlang", u"de-DE", {{u"k", u"double"}}, 0, u"A--");
+    write("A--de-DE.qorlang", u"de-DE", u"A--", {{u"k", u"double"}});
     const auto dashed = pack("A--");
     EXPECT_EQ(dashed->count(), 1);
     EXPECT_EQ(dashed->setLanguage(u"de-DE", texts), 1) << "a listed file can be set";
@@ -95,12 +81,8 @@ TEST_F(LanguagePackTest, SetLanguageReadsTheFileOfItsName)
 
 TEST_F(LanguagePackTest, BrokenFilesAreReportedAndSkipped)
 {
-    writeLanguage("A-de-DE.qorlang", u"de-DE", {{u"k", u"Deutsch"}});
-
-    CLanguageFileWriter writer;
-    writer.setLanguage(u"it-IT", u"italiano", u"");
-    writer.addString(u"k", u"Italiano");
-    const Bytes good = written(writer);
+    write("A-de-DE.qorlang", u"de-DE", u"A", {{u"k", u"Deutsch"}});
+    const Bytes good = written(languageWriter(u"it-IT", std::nullopt, {{u"k", u"Italiano"}}));
     const Bytes lang = langChunk(u"pt-BR");
     Bytes badMagic = good;
     badMagic[7] = 'X';
@@ -115,7 +97,7 @@ TEST_F(LanguagePackTest, BrokenFilesAreReportedAndSkipped)
     writeBytes(folder, "A-it-IT.qorlang", Bytes(good.begin(), good.end() - 3));
 
     const auto p = pack();
-    EXPECT_EQ(tags(*p), (std::vector<std::u16string>{u"de-DE", u"it-IT", u"pt-BR"}));
+    EXPECT_EQ(tags(*p), (Tags{u"de-DE", u"it-IT", u"pt-BR"}));
     std::vector<std::string> reported;
     for (const std::string& record : log.records()) {
         if (record.rfind("3:error while loading '", 0) == 0)
@@ -123,9 +105,9 @@ TEST_F(LanguagePackTest, BrokenFilesAreReportedAndSkipped)
     }
     EXPECT_EQ(reported, (std::vector<std::string>{"A-bad-magic.qorlang", "A-cut-header.qorlang", "A-cut-lang.qorlang",
                                                   "A-empty.qorlang", "A-huge-count.qorlang", "A-huge-string.qorlang"}));
-    log.clear();
+    log.records().clear();
 
-    std::vector<kore::P<kore::CTextTable>> texts;
+    Tables texts;
     EXPECT_EQ(p->setLanguage(u"pt-BR", texts), 1);
     EXPECT_EQ(contentOf(*texts.at(0)), Texts());
     EXPECT_TRUE(log.records().empty());
@@ -141,40 +123,31 @@ TEST_F(LanguagePackTest, FilesCutShortAreDamagedAndTheCauseIsReported)
 {
     const Bytes head = langChunk(u"de-DE");
     const Bytes entry = u32(0) + counted(u"k") + counted(u"text") + u32(0) + u32(0);
-    const Bytes data = chunk("data", u32(2) + entry + entry);
-    const Bytes whole = container(head + chunk("STMP", data));
+    const Bytes whole = container(head + chunk("STMP", chunk("data", u32(2) + entry + entry)));
     const size_t stmpAt = 16 + head.size();
-    const Bytes cutInStmpHeader(whole.begin(), whole.begin() + long(stmpAt + 7));
-    const Bytes lengthFixed = container(head + Bytes(whole.begin() + long(stmpAt), whole.begin() + long(stmpAt + 7)));
+    const std::string data = "chunk 'data' at offset " + std::to_string(stmpAt + 12) + ": ";
     // Chunk sizes that fit, but the second entry's text count asks for more than is left.
     Bytes longText = container(head + chunk("STMP", chunk("data", u32(2) + entry + u32(0) + counted(u"k") + u32(40))));
-    const struct {
-        const char* name;
-        Bytes file;
-        std::string cause;
-    } cases[] = {
-        {"cut in the STMP header", cutInStmpHeader,
+    const std::pair<Bytes, std::string> cases[] = {
+        {Bytes(whole.begin(), whole.begin() + long(stmpAt + 7)), // cut in the STMP header
          "the container header gives " + std::to_string(whole.size() - 16) + " bytes of chunks, but the file holds " +
              std::to_string(stmpAt + 7 - 16) + " after the header"},
-        {"cut in the STMP header, length fixed", lengthFixed,
+        {container(head + Bytes(whole.begin() + long(stmpAt), whole.begin() + long(stmpAt + 7))), // length fixed
          "offset " + std::to_string(stmpAt) + ": the file ends inside a chunk header (7 of its 12 bytes)"},
-        {"data chunk longer than the file", container(head + chunk("STMP", chunk("data", 500, u32(0)))),
-         "chunk 'data' at offset " + std::to_string(stmpAt + 12) +
-             ": its header gives 500 bytes of data, but the "
-             "file ends after 4"},
-        {"counted string past the end", longText,
-         "chunk 'data' at offset " + std::to_string(stmpAt + 12) + ": entry 2 of 2 needs 80 bytes at offset " +
-             std::to_string(longText.size()) + ", but the file ends after 0"},
+        {container(head + chunk("STMP", chunk("data", 500, u32(0)))),
+         data + "its header gives 500 bytes of data, but the file ends after 4"},
+        {longText, data + "entry 2 of 2 needs 80 bytes at offset " + std::to_string(longText.size()) +
+                       ", but the file ends after 0"},
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        writeBytes(folder, "A-de-DE.qorlang", c.file);
-        log.clear();
-        std::vector<kore::P<kore::CTextTable>> texts;
+    for (const auto& [file, cause] : cases) {
+        SCOPED_TRACE(cause);
+        writeBytes(folder, "A-de-DE.qorlang", file);
+        log.records().clear();
+        Tables texts;
         EXPECT_EQ(pack()->setLanguage(u"de-DE", texts), 0);
         EXPECT_TRUE(texts.empty());
         EXPECT_EQ(log.records(), (std::vector<std::string>{"3:error while loading 'A-de-DE.qorlang'",
-                                                           "3:'A-de-DE.qorlang': " + c.cause}));
+                                                           "3:'A-de-DE.qorlang': " + cause}));
     }
 }
 

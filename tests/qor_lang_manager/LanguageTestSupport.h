@@ -1,10 +1,10 @@
 #pragma once
-// Shared by the language file, pack and manager tests: byte builders for hand-made container
-// files (those of the container tests, plus the language file's own encodings), good files from
-// the writer, the texts a file or table answers, a log sink that records one module, a guard that
-// leaves the process's localizer empty, and a probe that watches the size of allocations.
+// Shared by the language tests: byte builders for hand-made language files, files from the
+// writer, the texts a file or table answers, a log sink that records one module, a guard that
+// leaves the process's localizer empty, and probes that watch or fail allocations.
 
 #include "../chunk_file/ChunkTestSupport.h"
+#include "framework/io/CURI.h"
 #include "framework/log/CLogManager.h"
 #include "framework/objects/CObject.h"
 #include "framework/text/CString.h"
@@ -14,6 +14,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <filesystem>
 #include <map>
 #include <string>
 #include <utility>
@@ -25,6 +26,8 @@ using chf_test::Bytes;
 using chf_test::chunk;
 using chf_test::container;
 using chf_test::operator+;
+using Strings = std::vector<std::pair<std::u16string, std::u16string>>;
+using Texts = std::map<std::u16string, std::u16string>;
 
 inline Bytes u32(uint32_t v)
 {
@@ -46,12 +49,29 @@ inline Bytes langChunk(const char16_t* tag, const char16_t* native = u"", const 
 {
     return chunk("lang", counted(tag) + counted(native) + counted(sub));
 }
-inline Bytes stmpChunk(const std::vector<std::pair<std::u16string, std::u16string>>& entries)
+inline Bytes stmpChunk(const Strings& entries)
 {
     Bytes data = u32(static_cast<uint32_t>(entries.size()));
     for (const auto& [key, text] : entries)
         data = data + u32(0) + counted(key) + counted(text) + counted(std::nullopt) + counted(std::nullopt);
     return chunk("STMP", chunk("data", data));
+}
+
+// A file with a tag, an application id (none for nullopt) and strings; the other items stay empty.
+inline qor_lang::CLanguageFileWriter languageWriter(const qor_lang::CountedString& tag,
+                                                    const qor_lang::CountedString& appId, const Strings& strings = {})
+{
+    qor_lang::CLanguageFileWriter writer;
+    writer.setLanguage(tag, std::nullopt, std::nullopt);
+    if (appId)
+        writer.setApplication(appId);
+    for (const auto& [key, text] : strings)
+        writer.addString(key, text);
+    return writer;
+}
+inline void writeLanguageFile(const std::filesystem::path& file, const qor_lang::CLanguageFileWriter& writer)
+{
+    writer.writeFile(*kore::CURI::fromLocalPath(file.u16string().c_str()));
 }
 
 inline Bytes written(const qor_lang::CLanguageFileWriter& writer)
@@ -67,8 +87,6 @@ inline kore::P<qor_lang::CLanguageFile> readFile(const Bytes& bytes)
     chf::TChunkRef<chf::CMemoryStream> stream(new chf::CMemoryStream(bytes));
     return kore::make<qor_lang::CLanguageFile>(nullptr, *stream);
 }
-
-using Texts = std::map<std::u16string, std::u16string>;
 
 // Every key of a table with the text it answers (empty texts included).
 inline Texts contentOf(const kore::CTextTable& table)
@@ -117,23 +135,17 @@ inline std::string localized(const char* key)
 struct CLocalizerGuard {
     CLocalizerGuard() { kore::CStringLocalizer::instance()->clear(); }
     ~CLocalizerGuard() { kore::CStringLocalizer::instance()->clear(); }
-    CLocalizerGuard(const CLocalizerGuard&) = delete;
-    CLocalizerGuard& operator=(const CLocalizerGuard&) = delete;
 };
 
 // Records "<level>:<text>" of every record of one module while it lives.
 class CLogCapture {
 public:
-    explicit CLogCapture(const char* module) : m_module(module), m_sink(kore::make<CSink>())
+    explicit CLogCapture(const char* module) : m_module(module)
     {
-        kore::CLogManager::instance()->addLog(m_module.c_str(), m_sink.get());
+        kore::CLogManager::instance()->addLog(module, m_sink.get());
     }
-    ~CLogCapture() { kore::CLogManager::instance()->removeLog(m_module.c_str(), m_sink.get()); }
-    CLogCapture(const CLogCapture&) = delete;
-    CLogCapture& operator=(const CLogCapture&) = delete;
-
-    const std::vector<std::string>& records() const { return m_sink->records; }
-    void clear() { m_sink->records.clear(); }
+    ~CLogCapture() { kore::CLogManager::instance()->removeLog(m_module, m_sink.get()); }
+    std::vector<std::string>& records() { return m_sink->records; }
 
 private:
     struct CSink : kore::CObject, kore::ILog {
@@ -149,31 +161,39 @@ private:
             records.push_back(std::to_string(level) + ":" + text->toUTF8());
         }
     };
-    std::string m_module;
-    kore::P<CSink> m_sink;
+    const char* m_module;
+    kore::P<CSink> m_sink = kore::make<CSink>();
 };
 
+// The state of AllocationProbe.cpp's operator new, on this thread.
+struct AllocationState {
+    bool probing = false, counting = false, failed = false;
+    std::size_t limit = 0, largest = 0, failAt = 0, allocations = 0;
+};
+inline thread_local AllocationState t_allocation;
+
 // While one lives, operator new remembers the largest request made on this thread and refuses
-// (std::bad_alloc, nothing allocated) any request above `limit`. AllocationProbe.cpp.
-class CAllocationProbe {
-public:
-    explicit CAllocationProbe(std::size_t limit);
-    ~CAllocationProbe();
-    CAllocationProbe(const CAllocationProbe&) = delete;
-    CAllocationProbe& operator=(const CAllocationProbe&) = delete;
-    std::size_t largest() const;
+// (std::bad_alloc, nothing allocated) any request above `limit`.
+struct CAllocationProbe {
+    explicit CAllocationProbe(std::size_t limit)
+    {
+        t_allocation.limit = limit, t_allocation.largest = 0, t_allocation.probing = true;
+    }
+    ~CAllocationProbe() { t_allocation.probing = false; }
+    std::size_t largest() const { return t_allocation.largest; }
 };
 
 // While one lives, counts the plain allocations of this thread and refuses the n-th one
-// (std::bad_alloc, or null from the nothrow form); 0 only counts. AllocationProbe.cpp.
-class CAllocationFailure {
-public:
-    explicit CAllocationFailure(std::size_t failAt);
-    ~CAllocationFailure();
-    CAllocationFailure(const CAllocationFailure&) = delete;
-    CAllocationFailure& operator=(const CAllocationFailure&) = delete;
-    std::size_t allocations() const;
-    bool failed() const;
+// (std::bad_alloc, or null from the nothrow form); 0 only counts.
+struct CAllocationFailure {
+    explicit CAllocationFailure(std::size_t failAt)
+    {
+        t_allocation.failAt = failAt, t_allocation.allocations = 0, t_allocation.failed = false;
+        t_allocation.counting = true;
+    }
+    ~CAllocationFailure() { t_allocation.counting = false; }
+    std::size_t allocations() const { return t_allocation.allocations; }
+    bool failed() const { return t_allocation.failed; }
 };
 
 } // namespace lang_test

@@ -1,4 +1,5 @@
 #include "qor_lang_manager/PluralRule.h"
+#include "PluralModels.h"
 #include "qor_lang_manager/PluralRuleTable.h"
 
 #include <gtest/gtest.h>
@@ -14,13 +15,13 @@ namespace {
 
 using Model = std::function<unsigned long(unsigned long)>;
 
-void expectMatchesModel(const std::string& text, unsigned count, const Model& model, unsigned long last = 1200)
+void expectMatchesModel(const std::string& text, unsigned count, const Model& model)
 {
     SCOPED_TRACE(text);
     auto rule = PluralRule::parse(text);
     ASSERT_TRUE(rule.has_value());
     EXPECT_EQ(rule->count(), count);
-    for (unsigned long n = 0; n <= last; ++n) {
+    for (unsigned long n = 0; n <= 1200; ++n) {
         const unsigned long expected = model(n);
         ASSERT_EQ(rule->formFor(n), expected < count ? expected : 0) << "n=" << n;
     }
@@ -32,10 +33,7 @@ void expectMatchesModel(const std::string& text, unsigned count, const Model& mo
 // is taken modulo 6 so that it always names one of six forms.
 TEST(PluralRuleTest, ExpressionsEvaluateAsInC)
 {
-    const struct {
-        const char* expression;
-        Model model;
-    } rows[] = {
+    const std::pair<const char*, Model> rows[] = {
         {"n+2*3-1", [](unsigned long n) { return n + 2 * 3 - 1; }},
         {"n-3-1", [](unsigned long n) { return n - 3 - 1; }}, // left-assoc, wraps below zero
         {"100/n/2", [](unsigned long n) { return n ? 100 / n / 2 : 0; }},
@@ -54,9 +52,9 @@ TEST(PluralRuleTest, ExpressionsEvaluateAsInC)
         {"n==0||10/n>2", [](unsigned long n) { return n == 0 || 10 / n > 2; }}, // short-circuit guards the division
         {" ( n %\t10 ) \n", [](unsigned long n) { return n % 10; }},
     };
-    for (const auto& row : rows)
-        expectMatchesModel(std::string("nplurals=6; plural=(") + row.expression + ")%6;", 6,
-                           [&](unsigned long n) { return row.model(n) % 6; });
+    for (const auto& [expression, model] : rows)
+        expectMatchesModel(std::string("nplurals=6; plural=(") + expression + ")%6;", 6,
+                           [&](unsigned long n) { return model(n) % 6; });
 }
 
 // A division by zero or an answer beyond the forms picks form 0, as gettext does; never a crash.
@@ -76,55 +74,34 @@ TEST(PluralRuleTest, OutOfRangeAnswersPickTheFirstForm)
 
 TEST(PluralRuleTest, RejectsWhatIsNoRule)
 {
-    const std::string deep = "nplurals=2; plural=" + std::string(200, '(') + "n" + std::string(200, ')') + ";";
-    const std::string longChain = [] {
-        std::string s = "nplurals=2; plural=n";
-        for (int i = 0; i < 2000; ++i)
-            s += "+n";
-        return s + ";";
-    }();
-    for (const std::string& text : {std::string(),
-                                    std::string("nplurals=2;"),
-                                    std::string("plural=n!=1; nplurals=2;"),
-                                    std::string("nplurals=0; plural=0;"),
-                                    std::string("nplurals=7; plural=0;"),
-                                    std::string("nplurals=2 plural=n!=1;"),
-                                    std::string("nplurals=2; plural=n!=1;;"),
-                                    std::string("nplurals=2; plural=(n!=1;"),
-                                    std::string("nplurals=2; plural=n!=1);"),
-                                    std::string("nplurals=2; plural=n=1;"),
-                                    std::string("nplurals=2; plural=n!=;"),
-                                    std::string("nplurals=2; plural=-n;"),
-                                    std::string("nplurals=2; plural=n|1;"),
-                                    std::string("nplurals=2; plural=m;"),
-                                    std::string("nplurals=2; plural=nn;"),
-                                    std::string("nplurals=2; plural=n ? 1;"),
-                                    std::string("nplurals=2; plural=99999999999999999999;"),
-                                    std::string("nplurals=2; plural=n!=1; extra"),
-                                    std::string("nplurals=2; plural=n\0;", 21),
-                                    std::string("nplurals=2; pluralx=n;"),
-                                    deep,
-                                    longChain}) {
+    for (const char* text :
+         {"", "nplurals=2;", "plural=n!=1; nplurals=2;", "nplurals=0; plural=0;", "nplurals=7; plural=0;",
+          "nplurals=2 plural=n!=1;", "nplurals=2; plural=n!=1;;", "nplurals=2; plural=(n!=1;",
+          "nplurals=2; plural=n!=1);", "nplurals=2; plural=n=1;", "nplurals=2; plural=n!=;", "nplurals=2; plural=-n;",
+          "nplurals=2; plural=n|1;", "nplurals=2; plural=m;", "nplurals=2; plural=nn;", "nplurals=2; plural=n ? 1;",
+          "nplurals=2; plural=99999999999999999999;", "nplurals=2; plural=n!=1; extra", "nplurals=2; pluralx=n;"})
+        EXPECT_FALSE(PluralRule::parse(text).has_value()) << text;
+    std::string chain = "nplurals=2; plural=n";
+    for (int i = 0; i < 2000; ++i)
+        chain += "+n";
+    for (const std::string& text : {std::string("nplurals=2; plural=n\0;", 21), chain + ";",
+                                    "nplurals=2; plural=" + std::string(200, '(') + "n" + std::string(200, ')') + ";"})
         EXPECT_FALSE(PluralRule::parse(text).has_value()) << text.substr(0, 60);
-    }
     // The spellings real catalogues use are accepted.
     for (const char* text : {"nplurals=1; plural=0;", "nplurals=2; plural=n != 1", "  nplurals = 2 ;plural = (n>1) ; ",
-                             "nplurals=6; plural=((((((n))))));"}) {
+                             "nplurals=6; plural=((((((n))))));"})
         EXPECT_TRUE(PluralRule::parse(text).has_value()) << text;
-    }
 }
 
-// The generated table: every rule parses, its count is what its text says, each form is reached by
-// some whole number, and the well-known languages answer as their grammar demands.
+// The generated table: every rule parses, its count is what its text says, and each form is
+// reached by some whole number.
 TEST(PluralRuleTest, TableRulesAreWellFormedAndReachEveryForm)
 {
     ASSERT_GT(qor_lang::detail::kPluralRuleRowCount, 150u);
     for (std::size_t i = 0; i < qor_lang::detail::kPluralRuleRowCount; ++i) {
         const auto& row = qor_lang::detail::kPluralRuleRows[i];
         SCOPED_TRACE(row.language);
-        if (i > 0) {
-            EXPECT_LT(std::string(qor_lang::detail::kPluralRuleRows[i - 1].language), row.language);
-        }
+        EXPECT_TRUE(i == 0 || std::string(qor_lang::detail::kPluralRuleRows[i - 1].language) < row.language);
         auto rule = PluralRule::parse(row.rule);
         ASSERT_TRUE(rule);
         EXPECT_EQ(std::string(row.rule).substr(0, 11), "nplurals=" + std::to_string(rule->count()) + ";");
@@ -137,32 +114,22 @@ TEST(PluralRuleTest, TableRulesAreWellFormedAndReachEveryForm)
     }
 }
 
+// The well-known languages answer as their grammar demands (more of them in PluralLookupTest);
+// languages are found in any letter case.
 TEST(PluralRuleTest, KnownLanguagesFollowTheirGrammar)
 {
-    auto slavic = [](unsigned long n) -> unsigned long {
-        return n % 10 == 1 && n % 100 != 11 ? 0 : n % 10 >= 2 && n % 10 <= 4 && (n % 100 < 10 || n % 100 >= 20) ? 1 : 2;
-    };
+    using namespace plural_model;
     const struct {
         const char* language;
         unsigned count;
         Model model;
     } rows[] = {
-        {"ja", 1, [](unsigned long) { return 0ul; }},
-        {"en", 2, [](unsigned long n) -> unsigned long { return n != 1; }},
-        {"DE", 2, [](unsigned long n) -> unsigned long { return n != 1; }},
-        {"ru", 3, slavic},
+        {"en", 2, notOne},
+        {"DE", 2, notOne},
         {"Uk", 3, slavic},
-        {"pl", 3,
-         [](unsigned long n) -> unsigned long {
-             return n == 1 ? 0 : n % 10 >= 2 && n % 10 <= 4 && (n % 100 < 10 || n % 100 >= 20) ? 1 : 2;
-         }},
         {"cs", 3, [](unsigned long n) -> unsigned long { return n == 1             ? 0
                                                                 : n >= 2 && n <= 4 ? 1
                                                                                    : 2; }},
-        {"ar", 6,
-         [](unsigned long n) -> unsigned long {
-             return n == 0 ? 0 : n == 1 ? 1 : n == 2 ? 2 : n % 100 >= 3 && n % 100 <= 10 ? 3 : n % 100 >= 11 ? 4 : 5;
-         }},
         {"sl", 4,
          [](unsigned long n) -> unsigned long {
              return n % 100 == 1 ? 0 : n % 100 == 2 ? 1 : n % 100 == 3 || n % 100 == 4 ? 2 : 3;
@@ -177,6 +144,5 @@ TEST(PluralRuleTest, KnownLanguagesFollowTheirGrammar)
     EXPECT_STRNE(findPluralRule("pt-PT"), findPluralRule("pt"));
     for (const char* unknown : {"", "x", "zz", "ruu", "r", "root", "de-DE"})
         EXPECT_EQ(findPluralRule(unknown), nullptr) << unknown;
-    expectMatchesModel(std::string(qor_lang::kDefaultPluralRule), 2,
-                       [](unsigned long n) -> unsigned long { return n != 1; });
+    expectMatchesModel(std::string(qor_lang::kDefaultPluralRule), 2, notOne);
 }

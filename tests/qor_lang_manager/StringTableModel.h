@@ -61,8 +61,6 @@ public:
         return out;
     }
 
-    size_t bucketCount() const { return m_buckets.size(); }
-
 private:
     struct Node {
         std::u16string key;

@@ -9,8 +9,6 @@
 
 #include <optional>
 #include <random>
-#include <string>
-#include <vector>
 
 namespace {
 

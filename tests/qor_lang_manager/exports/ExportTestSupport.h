@@ -6,10 +6,7 @@
 
 #include "qor_lang2.h"
 
-#include "../../framework/TempFolder.h"
-#include "framework/io/CURI.h"
-#include "framework/text/CString.h"
-#include "qor_lang_manager/CLanguageFileWriter.h"
+#include "../LanguageTestSupport.h"
 
 #include <gtest/gtest.h>
 
@@ -18,11 +15,12 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <utility>
-#include <vector>
 
 namespace export_test {
 
+using lang_test::languageWriter;
+using lang_test::Strings;
+using lang_test::writeLanguageFile;
 static_assert(sizeof(QOR_LANG2_CHAR) == sizeof(char16_t));
 
 // Text for the interface: a literal or a string that outlives the call.
@@ -30,12 +28,10 @@ inline const QOR_LANG2_CHAR* w(std::u16string_view text)
 {
     return reinterpret_cast<const QOR_LANG2_CHAR*>(text.data());
 }
-
 inline std::u16string u16(std::string_view ascii)
 {
     return std::u16string(ascii.begin(), ascii.end());
 }
-
 // For failure messages.
 inline std::string utf8(const std::u16string& text)
 {
@@ -44,7 +40,6 @@ inline std::string utf8(const std::u16string& text)
 
 // A string the library returned, copied and then given back to the library; nullopt for null.
 using Text = std::optional<std::u16string>;
-
 inline Text take(QOR_LANG2_CHAR* returned)
 {
     if (!returned)
@@ -58,11 +53,11 @@ struct FileHandleDeleter {
     void operator()(void* handle) const { QOR_LANG2_freeQorLangFile(handle); }
 };
 using FileHandle = std::unique_ptr<void, FileHandleDeleter>;
-
 inline FileHandle languageFile(const std::u16string& appId, int32_t index)
 {
     return FileHandle(QOR_LANG2_getLanguageFile(w(appId), index));
 }
+
 inline Text currentLanguage()
 {
     return take(QOR_LANG2_getCurrentLanguage());
@@ -71,7 +66,6 @@ inline int32_t setLanguage(const std::u16string& tag)
 {
     return QOR_LANG2_setCurrentLanguage(w(tag));
 }
-
 inline Text localString(const std::u16string& key, const std::u16string& defaultText)
 {
     return take(QOR_LANG2_getLocalString(w(key), w(defaultText)));
@@ -81,42 +75,19 @@ inline Text localString(const std::u16string& key, const std::u16string& default
 inline std::u16string folderUri(const std::filesystem::path& folder)
 {
     std::u16string uri = kore::CURI::fromLocalPath(folder.u16string().c_str())->toString()->toU16();
-    if (uri.empty() || uri.back() != u'/')
-        uri += u'/';
-    return uri;
+    return uri.empty() || uri.back() != u'/' ? uri + u'/' : uri;
 }
-
 inline int32_t addFolder(const std::filesystem::path& folder, const std::u16string& appId)
 {
     return QOR_LANG2_add(w(folder.u16string()), nullptr, w(appId));
 }
 
-// A language file with a tag, an application id and strings; the other items stay empty.
-inline qor_lang::CLanguageFileWriter
-languageWriter(const std::u16string& tag, const std::u16string& appId,
-               const std::vector<std::pair<std::u16string, std::u16string>>& strings = {})
-{
-    qor_lang::CLanguageFileWriter writer;
-    writer.setLanguage(tag, std::nullopt, std::nullopt);
-    writer.setApplication(appId);
-    for (const auto& [key, text] : strings)
-        writer.addString(key, text);
-    return writer;
-}
-
-inline void writeLanguageFile(const std::filesystem::path& file, const qor_lang::CLanguageFileWriter& writer)
-{
-    writer.writeFile(*kore::CURI::fromLocalPath(file.u16string().c_str()));
-}
-
 // `appId` + "-" + `tag` + ".qorlang" in `folder`, as the library looks for it.
 inline void writeLanguageFile(const std::filesystem::path& folder, const std::u16string& appId,
-                              const std::u16string& tag,
-                              const std::vector<std::pair<std::u16string, std::u16string>>& strings = {})
+                              const std::u16string& tag, const Strings& strings = {})
 {
     writeLanguageFile(folder / (appId + u"-" + tag + u".qorlang"), languageWriter(tag, appId, strings));
 }
-
 inline void writeBytes(const std::filesystem::path& file, std::string_view bytes)
 {
     std::ofstream(file, std::ios::binary).write(bytes.data(), static_cast<std::streamsize>(bytes.size()));

@@ -8,9 +8,11 @@
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
+#include <deque>
+#include <functional>
 #include <set>
-#include <string_view>
 #include <thread>
+#include <utility>
 
 namespace {
 
@@ -30,62 +32,74 @@ protected:
     }
 };
 
-// Starts rounds of work on several threads at the same moment: the threads spin on the round
-// number (a barrier wakes its waiters one after another, and the first could be done before the
-// last starts), and the starter waits until all have finished the round.
-class CStartLine {
-public:
-    explicit CStartLine(int threads) : m_threads(threads) {}
-    // For the threads: returns when round `round` has started. Spins without yielding, so that
-    // the threads are running when it starts; a long wait yields now and then.
-    void await(int round) const
-    {
-        for (int spins = 1; m_round.load() < round; ++spins) {
-            if (spins % 4096 == 0)
-                std::this_thread::yield();
-        }
+// Runs `work(thread, round)` on `threads` threads, every round started on all of them at the
+// same moment once `between(round)` has run here; `between(rounds)` runs after the last. The
+// threads spin on the round number (a barrier wakes its waiters one after another, and the
+// first could be done before the last starts), without yielding so that they are running when
+// it starts; a long wait yields now and then.
+void inRounds(int threads, int rounds, const std::function<void(int)>& between,
+              const std::function<void(int, int)>& work)
+{
+    std::atomic<int> started{-1}, finished{0};
+    std::vector<std::thread> pool;
+    for (int t = 0; t < threads; ++t) {
+        pool.emplace_back([&, t] {
+            for (int round = 0; round < rounds; ++round) {
+                for (int spins = 1; started.load() < round; ++spins) {
+                    if (spins % 4096 == 0)
+                        std::this_thread::yield();
+                }
+                work(t, round);
+                ++finished;
+            }
+        });
     }
-    void finished() { ++m_finished; }
-    // For the starter.
-    void run(int round)
-    {
-        m_finished = 0;
-        m_round = round;
-        while (m_finished < m_threads)
+    for (int round = 0; round <= rounds; ++round) {
+        between(round);
+        if (round == rounds)
+            break;
+        finished = 0;
+        started = round;
+        while (finished < threads)
             std::this_thread::yield();
+    }
+    for (std::thread& thread : pool)
+        thread.join();
+}
+
+// Runs `step` over and over on a thread of its own while it lives.
+class CBackground {
+public:
+    explicit CBackground(std::function<void()> step)
+        : m_thread([this, step] {
+              while (!m_done)
+                  step();
+          })
+    {
+    }
+    ~CBackground()
+    {
+        m_done = true;
+        m_thread.join();
     }
 
 private:
-    const int m_threads;
-    std::atomic<int> m_round{-1}, m_finished{0};
+    std::atomic<bool> m_done{false};
+    std::thread m_thread;
 };
 
 TEST_F(ExportThreads, ThreadsAskingForTheListTogetherAfterAReloadSeeOneWholeList)
 {
     writeLanguages({u"de-DE", u"fr-FR", u"it-IT", u"ja-JP"});
-    constexpr int kThreads = 4, kRounds = 200;
-    CStartLine start(kThreads);
     std::atomic<int> wrong{0}, lastWrongCount{4};
-    std::vector<std::thread> askers;
-    for (int t = 0; t < kThreads; ++t) {
-        askers.emplace_back([&] {
-            for (int round = 0; round < kRounds; ++round) {
-                start.await(round); // the list has just been forgotten
-                const int32_t count = QOR_LANG2_getLanguageCount(w(m_app));
-                if (count != 4 || !take(QOR_LANG2_getLanguage(w(m_app), 3))) {
-                    ++wrong;
-                    lastWrongCount = count;
-                }
-                start.finished();
+    inRounds(
+        4, 200, [](int) { EXPECT_EQ(QOR_LANG2_reload(), 0); }, [&](int, int) { // the list has just been forgotten
+            const int32_t count = QOR_LANG2_getLanguageCount(w(m_app));
+            if (count != 4 || !take(QOR_LANG2_getLanguage(w(m_app), 3))) {
+                ++wrong;
+                lastWrongCount = count;
             }
         });
-    }
-    for (int round = 0; round < kRounds; ++round) {
-        EXPECT_EQ(QOR_LANG2_reload(), 0);
-        start.run(round);
-    }
-    for (std::thread& asker : askers)
-        asker.join();
     EXPECT_EQ(wrong, 0) << "e.g. a count of " << lastWrongCount;
     EXPECT_EQ(QOR_LANG2_getLanguageCount(w(m_app)), 4) << "no doubled list stays behind";
 }
@@ -95,45 +109,27 @@ TEST_F(ExportThreads, TwoSwitchersLeaveATagAndTextsOfOneLanguageAndReadersSeeOnl
     // The first switcher's languages take long to read, the second's are read at once: a second
     // switch that starts during the first overtakes it unless switches run one at a time.
     const std::u16string tags[] = {u"de-DE", u"fr-FR", u"it-IT", u"ja-JP"};
-    std::vector<std::pair<std::u16string, std::u16string>> many;
+    Strings many;
     for (int i = 0; i < 3000; ++i)
         many.emplace_back(m_app + u"." + u16(std::to_string(i)), u"filler text of some length");
     for (int t = 0; t < 4; ++t) {
         many.emplace_back(m_key, tags[t]);
-        writeLanguageFile(m_folder, m_app, tags[t], t < 2 ? many : decltype(many){many.back()});
+        writeLanguageFile(m_folder, m_app, tags[t], t < 2 ? many : Strings{many.back()});
         many.pop_back();
     }
     ASSERT_EQ(addFolder(m_folder, m_app), 0);
     ASSERT_EQ(setLanguage(tags[0]), 0);
 
-    std::atomic<bool> done{false};
     std::atomic<int> unknownTags{0};
-    std::thread observer([&] {
-        const std::set<std::u16string> set(std::begin(tags), std::end(tags));
-        while (!done)
-            unknownTags += !set.count(currentLanguage().value_or(u"(null)"));
-    });
-    constexpr int kRounds = 30;
-    CStartLine start(2);
-    std::thread switchers[2];
-    for (int s = 0; s < 2; ++s) {
-        switchers[s] = std::thread([&, s] {
-            for (int round = 0; round < kRounds; ++round) {
-                start.await(round);
-                setLanguage(tags[2 * s + round % 2]);
-                start.finished();
-            }
-        });
-    }
     int disagreements = 0;
-    for (int round = 0; round < kRounds; ++round) {
-        start.run(round);
-        disagreements += localString(m_key, u"none") != currentLanguage();
+    {
+        const CBackground observer([&, known = std::set<std::u16string>(tags, tags + 4)] {
+            unknownTags += !known.count(currentLanguage().value_or(u"(null)"));
+        });
+        inRounds(
+            2, 30, [&](int) { disagreements += localString(m_key, u"none") != currentLanguage(); },
+            [&](int s, int round) { setLanguage(tags[2 * s + round % 2]); });
     }
-    for (std::thread& switcher : switchers)
-        switcher.join();
-    done = true;
-    observer.join();
     EXPECT_EQ(disagreements, 0) << "the current tag and the loaded texts must come from one switch";
     EXPECT_EQ(unknownTags, 0) << "getCurrentLanguage answered a tag nobody set";
 }
@@ -141,34 +137,21 @@ TEST_F(ExportThreads, TwoSwitchersLeaveATagAndTextsOfOneLanguageAndReadersSeeOnl
 TEST_F(ExportThreads, IdsAddedDuringSwitchesAreAllKept)
 {
     // A tag no other test of this process uses: its many packs cost other tests' switches only a
-    // look for a file.
+    // look for a file. Three digits: no id is the start of another, whose files its scan would count.
     constexpr int kIds = 48;
-    // Three digits: no id is the start of another, whose files its folder scan would count.
     auto id = [&](int i) { return m_app + u"-" + u16(std::to_string(100 + i)); };
     for (int i = 0; i < kIds; ++i)
         writeLanguageFile(m_folder, id(i), u"nl-NL", {{id(i) + u".key", id(i)}});
-    std::atomic<bool> done{false};
-    std::thread switcher([&] {
-        for (int i = 0; !done; ++i)
-            setLanguage(i % 2 ? u"nl-NL" : u"sv-SE");
-    });
-    // Two adders: ids added at the same moment must not lose each other either.
-    CStartLine start(2);
-    std::thread adders[2];
-    for (int a = 0; a < 2; ++a) {
-        adders[a] = std::thread([&, a] {
-            start.await(0);
-            for (int i = a; i < kIds; i += 2)
-                EXPECT_EQ(addFolder(m_folder, id(i)), 0);
-            start.finished();
-        });
+    {
+        const CBackground switcher([i = 0]() mutable { setLanguage(++i % 2 ? u"nl-NL" : u"sv-SE"); });
+        // Two adders: ids added at the same moment must not lose each other either.
+        inRounds(
+            2, 1, [](int) {},
+            [&](int a, int) {
+                for (int i = a; i < kIds; i += 2)
+                    EXPECT_EQ(addFolder(m_folder, id(i)), 0);
+            });
     }
-    start.run(0);
-    for (std::thread& adder : adders)
-        adder.join();
-    done = true;
-    switcher.join();
-
     ASSERT_EQ(setLanguage(u"nl-NL"), 0);
     for (int i = 0; i < kIds; ++i) {
         EXPECT_EQ(QOR_LANG2_getLanguageCount(w(id(i))), 1) << utf8(id(i));
@@ -177,34 +160,39 @@ TEST_F(ExportThreads, IdsAddedDuringSwitchesAreAllKept)
 }
 
 // More readers than the localizer has slots: some share one, and a switch must still wait for
-// every reader of the old texts and then finish.
-TEST_F(ExportThreads, MoreReadersThanSlotsWhileTheLanguageChanges)
+// every reader of the old texts and then finish. Every look-up sees one of the two texts:
+// another application, whose many texts are handed over first, keeps any moment without either
+// text open long enough to be seen.
+TEST_F(ExportThreads, MoreReadersThanSlotsWhileTheLanguageChangesSeeOneOfTheTexts)
 {
     writeLanguages({u"de-DE", u"fr-FR"});
+    Strings many;
+    for (int i = 0; i < 2000; ++i)
+        many.emplace_back(m_key + u16(std::to_string(i)), u"x");
+    fs::create_directory(m_folder / "other");
+    for (const char16_t* tag : {u"de-DE", u"fr-FR"})
+        writeLanguageFile(m_folder / "other", u"0" + m_app, tag, many);
+    ASSERT_EQ(addFolder(m_folder / "other", u"0" + m_app), 0);
     ASSERT_EQ(setLanguage(u"de-DE"), 0);
     constexpr int kReaders = 80;
-    std::atomic<bool> done{false};
     std::atomic<int> reading{0}, wrong{0};
-    std::vector<std::thread> readers;
-    for (int r = 0; r < kReaders; ++r) {
-        readers.emplace_back([&] {
-            for (bool first = true; !done; first = false) {
+    {
+        std::deque<CBackground> readers;
+        for (int r = 0; r < kReaders; ++r) {
+            readers.emplace_back([&, first = true]() mutable {
                 const Text text = localString(m_key, u"none");
                 wrong += text != u"de-DE" && text != u"fr-FR";
-                reading += first;
+                reading += std::exchange(first, false);
                 // Busy readers beyond the cores would make each switch wait for a scheduler
                 // round; yielding outside the look-up keeps the test short.
                 std::this_thread::yield();
-            }
-        });
+            });
+        }
+        while (reading < kReaders)
+            std::this_thread::yield();
+        for (int i = 0; i < 40; ++i)
+            EXPECT_EQ(setLanguage(i % 2 ? u"de-DE" : u"fr-FR"), 0);
     }
-    while (reading < kReaders)
-        std::this_thread::yield();
-    for (int i = 0; i < 40; ++i)
-        EXPECT_EQ(setLanguage(i % 2 ? u"de-DE" : u"fr-FR"), 0);
-    done = true;
-    for (std::thread& reader : readers)
-        reader.join();
     EXPECT_EQ(wrong, 0);
     EXPECT_EQ(localString(m_key, u"none"), u"de-DE");
 }
@@ -232,8 +220,7 @@ TEST(ExportThreadsChild, DISABLED_ReturnWhileLookingUp)
     ASSERT_EQ(setLanguage(u"de-DE"), 0);
     // Only what exit leaves alone: literals, a trivial static, the library.
     static std::atomic<int> started{0};
-    constexpr int kReaders = 4;
-    for (int r = 0; r < kReaders; ++r) {
+    for (int r = 0; r < 4; ++r) {
         std::thread([] {
             for (bool first = true;; first = false) {
                 QOR_LANG2_CHAR* text = QOR_LANG2_getLocalString(w(u"key"), w(u"default"));
@@ -246,7 +233,7 @@ TEST(ExportThreadsChild, DISABLED_ReturnWhileLookingUp)
             }
         }).detach();
     }
-    while (started < kReaders)
+    while (started < 4)
         std::this_thread::yield();
 }
 

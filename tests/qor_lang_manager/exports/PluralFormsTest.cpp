@@ -1,34 +1,18 @@
 // Plural forms through the exported look-up: a host asks for key + U+0005 + decimal(n) and gets
-// form formFor(n) of the entry key + U+0005 under the rule of the file that holds it.
+// form formFor(n) of the entry key + U+0005 under the rule of the file that holds it. Which rule
+// a file has is PluralLookupTest's business; here the wiring and the keys.
+#include "../PluralModels.h"
 #include "ExportTestSupport.h"
-
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
 
 namespace {
 
 using namespace export_test;
+using namespace plural_model;
 using namespace std::string_literals;
-
-using Model = unsigned long (*)(unsigned long);
 
 std::u16string countKey(const std::u16string& key, unsigned long n)
 {
     return key + u'\u0005' + u16(std::to_string(n));
-}
-
-std::vector<std::u16string> split(const std::u16string& forms)
-{
-    std::vector<std::u16string> out(1);
-    for (char16_t c : forms) {
-        if (c == u'\0')
-            out.emplace_back();
-        else
-            out.back().push_back(c);
-    }
-    return out;
 }
 
 struct PluralForms : ::testing::Test {
@@ -36,7 +20,7 @@ struct PluralForms : ::testing::Test {
     const std::u16string app = testName();
 
     void write(const std::string& sub, const std::u16string& appId, const std::u16string& tag, const char16_t* ownRule,
-               const std::vector<std::pair<std::u16string, std::u16string>>& strings)
+               const Strings& strings)
     {
         folder.makeFolder(sub);
         auto writer = languageWriter(tag, appId, strings);
@@ -45,50 +29,6 @@ struct PluralForms : ::testing::Test {
         writeLanguageFile(folder.path() / sub / (appId + u"-" + tag + u".qorlang"), writer);
     }
 };
-
-unsigned long slavic(unsigned long n)
-{
-    return n % 10 == 1 && n % 100 != 11 ? 0 : n % 10 >= 2 && n % 10 <= 4 && (n % 100 < 10 || n % 100 >= 20) ? 1 : 2;
-}
-
-TEST_F(PluralForms, EachLanguageAnswersTheFormItsRuleGivesTheCount)
-{
-    const struct {
-        const char16_t* tag;
-        const char16_t* ownRule;
-        std::u16string forms;
-        Model model;
-    } rows[] = {
-        {u"ru-RU", nullptr, u"файл\0файла\0файлов"s, slavic}, // the CLDR rule of the language
-        {u"ar-EG", nullptr, u"zero\0one\0two\0few\0many\0"s, // an empty form answers the default
-         [](unsigned long n) -> unsigned long {
-             return n == 0 ? 0 : n == 1 ? 1 : n == 2 ? 2 : n % 100 >= 3 && n % 100 <= 10 ? 3 : n % 100 >= 11 ? 4 : 5;
-         }},
-        {u"fr-FR", u"nplurals=2; plural=(n > 1);", u"un\0plusieurs"s, // the file's own rule wins
-         [](unsigned long n) -> unsigned long { return n > 1; }},
-        {u"ja-JP", nullptr, u"個"s, [](unsigned long) -> unsigned long { return 0; }},
-        {u"ace-ID", nullptr, u"one\0other"s, // no CLDR rule: gettext's default
-         [](unsigned long n) -> unsigned long { return n != 1; }},
-        {u"pl-PL", u"nplurals=9; plural=0;", u"plik\0pliki"s, // a bad own rule: CLDR's; form 2 missing
-         [](unsigned long n) -> unsigned long {
-             return n == 1 ? 0 : n % 10 >= 2 && n % 10 <= 4 && (n % 100 < 10 || n % 100 >= 20) ? 1 : 2;
-         }},
-    };
-    for (const auto& row : rows)
-        write("f", app, row.tag, row.ownRule, {{u"item\u0005", row.forms}, {u"item", u"singular"}});
-    ASSERT_EQ(addFolder(folder.path() / "f", app), 0);
-    for (const auto& row : rows) {
-        SCOPED_TRACE(utf8(row.tag));
-        ASSERT_EQ(setLanguage(row.tag), 0);
-        const auto forms = split(row.forms);
-        for (unsigned long n = 0; n <= 1200; ++n) {
-            const unsigned long form = row.model(n);
-            const std::u16string expected = form < forms.size() && !forms[form].empty() ? forms[form] : u"D";
-            ASSERT_EQ(localString(countKey(u"item", n), u"D"), expected) << "n=" << n;
-        }
-        EXPECT_EQ(localString(u"item", u"D"), u"singular") << "plain look-ups are untouched";
-    }
-}
 
 // Keys that are no request for a form, and requests without an entry, answer as any miss does.
 TEST_F(PluralForms, OtherKeysAnswerTheDefault)

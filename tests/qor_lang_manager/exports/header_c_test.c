@@ -5,6 +5,12 @@
 #include <stddef.h>
 #include <stdio.h>
 
+#if defined(_WIN32)
+#define T(s) L##s
+#else
+#define T(s) u##s
+#endif
+
 static int failures = 0;
 
 static void check(int ok, const char* what)
@@ -29,38 +35,25 @@ static int takeEquals(QOR_LANG2_CHAR* text, const char* expected)
 
 int main(void)
 {
-    static const QOR_LANG2_CHAR app[] = {'c', 'h', 'o', 's', 't', 0};
-    static const QOR_LANG2_CHAR folder[] = {'/', 'q', 'o', 'r', '-', 'n', 'o', 'n', 'e', 0};
-    static const QOR_LANG2_CHAR folderUri[] = {'f', 'i', 'l', 'e', ':', '/', '/', '/', 'q',
-                                               'o', 'r', '-', 'n', 'o', 'n', 'e', '/', 0};
-    static const QOR_LANG2_CHAR tag[] = {'e', 'n', '-', 'U', 'S', 0};
-    static const QOR_LANG2_CHAR key[] = {'k', 0};
-    static const QOR_LANG2_CHAR fallback[] = {'O', 'K', 0};
-    static const QOR_LANG2_CHAR prefix[] = {'h', '_', 0};
-    static const QOR_LANG2_CHAR empty[] = {0};
     QOR_LANG2_CHAR* (*const accessors[])(QOR_LANG2_FILE_HANDLE) = {
         QOR_LANG2_FILE_getAppID,         QOR_LANG2_FILE_getAuthor,         QOR_LANG2_FILE_getComment,
         QOR_LANG2_FILE_getEnglishName,   QOR_LANG2_FILE_getEnglishSubName, QOR_LANG2_FILE_getNativeName,
         QOR_LANG2_FILE_getNativeSubName, QOR_LANG2_FILE_getLanguageID};
-    QOR_LANG2_FILE_HANDLE file;
+    QOR_LANG2_FILE_HANDLE file = QOR_LANG2_getLanguageFile(T("chost"), 0);
     size_t i;
 
-    check(QOR_LANG2_add(folder, NULL, app) == 0, "add of a missing folder");
-    check(QOR_LANG2_addEx(folderUri, app) == 0, "addEx");
-    check(QOR_LANG2_reload() == 0, "reload");
-    check(QOR_LANG2_getLanguageCount(app) == 0, "getLanguageCount");
-    check(QOR_LANG2_getLanguage(app, 0) == NULL, "getLanguage");
-    file = QOR_LANG2_getLanguageFile(app, 0);
     check(file == NULL, "getLanguageFile");
     QOR_LANG2_freeQorLangFile(file);
-
-    check(QOR_LANG2_setCurrentLanguage(tag) == 0, "setCurrentLanguage");
+    check(QOR_LANG2_add(T("/qor-none"), NULL, T("chost")) == 0, "add of a missing folder");
+    check(QOR_LANG2_addEx(T("file:///qor-none/"), T("chost")) == 0, "addEx");
+    check(QOR_LANG2_reload() == 0, "reload");
+    check(QOR_LANG2_getLanguageCount(T("chost")) == 0, "getLanguageCount");
+    check(QOR_LANG2_getLanguage(T("chost"), 0) == NULL, "getLanguage");
+    check(QOR_LANG2_setCurrentLanguage(T("en-US")) == 0, "setCurrentLanguage");
     check(takeEquals(QOR_LANG2_getCurrentLanguage(), "en-US"), "getCurrentLanguage");
-    check(takeEquals(QOR_LANG2_getLocalString(key, fallback), "OK"), "getLocalString");
-    check(QOR_LANG2_findLocalizedFile(folderUri, prefix, empty, empty) == NULL, "findLocalizedFile");
-
+    check(takeEquals(QOR_LANG2_getLocalString(T("k"), T("OK")), "OK"), "getLocalString");
+    check(QOR_LANG2_findLocalizedFile(T("file:///qor-none/"), T("h_"), T(""), T("")) == NULL, "findLocalizedFile");
     for (i = 0; i < sizeof accessors / sizeof accessors[0]; ++i)
         check(accessors[i](NULL) == NULL, "a QOR_LANG2_FILE_ accessor with a null handle");
-
     return failures ? 1 : 0;
 }
