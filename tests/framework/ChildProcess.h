@@ -31,4 +31,7 @@ private:
 // The parent's text in a child process; empty in a process that is no child.
 std::string childParameter();
 
+// True in a Windows build that runs under Wine rather than Windows.
+bool runsUnderWine();
+
 } // namespace kore_test

@@ -73,4 +73,9 @@ std::string childParameter()
     return value ? value : "";
 }
 
+bool runsUnderWine()
+{
+    return false;
+}
+
 } // namespace kore_test

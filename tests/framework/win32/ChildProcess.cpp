@@ -97,4 +97,9 @@ std::string childParameter()
     return std::string(utf8.begin(), utf8.end());
 }
 
+bool runsUnderWine()
+{
+    return GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;
+}
+
 } // namespace kore_test
