@@ -78,6 +78,7 @@ TEST_P(QorlangSession, ReplaysItsTranscript)
     EXPECT_EQ(actual, expected);
 }
 
-INSTANTIATE_TEST_SUITE_P(Tool, QorlangSession, testing::Values("failures", "compile", "check", "i18next"));
+INSTANTIATE_TEST_SUITE_P(Tool, QorlangSession, testing::Values("failures", "compile", "check", "i18next"),
+                         [](const auto& info) { return std::string(info.param); });
 
 #endif
