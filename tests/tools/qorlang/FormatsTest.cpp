@@ -294,7 +294,7 @@ TEST(Formats, WrittenFilesReadBack)
         const Catalogue back = readCatalogueBytes(path, text);
         // TS groups messages by Qt context name, so compare without the order.
         EXPECT_EQ(linesOf(back, true), linesOf(c, true)) << text;
-        expectSameDescription(back, c);
+        EXPECT_EQ(descriptionOf(back), descriptionOf(c));
         po = text;
     }
 #ifndef _WIN32
