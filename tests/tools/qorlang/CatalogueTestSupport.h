@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <tuple>
 
 namespace qorlang_test {
 
@@ -68,17 +69,12 @@ inline qorlang::Catalogue describedCatalogue(const std::string& path)
     return c;
 }
 
-// The writers spell the tag their own way ("de_DE" in PO and TS); it is compared as the library reads it.
-inline void expectSameDescription(const qorlang::Catalogue& back, const qorlang::Catalogue& c)
+// The descriptive data to compare; the writers spell the tag their own way ("de_DE" in PO and TS), so
+// it is compared as the library reads it.
+inline auto descriptionOf(const qorlang::Catalogue& c)
 {
-    EXPECT_EQ(back.author, c.author);
-    EXPECT_EQ(back.comment, c.comment);
-    EXPECT_EQ(back.appId, c.appId);
-    EXPECT_EQ(back.nativeName, c.nativeName);
-    EXPECT_EQ(back.nativeSubName, c.nativeSubName);
-    EXPECT_EQ(back.version, c.version);
-    ASSERT_TRUE(back.language);
-    EXPECT_EQ(qorlang::normalisedTag(*back.language), u"de-DE");
+    return std::tuple(c.author, c.comment, c.appId, c.nativeName, c.nativeSubName, c.version,
+                      c.language ? qorlang::normalisedTag(*c.language) : std::nullopt);
 }
 
 } // namespace qorlang_test

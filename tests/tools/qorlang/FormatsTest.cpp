@@ -16,12 +16,20 @@ using namespace qorlang_test;
 
 namespace {
 
-Catalogue read(const std::string& path, const std::string& bytes, const char16_t* i18nextTag = u"ru-RU")
+Catalogue read(const std::string& path, const std::string& bytes, const char16_t* i18nextTag = u"ru-RU",
+               QtContext mode = QtContext::Auto)
 {
-    Catalogue c = readCatalogueBytes(path, bytes);
+    Catalogue c = readCatalogueBytes(path, bytes, mode);
     if (formatOf(path) == Format::Json)
         joinI18nextPlurals(c, i18nextTag);
     return c;
+}
+
+// A translator's document as its tool wrote it, from documents/ beside this test.
+Catalogue document(const std::string& name, const char16_t* i18nextTag = u"ru-RU", QtContext mode = QtContext::Auto)
+{
+    const std::string path = QORLANG_DATA "/documents/" + name;
+    return read(path, readFileBytes(path), i18nextTag, mode);
 }
 
 const char kRule[] =
@@ -87,8 +95,8 @@ TEST(Formats, PoCataloguesInTheirOwnCharsets)
     // msgconv (KOI8-R) read as their UTF-8 forms do; tests/tools/qorlang/charsets/regenerate.sh.
     for (const char* language : {"cs", "he", "ja", "ru"}) {
         SCOPED_TRACE(language);
-        const Catalogue encoded = readCatalogue(QORLANG_CHARSETS "/" + std::string(language) + ".po");
-        const Catalogue utf8 = readCatalogue(QORLANG_CHARSETS "/" + std::string(language) + ".utf8.po");
+        const Catalogue encoded = readCatalogue(QORLANG_DATA "/charsets/" + std::string(language) + ".po");
+        const Catalogue utf8 = readCatalogue(QORLANG_DATA "/charsets/" + std::string(language) + ".utf8.po");
         EXPECT_EQ(linesOf(encoded), linesOf(utf8));
         EXPECT_EQ(encoded.author, utf8.author);
         ASSERT_GE(encoded.entries.size(), 3u);
@@ -98,37 +106,10 @@ TEST(Formats, PoCataloguesInTheirOwnCharsets)
     }
 }
 
-// TS and XLIFF as lconvert writes them from a PO catalogue, XLIFF 2.0, and i18next JSON.
+// TS and XLIFF as lconvert writes them from a PO catalogue (documents/lconvert-ru.*), XLIFF 2.0, and i18next JSON.
 TEST(Formats, TsXliffAndJsonReadAsTheirToolsWriteThem)
 {
-    const Catalogue ts = readTs("t.ts", R"(<?xml version="1.0" encoding="utf-8"?>
-<!DOCTYPE TS>
-<TS version="2.1" language="ru_RU">
-    <extra-po-header-last_translator>Ivan</extra-po-header-last_translator>
-<context>
-    <name></name>
-    <message><source>Open</source><comment>menu</comment><translation>Открыть</translation></message>
-    <message><source>Plain</source><translation>Просто</translation></message>
-    <message numerus="yes"><source>a file</source><translation>
-            <numerusform>%d файл</numerusform>
-            <numerusform>%d файла</numerusform>
-        </translation><extra-po-flags>c-format</extra-po-flags></message>
-    <message numerus="yes"><source>%d file</source><translation>
-            <numerusform>%d файл</numerusform><numerusform>%d файла</numerusform><numerusform>%d файлов</numerusform>
-        </translation><extra-po-msgid_plural>%d files</extra-po-msgid_plural></message>
-    <message><source>Fuzzy</source><translation type="unfinished">Нечётко</translation></message>
-    <message><source>Old</source><translation type="vanished">Старое</translation></message>
-    <message><source><byte value="xd"/>
-line<byte value="x7"/>
-</source><translation> </translation></message>
-</context>
-<context>
-    <name>MainWindow</name>
-    <message><source>Open</source><comment>verb</comment><translation>Открывать</translation></message>
-    <message><source>Close</source><translation>Закрыть</translation></message>
-</context>
-</TS>
-)");
+    const Catalogue ts = document("lconvert-ru.ts");
     EXPECT_EQ(ts.language, u"ru_RU");
     EXPECT_EQ(ts.author, u"Ivan");
     EXPECT_EQ(linesOf(ts),
@@ -138,34 +119,7 @@ line<byte value="x7"/>
                      "MainWindow|␄Close = Закрыть"}));
 
     // Lines end in LF, so the CR inside the first source is the text's own.
-    const Catalogue xliff = readXliff(
-        "t.xlf",
-        R"(<?xml version="1.0" encoding="utf-8"?>
-<xliff version="1.2" xmlns="urn:oasis:names:tc:xliff:document:1.2" xmlns:trolltech="urn:trolltech:names:ts:document:1.0">
-  <trolltech:po-header-language>ru</trolltech:po-header-language>
-  <file original="" datatype="plaintext" source-language="en" target-language="ru-RU"><body>
-    <trans-unit id="_msg1"><source xml:space="preserve">)"
-        "\r\nbotched\r\n"
-        R"(</source><target xml:space="preserve"><ph id="ph1" ctype="x-ch-bel">\a</ph>сбой <g id="1">a</g> <g id="2">b</g></target></trans-unit>
-    <trans-unit id="_msg2"><source>Open</source><target>Открыть</target>
-      <context-group><context context-type="x-gettext-msgctxt">menu</context></context-group></trans-unit>
-    <group restype="x-gettext-plurals">
-      <context-group><context context-type="x-gettext-msgctxt">files</context></context-group>
-      <trolltech:po-flags>c-format</trolltech:po-flags>
-      <trans-unit id="_msg3[0]" approved="yes"><source>%&lt;PRIu8&gt; file</source><target>%&lt;PRIu8&gt; файл</target></trans-unit>
-      <trans-unit id="_msg3[1]"><source>%&lt;PRIu8&gt; files</source><target>%&lt;PRIu8&gt; файла</target></trans-unit>
-      <trans-unit id="_msg3[2]"><source>%&lt;PRIu8&gt; files</source><target>%&lt;PRIu8&gt; файлов</target></trans-unit>
-    </group>
-    <trans-unit id="_msg4"><source>Fuzzy</source><target state="needs-review-translation">Нечётко</target></trans-unit>
-    <trans-unit id="_msg5" translate="no"><source>Old</source><target>Старое</target></trans-unit>
-    <trans-unit id="_msg6"><source>Untranslated</source><target></target></trans-unit>
-    <group restype="x-trolltech-linguist-context" resname="MainWindow">
-      <trans-unit id="_msg7"><source>Close</source><target>Закрыть</target></trans-unit>
-    </group>
-    <trans-unit id="k" resname="app.title"><source>Title</source><target>Заголовок</target></trans-unit>
-  </body></file>
-</xliff>
-)");
+    const Catalogue xliff = document("lconvert-ru.xlf");
     EXPECT_EQ(xliff.language, u"ru-RU"); // the file's target language before lconvert's copy of the PO header
     EXPECT_EQ(linesOf(xliff), (Lines{"\r\nbotched\r\n = \aсбой a b", "menu␄Open = Открыть",
                                      "files␄%u file = %u файл [%u файл|%u файла|%u файлов] / %u files",
@@ -174,34 +128,13 @@ line<byte value="x7"/>
     EXPECT_EQ(xliff.entries[0].line, 5);
     EXPECT_EQ(xliff.entries[7].line, 23);
 
-    const Catalogue xliff2 = readXliff(
-        "t.xlf",
-        "<?xml version=\"1.0\"?>\r\n"
-        "<xliff xmlns=\"urn:oasis:names:tc:xliff:document:2.0\" version=\"2.0\" srcLang=\"en\" trgLang=\"de-DE\">\r\n"
-        " <file id=\"f1\"><group id=\"g\">\r\n"
-        "  <unit id=\"1\" name=\"menu.open\"><segment state=\"final\"><source>Open</source>"
-        "<target>Öffnen\r\nnow</target></segment></unit>\r\n"
-        "  <unit id=\"2\"><segment><source>Two </source><target>Zwei </target></segment>"
-        "<ignorable><source> </source><target> </target></ignorable>"
-        "<segment state=\"initial\"><source>parts</source><target>Teile</target></segment></unit>\r\n"
-        "  <group id=\"p\" type=\"x-gettext:plurals\">\r\n"
-        "   <unit id=\"3\"><segment><source>%d file</source><target>%d файл</target></segment></unit>\r\n"
-        "   <unit id=\"4\"><segment><source>%d files</source><target>%d файла</target></segment></unit>\r\n"
-        "  </group>\r\n"
-        "  <unit id=\"5\" "
-        "name=\"menu&#4;Open\"><segment><source>Open</source><target>Открыть</target></segment></unit>\r\n"
-        " </group></file>\r\n</xliff>\r\n");
+    const Catalogue xliff2 = document("de.xlf");
     EXPECT_EQ(xliff2.language, u"de-DE");
     EXPECT_EQ(linesOf(xliff2), (Lines{"menu.open = Öffnen\nnow", "Two  parts = (fuzzy) Zwei  Teile",
                                       "%d file = %d файл [%d файл|%d файла] / %d files", "menu␄Open = Открыть"}));
 
     // i18next: nested objects give dotted keys; a language's plural suffixes join into one entry.
-    const Catalogue json = read("de.json",
-                                "\xEF\xBB\xBF{\"menu\": {\"file\": {\"open\": \"Öffnen\"}, \"close\": \"Schließen\"},\n"
-                                " \"steps\": [\"eins\", {\"deep\": \"zwei\"}], \"item_one\": \"{{count}} Datei\",\n"
-                                " \"missing\": null, \"count\": 5, \"on\": true, \"flat.key\": \"x\", \"ctx\\u0004k\": "
-                                "\"हिन्दी\"}",
-                                u"");
+    const Catalogue json = document("i18next-de.json", u"");
     EXPECT_EQ(linesOf(json, true), (Lines{"count = 5", "ctx␄k = हिन्दी", "flat.key = x", "item_one = {{count}} Datei",
                                           "menu.close = Schließen", "menu.file.open = Öffnen",
                                           "missing = ", "on = true", "steps.0 = eins", "steps.1.deep = zwei"}));
@@ -275,22 +208,11 @@ TEST(Formats, ErrorsNameFileAndLine)
 TEST(Formats, EveryPrefixOfAGoodFileReadsOrFailsCleanly)
 {
     // A clean error or a catalogue with no entry the whole file lacks, never a crash or a read past
-    // the end (the sanitizer build watches). The XML and JSON readers refuse every cut before the
+    // the end (the sanitizer build watches), for each documents/cut.*. The XML and JSON readers refuse every cut before the
     // document's end; the PO reader refuses a cut inside a string.
-    const std::pair<std::string, std::string> files[] = {
-        {"t.po", "# c\nmsgid \"\"\nmsgstr \"Language: de_DE\\n\"\n\n#, fuzzy, c-format\nmsgctxt \"m\"\nmsgid \"a "
-                 "%<PRIu64>\"\nmsgid_plural \"b\"\nmsgstr[0] \"\\x41\\101\"\nmsgstr[1] \"\"\n\n#~ msgid \"o\"\n#~ "
-                 "msgstr \"p\"\n"},
-        {"t.txt", "@tag=de-DE\n@version=12\nkey=text\\n\n"},
-        {"t.json", "{\"@qorlang\": {\"version\": \"3\"}, \"a\": {\"b\": [\"\\u0041\\n\", null, 5]}, \"c\": \"ü\"}"},
-        {"t.ts", "<?xml version=\"1.0\"?>\n<TS language=\"de_DE\"><context><name>N</name><message numerus=\"yes\">"
-                 "<source>a<byte value=\"x7\"/> </source><comment>c</comment><translation type=\"unfinished\">"
-                 "<numerusform>x</numerusform></translation></message></context></TS>"},
-        {"t.xlf", "<xliff version=\"1.2\"><file target-language=\"de-DE\"><body><group restype=\"x-gettext-plurals\">"
-                  "<trans-unit id=\"1\"><source>a\r\n</source><target state=\"new\"><ph ctype=\"x-ch-bel\">\\a</ph>"
-                  "</target></trans-unit></group></body></file></xliff>"}};
-    for (const auto& [path, whole] : files) {
+    for (const std::string path : {"cut.po", "cut.txt", "cut.json", "cut.ts", "cut.xlf"}) {
         SCOPED_TRACE(path);
+        const std::string whole = readFileBytes(QORLANG_DATA "/documents/" + path);
         const size_t entries = readCatalogueBytes(path, whole).entries.size();
         ASSERT_GT(entries, 0u);
         size_t refused = 0;
@@ -361,7 +283,7 @@ TEST(Formats, WrittenFilesReadBack)
         const Catalogue back = readCatalogueBytes(path, text);
         // TS groups messages by Qt context name, so compare without the order.
         EXPECT_EQ(linesOf(back, true), linesOf(c, true)) << text;
-        expectSameDescription(back, c);
+        EXPECT_EQ(descriptionOf(back), descriptionOf(c));
         po = text;
     }
 #ifndef _WIN32
@@ -409,19 +331,7 @@ TEST(Formats, QtContextNamesEnterTheKeysAsChosen)
 {
     // The README's style (key-like sources under a grouping name), lupdate's output for
     // qor_lang2::tr("app.title", "My App") and tr("Open file"), and Qt's own texts with contexts.
-    const char ts[] = R"(<TS version="2.1" language="ja_JP">
-<context><name>MainWindow</name>
-  <message><source>app.title</source><translation>題名</translation></message>
-  <message><source>menu.quit</source><comment>short</comment><translation>終了</translation></message>
-</context>
-<context><name>qor_lang2</name>
-  <message><source>app.title</source><comment>My App</comment><translation>アプリ</translation></message>
-  <message><source>Open file</source><translation>開く</translation></message>
-</context>
-<context><name>Dialog</name>
-  <message><source>Open</source><comment>verb</comment><translation>開ける</translation></message>
-</context>
-</TS>)";
+
     const std::pair<QtContext, Lines> cases[] = {
         {QtContext::Keep,
          {"Dialog|verb␄Open = 開ける", "MainWindow|short␄menu.quit = 終了", "MainWindow|␄app.title = 題名",
@@ -433,10 +343,10 @@ TEST(Formats, QtContextNamesEnterTheKeysAsChosen)
          {"Dialog|verb␄Open = 開ける", "Open file = 開く", "app.title = アプリ", "app.title = 題名",
           "short␄menu.quit = 終了"}}};
     for (const auto& [mode, expected] : cases)
-        EXPECT_EQ(linesOf(readTs("ja.ts", ts, mode), true), expected) << int(mode);
+        EXPECT_EQ(linesOf(document("lupdate-ja.ts", u"", mode), true), expected) << int(mode);
     // A TS file the tool wrote compiles to the keys it was written from.
     Catalogue kept = describedCatalogue("ja.ts");
-    kept.entries = readTs("ja.ts", ts, QtContext::Keep).entries;
+    kept.entries = document("lupdate-ja.ts", u"", QtContext::Keep).entries;
     EXPECT_EQ(linesOf(readTs("again.ts", writeTs(kept))), linesOf(kept));
     for (std::u16string_view key : {u"app.title", u"menu.file-open_2", u"a.b.c"})
         EXPECT_TRUE(looksLikeKey(key)) << encodeUtf8(key);

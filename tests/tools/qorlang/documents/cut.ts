@@ -1,0 +1,2 @@
+<?xml version="1.0"?>
+<TS language="de_DE"><context><name>N</name><message numerus="yes"><source>a<byte value="x7"/> </source><comment>c</comment><translation type="unfinished"><numerusform>x</numerusform></translation></message></context></TS>

@@ -1,0 +1,3 @@
+<TS>
+<context>
+<a & b>
