@@ -233,9 +233,12 @@ std::vector<Finding> checkCatalogue(const Catalogue& c, const Catalogue* referen
              "the language " + quoted(*c.language) +
                  " is not a tag QOR_LANG2_setCurrentLanguage accepts (it needs language-COUNTRY, such as de-DE)"});
     } else if (!compiled) {
-        const TagChoice choice = tagFor(*c.language);
+        // The tag the catalogue would compile to also picks its plural rule below: "ar_EG" must be
+        // checked against Arabic's six forms, not looked up as written.
+        TagChoice choice = tagFor(*c.language);
         if (!choice.tag)
             out.push_back({c.languageLine, false, choice.problem});
+        tag = std::move(choice.tag);
     }
     if (compiled && tag) {
         const std::u16string expected = languageFileName(c.appId.value_or(u""), *tag);
