@@ -94,4 +94,25 @@ TEST(TextTable, KeysThatShareABucketAreAllFoundAndDuplicatesKeepTheHighestRank)
     EXPECT_EQ(find(*empty, u"k1"), u"<absent>");
 }
 
+// Keys of one length whose tags (the low half of the hash) agree and that share a bucket are still
+// told apart by their units: both are kept and each finds its own text.
+TEST(TextTable, KeysOfOneLengthAndTagStayApart)
+{
+    std::map<uint64_t, std::u16string> seen; // tag and top bit (the bucket of two entries) to key
+    for (int n = 100000;; ++n) {
+        const std::u16string k = key(n);
+        const uint64_t h = hashOf(k);
+        const auto [other, fresh] = seen.emplace((h & 0xFFFFFFFFu) | (h >> 63 << 32), k);
+        if (fresh)
+            continue;
+        CTextTable::CBuilder builder;
+        builder.addCopy(other->second.data(), 7, u"first", 5, 0);
+        builder.addCopy(k.data(), 7, u"second", 6, 0);
+        const P<CTextTable> table = builder.build();
+        EXPECT_EQ(table->getCount(), 2u);
+        EXPECT_EQ(find(*table, other->second) + find(*table, k), u"firstsecond");
+        break;
+    }
+}
+
 } // namespace
