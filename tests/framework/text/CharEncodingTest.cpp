@@ -307,10 +307,11 @@ TEST(CharEncoding, CharacterThatDoesNotFit)
         const ICharEncoding& enc;
         uint32_t cp, len, off, want;
     } rows[] = {
-        {utf8(), 0x20AC, 4, 2, 2},  {utf8(), 0x20AC, 4, 1, 4},   {utf8(), 'x', 4, 4, 4},
-        {utf8(), 'x', 4, 9, 9},     {utf16(), 0x1F600, 4, 2, 2}, {utf16(), 'x', 3, 2, 2},
-        {utf32(), 0x41, 7, 4, 4},   {latin1(), 'x', 2, 2, 2},    {codePage(), 'x', 4, 4, 0},
-        {codePage(), 'x', 2, 2, 0}, {codePage(), 'x', 4, 3, 4},  {codePage(), 0x4E00, 4, 1, 1},
+        {utf8(), 0x20AC, 4, 2, 2},     {utf8(), 0x20AC, 4, 1, 4},   {utf8(), 'x', 4, 4, 4},
+        {utf8(), 'x', 4, 9, 9},        {utf16(), 0x1F600, 4, 2, 2}, {utf16(), 'x', 3, 2, 2},
+        {utf32(), 0x41, 7, 4, 4},      {latin1(), 'x', 2, 2, 2},    {codePage(), 'x', 4, 4, 0},
+        {codePage(), 'x', 2, 2, 0},    {codePage(), 'x', 4, 3, 4},  {codePage(), 0x4E00, 4, 1, 1},
+        {codePage(), 0xFFFF, 4, 4, 0},
     };
     for (const auto& r : rows) {
         Bytes b(16, 0xEE);

@@ -348,11 +348,14 @@ TEST(StringArgument, EveryVariantGivesTheSameAnswers)
     EXPECT_EQ(s.compare(static_cast<const char*>(nullptr)), 1);
     EXPECT_EQ(s.compare(static_cast<const char16_t*>(nullptr)), 1);
     EXPECT_EQ(s.concat(none)->toUTF8(), "abc");
+    // Measured text ends in its NUL; text of a given length need not.
+    EXPECT_EQ(std::pair(CStringArg(u"ab")->isTerminated(), CStringArg(u"abc", 2)->isTerminated()),
+              std::pair(true, false));
     EXPECT_THROW(CStringArg(u"ab", 0x80000000u), CException);
     EXPECT_THROW(CStringArg(U"ab", 0x40000000u), CException);
 }
 
-TEST(StringSlice, KeepsItsParentAlive)
+TEST(StringSlice, KeepsItsParentAliveAndResultsTakeAnEncodingThatHoldsThem)
 {
     P<CUTF8String> parent = make<CUTF8String>("h\xC3\xA9llo w\xC3\xB6rld");
     const int32_t before = parent->getRefCount();
@@ -370,10 +373,6 @@ TEST(StringSlice, KeepsItsParentAlive)
     P<IString> rest = CString::fromUTF16(std::u16string(300000, u'x'));
     while (rest->getLength() != 0)
         rest = rest->slice(1);
-}
-
-TEST(StringReplace, TheResultsEncoding)
-{
     // The result keeps the left encoding when it can hold anything, or both share it; else UTF-16.
     EXPECT_EQ(storage(*CLatin1String("x-y").replaceAll("-", u"\u20AC")),
               "UTF-16 x\xE2\x82\xACy, 6 bytes, 3 chars, owned, terminated");
