@@ -12,6 +12,7 @@
 #include "framework/text/CUTF16CharEncoding.h"
 #include "framework/text/CUTF32CharEncoding.h"
 #include "framework/text/CUTF8CharEncoding.h"
+#include "framework/text/UTF8Decoding.h"
 
 #include <algorithm>
 #include <cstring>
@@ -173,6 +174,7 @@ TEST(StringConversion, WhatEachTargetKeeps)
     for (const char* bad : {"a\xFF", "\xE0\xA4", "\xC0\x80", "\xED\xA0\x80", "\xF4\x90\x80\x80", "\xE0\x80\x80"})
         EXPECT_EQ(CString::tryFromUTF8(bad), nullptr) << bad;
     EXPECT_EQ(CString::fromUTF8("\xE0\xA4\xB9\xFF!")->toU16(), u"\u0939!");
+    EXPECT_EQ(encodeUTF8(u"\xD800\U0001F600\xDC00"), "\xEF\xBF\xBD\xF0\x9F\x98\x80\xEF\xBF\xBD"); // lone halves
 }
 
 // Random texts over an alphabet of case pairs, characters that are no case variants, and
@@ -273,6 +275,7 @@ TEST(StringOperations, AgreeWithTheSameWorkOnTheirCodePoints)
         EXPECT_EQ(cps(*CString::fromUTF8(utf8)), a);
         EXPECT_EQ(cps(*CString::tryFromUTF8(utf8)), a);
         EXPECT_EQ(CString::fromUTF8(utf8)->toUTF8(), utf8);
+        EXPECT_EQ(encodeUTF8(x->toU16()), utf8);
         std::u32string replaced = a;
         const std::u32string with = cps(*z);
         for (size_t at = 0; !b.empty() && (at = replaced.find(b, at)) != std::u32string::npos; at += with.size())
