@@ -21,17 +21,19 @@ using Journal = std::vector<std::string>;
 // Appends "<name>:<level>:<module>:<text>:<code>:<line>" (or "<name>:write:...") to a journal.
 struct CRecordingLog : CObject, ILog {
     CRecordingLog(std::string name, Journal& journal) : name(std::move(name)), journal(journal) {}
-    void write(const CStringArg& m, const CStringArg& r) override { add("write:" + m->toUTF8() + ":" + r->toUTF8()); }
+    void write(const CStringArg& m, const CStringArg& r) override
+    {
+        journal.push_back(name + ":write:" + m->toUTF8() + ":" + r->toUTF8());
+    }
     void setLevel(int32_t) override {}
     int32_t getLevel() const override { return 0; }
     void log(int32_t level, const CStringArg& module, const CStringArg& text, int32_t code, int32_t line) override
     {
-        add(std::to_string(level) + ":" + module->toUTF8() + ":" + text->toUTF8() + ":" + std::to_string(code) + ":" +
-            std::to_string(line));
+        journal.push_back(name + ":" + std::to_string(level) + ":" + module->toUTF8() + ":" + text->toUTF8() + ":" +
+                          std::to_string(code) + ":" + std::to_string(line));
         if (onLog)
             onLog();
     }
-    void add(const std::string& entry) { journal.push_back(name + ":" + entry); }
     std::function<void()> onLog;
     std::string name;
     Journal& journal;
@@ -144,7 +146,7 @@ TEST_F(LogManagerTest, RecordsFromManyThreadsAllArrive)
     EXPECT_EQ(journal.size(), 2000u);
 }
 
-TEST(LogSink, RecordLinesAreReadable)
+TEST(LogSink, RecordLinesAndFileLogs)
 {
     const system_clock::time_point when =
         sys_days{year{2025} / 1 / 31} + hours{14} + minutes{2} + seconds{3} + milliseconds{123};
@@ -156,10 +158,8 @@ TEST(LogSink, RecordLinesAreReadable)
     EXPECT_EQ(CLogSink::formatRecord(when, -2, *u("m"), *u("t"), 0, 0),
               "2025-01-31T14:02:03.123Z L-2   [m] t (line 0)\n");
     EXPECT_EQ(CLogSink::formatWrite(when, *u("m"), *u("raw")), "2025-01-31T14:02:03.123Z [m] raw\n");
-}
 
-TEST(LogSink, FileLogAppendsFiltersAndReportsWhatFails)
-{
+    // A file log appends, filters by its own level and names the file it cannot open.
     CTempFolder temp;
     const P<IString> path = CString::fromUTF8(temp.utf8("app ü.log"));
     {

