@@ -90,12 +90,9 @@ TEST(Errors, TextsOfEveryClassAndClonesThatMatchThem)
             EXPECT_EQ(dynamic_cast<const CURIError&>(*copy).getURI(), e->getURI());
         }
     }
-}
 
-// what() hands the description over in the process code page: one byte per character of
-// Latin-1, no UTF-8 (characters beyond it depend on the host's page and locale).
-TEST(Errors, WhatOfANonAsciiDescriptionIsInTheCodePage)
-{
+    // what() hands the description over in the process code page: one byte per character of
+    // Latin-1, no UTF-8 (characters beyond it depend on the host's page and locale).
     const CError error("G", u"Gr\u00f6\u00dfe 5");
     EXPECT_EQ(std::string(error.what()), "Gr\xf6\xdf"
                                          "e 5");

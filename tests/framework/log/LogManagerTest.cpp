@@ -129,21 +129,28 @@ TEST_F(LogManagerTest, SinksMayChangeTheRegistrationsWhileBeingCalled)
     manager->info("m", "second", 0);
     EXPECT_EQ(journal,
               (Journal{"a:1:m:first:0:-1", "b:1:new.module:nested:0:-1", "c:1:m:first:0:-1", "c:1:m:second:0:-1"}));
-}
 
-TEST_F(LogManagerTest, RecordsFromManyThreadsAllArrive)
-{
+    // Records from many threads all arrive.
+    journal.clear();
     auto s = sink("s");
-    manager->addLog("m", s.get());
+    manager->addLog("threads", s.get());
     std::vector<std::thread> threads(4);
     for (auto& t : threads)
         t = std::thread([&] {
             for (int i = 0; i < 500; ++i)
-                manager->info("m", "r", i);
+                manager->info("threads", "r", i);
         });
     for (auto& t : threads)
         t.join();
     EXPECT_EQ(journal.size(), 2000u);
+}
+
+std::u16string traceLine(const CStringArg& file, int32_t line, const CStringArg& comment)
+{
+    char16_t buffer[kTraceBufferSize];
+    const uint32_t length = formatTraceLine(buffer, file, line, comment);
+    EXPECT_EQ(buffer[length], u'\0');
+    return std::u16string(buffer, length);
 }
 
 TEST(LogSink, RecordLinesAndFileLogs)
@@ -179,18 +186,8 @@ TEST(LogSink, RecordLinesAndFileLogs)
     const std::string error =
         descriptionOf<CFileError>([&] { CFileLog missing(CString::fromUTF8(temp.utf8("no such dir/x.log"))); });
     EXPECT_NE(error.find("no such dir"), std::string::npos) << error;
-}
 
-std::u16string traceLine(const CStringArg& file, int32_t line, const CStringArg& comment)
-{
-    char16_t buffer[kTraceBufferSize];
-    const uint32_t length = formatTraceLine(buffer, file, line, comment);
-    EXPECT_EQ(buffer[length], u'\0');
-    return std::u16string(buffer, length);
-}
-
-TEST(Trace, LineFormsAndCut)
-{
+    // Trace lines.
     EXPECT_EQ(traceLine(L"C:\\src\\manager.cpp", 120, L"Setting Language"),
               u"qor_trace: C:\\src\\manager.cpp (120) c=Setting Language\n");
     EXPECT_EQ(traceLine(L"manager.cpp", -7, L""), u"qor_trace: manager.cpp (-7)\n");

@@ -313,12 +313,9 @@ TEST(StringFormat, ErrorsCarryContextMessageAndFormatAndCountsAreBounded)
     EXPECT_EQ(formatString(("%" + std::to_string(max) + "d").c_str(), 7)->getLength(), uint32_t(max));
     EXPECT_EQ(formatString("%-*s|", max, "x")->getLength(), uint32_t(max + 1));
     EXPECT_EQ(formatString("%.*d", max, 1)->getLength(), uint32_t(max));
-}
 
-// The result is refused until every field is filled; a rejected argument changes nothing, and a
-// malformed field stands as a string field while the rest of the format still follows.
-TEST(StringFormat, ResultOnlyWhenCompleteAndConsistentAfterAnError)
-{
+    // The result is refused until every field is filled; a rejected argument changes nothing, and a
+    // malformed field stands as a string field while the rest of the format still follows.
     CStringFormat f("%d %d");
     f.pushInt(1);
     expectThrown<CInvalidObjectStateError>([&] { f.getResult(); },

@@ -94,10 +94,7 @@ TEST(StringStorage, CopyBorrowAndAdopt)
     std::memcpy(measured, "xy", 3);
     EXPECT_EQ(storage(CString(measured, kUnknown, kUnknown, true, *CUTF8CharEncoding::instance(), CString::kAdopt)),
               "UTF-8 xy, 2 bytes, 2 chars, owned, terminated");
-}
 
-TEST(StringStorage, NullWrongCountsAndInvalidBytes)
-{
     for (ICharEncoding* enc : allEncodings()) {
         for (auto mode : {CString::kCopy, CString::kAdopt, CString::kBorrow}) {
             CString s(nullptr, 5, 3, false, *enc, mode);
