@@ -234,7 +234,6 @@ TEST(StringFormat, LiteralTextArgumentsStringsAndCharacters)
     // writes its prefix, negative widths and precisions count as 0) the grid above checks. Unsigned
     // widths are fine, and a character is taken as an integer while a width is pending.
     EXPECT_EQ(utf8(formatString("[%*c]%*d[%-*s]", U'\x03', U'x', 2u, 1, 4, "ab")), "[  x] 1[ab  ]");
-    EXPECT_EQ(utf8(formatString("%.2s", "abc")), "ab");
     // A cut string is not padded.
     EXPECT_EQ(utf8(formatString("[%10.2s]", "abc")), "[ab]");
     EXPECT_EQ(utf8(formatString("[%5s][%-5s][%05s][%-05s]", "ab", "ab", "ab", "ab")), "[   ab][ab   ][000ab][ab000]");
