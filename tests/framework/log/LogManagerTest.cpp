@@ -21,17 +21,19 @@ using Journal = std::vector<std::string>;
 // Appends "<name>:<level>:<module>:<text>:<code>:<line>" (or "<name>:write:...") to a journal.
 struct CRecordingLog : CObject, ILog {
     CRecordingLog(std::string name, Journal& journal) : name(std::move(name)), journal(journal) {}
-    void write(const CStringArg& m, const CStringArg& r) override { add("write:" + m->toUTF8() + ":" + r->toUTF8()); }
+    void write(const CStringArg& m, const CStringArg& r) override
+    {
+        journal.push_back(name + ":write:" + m->toUTF8() + ":" + r->toUTF8());
+    }
     void setLevel(int32_t) override {}
     int32_t getLevel() const override { return 0; }
     void log(int32_t level, const CStringArg& module, const CStringArg& text, int32_t code, int32_t line) override
     {
-        add(std::to_string(level) + ":" + module->toUTF8() + ":" + text->toUTF8() + ":" + std::to_string(code) + ":" +
-            std::to_string(line));
+        journal.push_back(name + ":" + std::to_string(level) + ":" + module->toUTF8() + ":" + text->toUTF8() + ":" +
+                          std::to_string(code) + ":" + std::to_string(line));
         if (onLog)
             onLog();
     }
-    void add(const std::string& entry) { journal.push_back(name + ":" + entry); }
     std::function<void()> onLog;
     std::string name;
     Journal& journal;
@@ -43,7 +45,7 @@ struct LogManagerTest : ::testing::Test {
     P<CRecordingLog> sink(const char* name) { return make<CRecordingLog>(name, journal); }
 };
 
-TEST_F(LogManagerTest, ThresholdAndLevelsOfTheShortcuts)
+TEST_F(LogManagerTest, ThresholdLevelsOfTheShortcutsAndTheOrderOfSinks)
 {
     auto s = sink("s");
     manager->addLog("", s.get());
@@ -62,12 +64,12 @@ TEST_F(LogManagerTest, ThresholdAndLevelsOfTheShortcuts)
     EXPECT_EQ(journal, (Journal{"s:1:m:i:2:-1", "s:3:m:at the threshold:4:-1", "s:3:m:Something failed.:0:-1",
                                 "s:7:m:beyond error:0:42", "s:write:m:written whatever the level", "s:0:m:d:1:-1",
                                 "s:2:m:w:3:-1"}));
-}
 
-// b, the newest module sink, throws: the others still get every record.
-TEST_F(LogManagerTest, ModuleSinksComeFirstNewestFirstAndAFailingOneStopsNone)
-{
+    // Module sinks come first, newest first; b, the newest, throws: the others still get every record.
+    journal.clear();
+    manager->removeLog("", s.get());
     auto a = sink("a"), b = sink("b"), g = sink("g"), h = sink("h");
+    manager->setLevel(1);
     b->onLog = [] { throw std::runtime_error("disk full"); };
     manager->addLog("lang", a.get());
     manager->addLog("lang", b.get());
@@ -127,24 +129,31 @@ TEST_F(LogManagerTest, SinksMayChangeTheRegistrationsWhileBeingCalled)
     manager->info("m", "second", 0);
     EXPECT_EQ(journal,
               (Journal{"a:1:m:first:0:-1", "b:1:new.module:nested:0:-1", "c:1:m:first:0:-1", "c:1:m:second:0:-1"}));
-}
 
-TEST_F(LogManagerTest, RecordsFromManyThreadsAllArrive)
-{
+    // Records from many threads all arrive.
+    journal.clear();
     auto s = sink("s");
-    manager->addLog("m", s.get());
+    manager->addLog("threads", s.get());
     std::vector<std::thread> threads(4);
     for (auto& t : threads)
         t = std::thread([&] {
             for (int i = 0; i < 500; ++i)
-                manager->info("m", "r", i);
+                manager->info("threads", "r", i);
         });
     for (auto& t : threads)
         t.join();
     EXPECT_EQ(journal.size(), 2000u);
 }
 
-TEST(LogSink, RecordLinesAreReadable)
+std::u16string traceLine(const CStringArg& file, int32_t line, const CStringArg& comment)
+{
+    char16_t buffer[kTraceBufferSize];
+    const uint32_t length = formatTraceLine(buffer, file, line, comment);
+    EXPECT_EQ(buffer[length], u'\0');
+    return std::u16string(buffer, length);
+}
+
+TEST(LogSink, RecordLinesAndFileLogs)
 {
     const system_clock::time_point when =
         sys_days{year{2025} / 1 / 31} + hours{14} + minutes{2} + seconds{3} + milliseconds{123};
@@ -156,10 +165,8 @@ TEST(LogSink, RecordLinesAreReadable)
     EXPECT_EQ(CLogSink::formatRecord(when, -2, *u("m"), *u("t"), 0, 0),
               "2025-01-31T14:02:03.123Z L-2   [m] t (line 0)\n");
     EXPECT_EQ(CLogSink::formatWrite(when, *u("m"), *u("raw")), "2025-01-31T14:02:03.123Z [m] raw\n");
-}
 
-TEST(LogSink, FileLogAppendsFiltersAndReportsWhatFails)
-{
+    // A file log appends, filters by its own level and names the file it cannot open.
     CTempFolder temp;
     const P<IString> path = CString::fromUTF8(temp.utf8("app ü.log"));
     {
@@ -179,18 +186,8 @@ TEST(LogSink, FileLogAppendsFiltersAndReportsWhatFails)
     const std::string error =
         descriptionOf<CFileError>([&] { CFileLog missing(CString::fromUTF8(temp.utf8("no such dir/x.log"))); });
     EXPECT_NE(error.find("no such dir"), std::string::npos) << error;
-}
 
-std::u16string traceLine(const CStringArg& file, int32_t line, const CStringArg& comment)
-{
-    char16_t buffer[kTraceBufferSize];
-    const uint32_t length = formatTraceLine(buffer, file, line, comment);
-    EXPECT_EQ(buffer[length], u'\0');
-    return std::u16string(buffer, length);
-}
-
-TEST(Trace, LineFormsAndCut)
-{
+    // Trace lines.
     EXPECT_EQ(traceLine(L"C:\\src\\manager.cpp", 120, L"Setting Language"),
               u"qor_trace: C:\\src\\manager.cpp (120) c=Setting Language\n");
     EXPECT_EQ(traceLine(L"manager.cpp", -7, L""), u"qor_trace: manager.cpp (-7)\n");

@@ -20,10 +20,30 @@ std::string text(const P<IString>& s)
     return s ? s->toUTF8() : "<null>";
 }
 
-// Own texts answer first, then the fallback, then the default, unchanged (placeholders are left for
-// the caller); an empty text counts as missing. Keys and texts are copies; keys of any encoding
-// meet and are case-sensitive.
-TEST(StringLocalizer, OwnTextsThenTheFallbackThenTheDefault)
+P<CTextTable> table(std::initializer_list<std::pair<std::u16string, std::u16string>> entries)
+{
+    CTextTable::CBuilder builder;
+    for (const auto& [key, value] : entries)
+        builder.addCopy(key.data(), uint32_t(key.size()), value.data(), uint32_t(value.size()), 0);
+    return builder.build();
+}
+
+// What a host gets: a copy made by the copier, here into a std::u16string.
+std::u16string copied(const CStringLocalizer& loc, const char16_t* key, const char16_t* defaultText)
+{
+    thread_local std::u16string out;
+    const char16_t* made = loc.copyString(key, defaultText, [](const void* units, size_t count) {
+        out.assign(count, u'\0');
+        std::memcpy(out.data(), units, 2 * count);
+        return out.data();
+    });
+    return made ? out : u"<null>";
+}
+
+// Own texts answer first (setString before the tables, the later table before the earlier), then
+// the fallback, then the default, unchanged (placeholders are left for the caller); an empty text
+// counts as missing. Keys and texts are copies; keys of any encoding meet and are case-sensitive.
+TEST(StringLocalizer, OwnTextsThenTheFallbackThenTheDefaultAndNoFallbackCycles)
 {
     auto loc = make<CStringLocalizer>(), fallback = make<CStringLocalizer>();
     char16_t key[] = u"kore.X.Desc";
@@ -44,13 +64,37 @@ TEST(StringLocalizer, OwnTextsThenTheFallbackThenTheDefault)
     const P<IString> fallbackText = loc->getString("missing", caller.c_str());
     caller.assign(caller.size(), u'#');
     EXPECT_EQ(text(fallbackText), "borrowed default");
-    EXPECT_EQ(text(loc->getString(u"kore.X.Desc", "d")), "Die Datei '%FILE%' fehlt.");
     EXPECT_EQ(text(loc->getString(CString::fromUTF8("kore.X.Desc"), "d")), "Die Datei '%FILE%' fehlt.");
-    EXPECT_EQ(text(loc->getString("kore.x.desc", "d")), "other case");
-    EXPECT_EQ(text(loc->getString("both", "d")), "own text");
-    EXPECT_EQ(text(loc->getString("only.fallback", "d")), "from fallback");
-    EXPECT_EQ(text(loc->getString("empty.here", "d")), "fallback fills in");
-    EXPECT_EQ(text(loc->getString("nowhere", "The file '%FILE%' was not found.")), "The file '%FILE%' was not found.");
+    const auto expect = [&](const std::vector<std::pair<const char16_t*, const char16_t*>>& cases) {
+        for (const auto& [k, expected] : cases) {
+            EXPECT_EQ(copied(*loc, k, u"d"), expected);
+            EXPECT_EQ(text(loc->getString(k, "d")), text(CString::fromUTF16(expected)));
+        }
+    };
+    expect({{u"kore.X.Desc", u"Die Datei '%FILE%' fehlt."},
+            {u"kore.x.desc", u"other case"},
+            {u"both", u"own text"},
+            {u"only.fallback", u"from fallback"},
+            {u"empty.here", u"fallback fills in"},
+            {u"nowhere", u"d"}});
+
+    const P<CTextTable> first = table({{u"both", u"first"}, {u"empty.here", u"first"}, {u"first", u"1"}});
+    const P<CTextTable> second = table({{u"both", u"second"}, {u"empty.here", u""}, {u"\xD800", u"lone"}});
+    loc->setTexts({first, second});
+    EXPECT_EQ(first->getRefCount(), 2) << "the localizer shares the tables it was given";
+    // An empty text counts as missing even over a full one; setTexts replaces what setString set;
+    // unpaired surrogates are units like any other.
+    expect({{u"both", u"second"},
+            {u"first", u"1"},
+            {u"empty.here", u"fallback fills in"},
+            {u"only.fallback", u"from fallback"},
+            {u"kore.X.Desc", u"d"},
+            {u"\xD800", u"lone"}});
+    EXPECT_EQ(copied(*loc, nullptr, nullptr), u"") << "null reads as empty";
+    loc->setString("both", "set later");
+    EXPECT_EQ(copied(*loc, u"both", u"d"), u"set later") << "setString answers before the tables";
+    loc->setTexts({});
+    EXPECT_EQ(first->getRefCount(), 1) << "replaced tables are freed at once when nobody reads";
 
     loc->clear();
     EXPECT_EQ(text(loc->getString("both", "d")), "fallback text") << "clear keeps the fallback";
@@ -63,14 +107,10 @@ TEST(StringLocalizer, OwnTextsThenTheFallbackThenTheDefault)
     loc->setString("both", "set");
     loc->setString("both", "");
     EXPECT_EQ(text(loc->getString("both", "d")), "d") << "an empty text cannot blank a text out";
-    EXPECT_THROW(loc->setFallback(loc.get()), CInvalidArgError);
-}
 
-// A chain of fallbacks that leads back to where it starts would recurse on every miss until the
-// stack overflows (and keep every member alive): the link that closes it is refused, whatever
-// the length of the ring, and the chain stays as it was.
-TEST(StringLocalizer, FallbackCyclesAreRefused)
-{
+    // A chain of fallbacks that leads back to where it starts would recurse on every miss until the
+    // stack overflows (and keep every member alive): the link that closes it is refused, whatever
+    // the length of the ring, and the chain stays as it was.
     for (size_t ring = 1; ring <= 4; ++ring) {
         std::vector<P<CStringLocalizer>> chain;
         for (size_t i = 0; i < ring; ++i)
@@ -84,26 +124,6 @@ TEST(StringLocalizer, FallbackCyclesAreRefused)
         for (auto& loc : chain)
             loc->setFallback(nullptr);
     }
-}
-
-P<CTextTable> table(std::initializer_list<std::pair<std::u16string, std::u16string>> entries)
-{
-    CTextTable::CBuilder builder;
-    for (const auto& [key, value] : entries)
-        builder.addCopy(key.data(), uint32_t(key.size()), value.data(), uint32_t(value.size()), 0);
-    return builder.build();
-}
-
-// What a host gets: a copy made by the copier, here into a std::u16string.
-std::u16string copied(const CStringLocalizer& loc, const char16_t* key, const char16_t* defaultText)
-{
-    thread_local std::u16string out;
-    const char16_t* made = loc.copyString(key, defaultText, [](const void* units, size_t count) {
-        out.assign(count, u'\0');
-        std::memcpy(out.data(), units, 2 * count);
-        return out.data();
-    });
-    return made ? out : u"<null>";
 }
 
 // A reader stopped inside its look-up (in the copier, reading the old text) holds a switch back
@@ -142,39 +162,6 @@ TEST(StringLocalizer, ASwitchWaitsWhileAReaderStillCopiesTheOldText)
     EXPECT_EQ(held, u"old");
 }
 
-TEST(StringLocalizer, TablesReplaceEverythingAndTheLaterOfTwoAnswers)
-{
-    auto loc = make<CStringLocalizer>(), fallback = make<CStringLocalizer>();
-    fallback->setString("only.fallback", "from fallback");
-    fallback->setString("blank", "fallback fills in");
-    loc->setFallback(fallback.get());
-    loc->setString("set", "by setString");
-    const P<CTextTable> first = table({{u"both", u"first"}, {u"blank", u"first"}, {u"first", u"1"}});
-    const P<CTextTable> second = table({{u"both", u"second"}, {u"blank", u""}, {u"\xD800", u"lone"}});
-    loc->setTexts({first, second});
-    EXPECT_EQ(first->getRefCount(), 2) << "the localizer shares the tables it was given";
-
-    const std::pair<const char16_t*, const char16_t*> cases[] = {
-        {u"both", u"second"}, // the later table answers
-        {u"first", u"1"}, // ... and the earlier one what the later lacks
-        {u"blank", u"fallback fills in"}, // an empty text counts as missing, even over a full one
-        {u"only.fallback", u"from fallback"},
-        {u"set", u"d"}, // setTexts replaces what setString set
-        {u"\xD800", u"lone"}, // unpaired surrogates are units like any other
-        {u"nowhere", u"d"}};
-    for (const auto& [key, expected] : cases) {
-        EXPECT_EQ(copied(*loc, key, u"d"), expected);
-        EXPECT_EQ(text(loc->getString(key, "d")), text(CString::fromUTF16(expected)));
-    }
-    EXPECT_EQ(copied(*loc, nullptr, nullptr), u"") << "null reads as empty";
-
-    loc->setString("both", "set later");
-    EXPECT_EQ(copied(*loc, u"both", u"d"), u"set later") << "setString answers before the tables";
-    loc->setTexts({});
-    EXPECT_EQ(first->getRefCount(), 1) << "replaced tables are freed at once when nobody reads";
-    EXPECT_EQ(copied(*loc, u"both", u"d"), u"d");
-}
-
 // setString against a map: new keys (the table grows), the same few keys again and again (the
 // replaced texts are reclaimed), empty texts, and clear now and then.
 TEST(StringLocalizer, SetStringAgreesWithAMap)
@@ -202,13 +189,7 @@ TEST(StringLocalizer, SetStringAgreesWithAMap)
     }
 }
 
-// The process-wide localizer is shared by every test: leave it empty.
-class GlobalLocalizer : public ::testing::Test {
-protected:
-    void TearDown() override { CStringLocalizer::instance()->clear(); }
-};
-
-TEST_F(GlobalLocalizer, ErrorsBuiltAfterASetUseTheNewText)
+TEST(GlobalLocalizer, ErrorsBuiltAfterASetUseTheNewText)
 {
     const CFileNotFoundError before(nullptr);
     EXPECT_EQ(text(before.getDescription()), "The file '<uri unknown>' was not found.");
@@ -220,6 +201,7 @@ TEST_F(GlobalLocalizer, ErrorsBuiltAfterASetUseTheNewText)
     EXPECT_EQ(text(before.getDescription()), "The file '<uri unknown>' was not found.");
     EXPECT_EQ(text(getLocalizedText("kore.CFileNotFoundError.GeneralDesc", "The file was not found.")),
               "The file was not found.");
+    CStringLocalizer::instance()->clear(); // the process-wide localizer is shared by every test
 }
 
 // Readers must always see either the default or a text that was set for exactly that key,

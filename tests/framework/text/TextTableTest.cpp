@@ -4,6 +4,7 @@
 
 #include <map>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace {
@@ -19,6 +20,11 @@ std::u16string key(int n)
 uint64_t hashOf(const std::u16string& text)
 {
     return CTextTable::hash(text.data(), uint32_t(text.size()));
+}
+
+void add(CTextTable::CBuilder& builder, const std::u16string& k, const std::u16string& text, uint32_t rank = 0)
+{
+    builder.addCopy(k.data(), uint32_t(k.size()), text.data(), uint32_t(text.size()), rank);
 }
 
 std::u16string find(const CTextTable& table, const std::u16string& wanted)
@@ -38,12 +44,9 @@ TEST(TextTable, HashOfATerminatedKeyMeasuresItAndMatches)
     }
     EXPECT_NE(hashOf(u"ab"), hashOf(u"ba"));
     EXPECT_NE(hashOf(u"a"), hashOf(std::u16string(u"a\0", 2)));
-}
 
-// Keys that share a bucket are kept in key order there and searched; a hostile set of keys that
-// all collide costs a logarithmic search, not a scan.
-TEST(TextTable, KeysThatShareABucketAreAllFoundAndDuplicatesKeepTheHighestRank)
-{
+    // Keys that share a bucket are kept in key order there and searched; a hostile set of keys that
+    // all collide costs a logarithmic search, not a scan.
     // 64 entries make 64 buckets: the top six bits of the hash choose one.
     std::vector<std::u16string> crowded;
     std::vector<std::u16string> others;
@@ -59,22 +62,14 @@ TEST(TextTable, KeysThatShareABucketAreAllFoundAndDuplicatesKeepTheHighestRank)
 
     CTextTable::CBuilder builder;
     std::map<std::u16string, std::u16string> expected;
-    for (const auto* keys : {&crowded, &others}) {
-        for (const std::u16string& k : *keys) {
-            const std::u16string text = u"text of " + k;
-            builder.addCopy(k.data(), uint32_t(k.size()), text.data(), uint32_t(text.size()), 5);
-            expected[k] = text;
-        }
-    }
+    for (const auto* keys : {&crowded, &others})
+        for (const std::u16string& k : *keys)
+            add(builder, k, expected[k] = u"text of " + k, 5);
     // Duplicates: a higher rank wins whenever it comes; of equal ranks, the later.
-    const std::u16string higher = u"higher", lower = u"lower", later = u"later";
-    builder.addCopy(crowded[3].data(), uint32_t(crowded[3].size()), higher.data(), 6, 9);
-    builder.addCopy(crowded[3].data(), uint32_t(crowded[3].size()), lower.data(), 5, 1);
-    builder.addCopy(others[2].data(), uint32_t(others[2].size()), later.data(), 5, 5);
-    builder.addCopy(u"", 0, u"empty key", 9, 0);
-    expected[crowded[3]] = higher;
-    expected[others[2]] = later;
-    expected[u""] = u"empty key";
+    add(builder, crowded[3], expected[crowded[3]] = u"higher", 9);
+    add(builder, crowded[3], u"lower", 1);
+    add(builder, others[2], expected[others[2]] = u"later", 5);
+    add(builder, u"", expected[u""] = u"empty key");
 
     const P<CTextTable> table = builder.build();
     EXPECT_EQ(table->getCount(), expected.size());
@@ -92,6 +87,27 @@ TEST(TextTable, KeysThatShareABucketAreAllFoundAndDuplicatesKeepTheHighestRank)
 
     const P<CTextTable> empty = CTextTable::CBuilder().build();
     EXPECT_EQ(find(*empty, u"k1"), u"<absent>");
+}
+
+// Keys of one length whose tags (the low half of the hash) agree and that share a bucket are still
+// told apart by their units: both are kept and each finds its own text.
+TEST(TextTable, KeysOfOneLengthAndTagStayApart)
+{
+    std::unordered_map<uint64_t, int> seen; // tag and top bit (the bucket of two entries) to key
+    seen.reserve(1 << 18);
+    for (int n = 100000;; ++n) {
+        const uint64_t h = hashOf(key(n));
+        const auto [other, fresh] = seen.emplace((h & 0xFFFFFFFFu) | (h >> 63 << 32), n);
+        if (fresh)
+            continue;
+        CTextTable::CBuilder builder;
+        add(builder, key(other->second), u"first");
+        add(builder, key(n), u"second");
+        const P<CTextTable> table = builder.build();
+        EXPECT_EQ(table->getCount(), 2u);
+        EXPECT_EQ(find(*table, key(other->second)) + find(*table, key(n)), u"firstsecond") << n;
+        break;
+    }
 }
 
 } // namespace
