@@ -15,14 +15,14 @@ namespace {
 void* allocate(std::size_t size) noexcept
 {
     auto& s = lang_test::t_allocation;
-    if (s.probing) {
+    if (s.watching) {
         s.largest = std::max(s.largest, size);
         if (size > s.limit)
             return nullptr;
-    }
-    if (s.counting && ++s.allocations == s.failAt) {
-        s.failed = true;
-        return nullptr;
+        if (++s.allocations == s.failAt) {
+            s.failed = true;
+            return nullptr;
+        }
     }
     return std::malloc(size == 0 ? 1 : size);
 }

@@ -12,7 +12,7 @@
 namespace {
 
 using namespace export_test;
-using lang_test::CAllocationFailure;
+using lang_test::CAllocationWatch;
 
 // Two languages of one application in a folder of its own, the German one large.
 struct InjectedFaults : ::testing::Test {
@@ -118,7 +118,7 @@ TEST_F(InjectedFaults, EveryFailingAllocationOfALoadGivesAStatedFailureValue)
     startFromFrench();
     size_t allocations = 0;
     {
-        CAllocationFailure counting(0);
+        CAllocationWatch counting(0);
         QOR_LANG2_freeWideString(loadGerman(false).rawTag);
         allocations = counting.allocations();
     }
@@ -130,7 +130,7 @@ TEST_F(InjectedFaults, EveryFailingAllocationOfALoadGivesAStatedFailureValue)
         Outcome o;
         bool failed = false;
         {
-            CAllocationFailure failure(n);
+            CAllocationWatch failure(n);
             o = loadGerman(false); // the look-up and the tag's copy must not meet the failure
             failed = failure.failed();
         }
@@ -151,7 +151,7 @@ TEST_F(InjectedFaults, EveryFailingAllocationOfALookUpAnswersNullAndTheNextLookU
     for (const std::u16string key : {u"k", u"missing"}) {
         size_t allocations = 0;
         {
-            CAllocationFailure counting(0);
+            CAllocationWatch counting(0);
             QOR_LANG2_freeWideString(QOR_LANG2_getLocalString(w(key), w(u"default")));
             allocations = counting.allocations();
         }
@@ -159,7 +159,7 @@ TEST_F(InjectedFaults, EveryFailingAllocationOfALookUpAnswersNullAndTheNextLookU
         for (size_t n = 1; n <= allocations; ++n) {
             QOR_LANG2_CHAR* text = nullptr;
             {
-                CAllocationFailure failure(n);
+                CAllocationWatch failure(n);
                 text = QOR_LANG2_getLocalString(w(key), w(u"default"));
             }
             EXPECT_EQ(text, nullptr) << utf8(key) << ", allocation " << n;

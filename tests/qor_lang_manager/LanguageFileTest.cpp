@@ -174,7 +174,7 @@ TEST(LanguageFile, CountsBeyondTheFileFailAtOnceWithoutAllocating)
         const auto start = std::chrono::steady_clock::now();
         size_t largest = 0;
         {
-            CAllocationProbe probe(1 << 20);
+            CAllocationWatch probe(0, 1 << 20);
             if (strings)
                 EXPECT_THROW(readTexts(file), kore::CException);
             else

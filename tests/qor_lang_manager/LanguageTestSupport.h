@@ -104,11 +104,15 @@ inline Texts contentOf(const kore::CTextTable& table)
     return texts;
 }
 
-// The texts a language file in memory answers.
-inline Texts readTexts(const Bytes& bytes)
+// The string table of a language file in memory, and the texts it answers.
+inline kore::P<kore::CTextTable> readTable(const Bytes& bytes)
 {
     chf::TChunkRef<chf::CMemoryStream> stream(new chf::CMemoryStream(bytes));
-    return contentOf(*qor_lang::CLanguageFile::readTexts(*stream, nullptr));
+    return qor_lang::CLanguageFile::readTexts(*stream, nullptr);
+}
+inline Texts readTexts(const Bytes& bytes)
+{
+    return contentOf(*readTable(bytes));
 }
 
 inline std::string utf8(const kore::P<kore::IString>& s)
@@ -167,32 +171,22 @@ private:
 
 // The state of AllocationProbe.cpp's operator new, on this thread.
 struct AllocationState {
-    bool probing = false, counting = false, failed = false;
+    bool watching = false, failed = false;
     std::size_t limit = 0, largest = 0, failAt = 0, allocations = 0;
 };
 inline thread_local AllocationState t_allocation;
 
-// While one lives, operator new remembers the largest request made on this thread and refuses
-// (std::bad_alloc, nothing allocated) any request above `limit`.
-struct CAllocationProbe {
-    explicit CAllocationProbe(std::size_t limit)
+// While one lives, operator new counts the plain allocations of this thread and remembers the
+// largest request; it refuses (std::bad_alloc, or null from the nothrow form; nothing allocated)
+// the `failAt`-th one (0: none) and any request above `limit`.
+struct CAllocationWatch {
+    explicit CAllocationWatch(std::size_t failAt, std::size_t limit = SIZE_MAX)
     {
-        t_allocation.limit = limit, t_allocation.largest = 0, t_allocation.probing = true;
+        t_allocation = {true, false, limit, 0, failAt, 0};
     }
-    ~CAllocationProbe() { t_allocation.probing = false; }
-    std::size_t largest() const { return t_allocation.largest; }
-};
-
-// While one lives, counts the plain allocations of this thread and refuses the n-th one
-// (std::bad_alloc, or null from the nothrow form); 0 only counts.
-struct CAllocationFailure {
-    explicit CAllocationFailure(std::size_t failAt)
-    {
-        t_allocation.failAt = failAt, t_allocation.allocations = 0, t_allocation.failed = false;
-        t_allocation.counting = true;
-    }
-    ~CAllocationFailure() { t_allocation.counting = false; }
+    ~CAllocationWatch() { t_allocation.watching = false; }
     std::size_t allocations() const { return t_allocation.allocations; }
+    std::size_t largest() const { return t_allocation.largest; }
     bool failed() const { return t_allocation.failed; }
 };
 

@@ -3,6 +3,8 @@
 // folder and keys, and sets the current language itself before relying on it.
 #include "ExportTestSupport.h"
 
+#include <algorithm>
+
 namespace {
 
 using namespace export_test;
@@ -23,11 +25,10 @@ void expectFile(const Text& found, const fs::path& file)
 TEST_F(Exports, OnlyValidTagsAreAcceptedAndTheyAreSpelledAsTheTablesDo)
 {
     ASSERT_EQ(setLanguage(u"de-DE"), 0);
-    for (const char16_t* rejected : {u"en", u"", u"de-XX"}) {
-        EXPECT_EQ(setLanguage(rejected), 20) << utf8(rejected);
+    for (const char16_t* rejected : {u"en", u"", u"de-XX", static_cast<const char16_t*>(nullptr)}) {
+        EXPECT_EQ(QOR_LANG2_setCurrentLanguage(reinterpret_cast<const QOR_LANG2_CHAR*>(rejected)), 20);
         EXPECT_EQ(currentLanguage(), u"de-DE") << "a rejected tag changes nothing";
     }
-    EXPECT_EQ(QOR_LANG2_setCurrentLanguage(nullptr), 20);
     EXPECT_EQ(setLanguage(u"fra--fr"), 0);
     EXPECT_EQ(currentLanguage(), u"fr-FR");
 }
@@ -63,43 +64,31 @@ TEST_F(Exports, LoadedTextsAnswerAndEverythingElseGetsACopyOfTheDefault)
     EXPECT_EQ(take(QOR_LANG2_getLocalString(nullptr, w(defaultText))), defaultText);
 }
 
+// Indices outside the list, unknown and null ids answer null or 0; a missing folder is no error
+// and, while its list is empty, is looked for again.
 TEST_F(Exports, LanguagesAreListedInFolderOrderWithTheirTagsFromTheFiles)
-{
-    writeLanguageFile(m_folder, m_app, u"fr-FR");
-    writeLanguageFile(m_folder, m_app, u"de-DE");
-    // The tag comes from the file, not from its name, and is spelled as the tables do.
-    writeLanguageFile(m_folder / (m_app + u"-x.qorlang"), languageWriter(u"JA-jp", m_app));
-    ASSERT_EQ(addFolder(m_folder, m_app), 0);
-
-    ASSERT_EQ(QOR_LANG2_getLanguageCount(w(m_app)), 3);
-    EXPECT_EQ(take(QOR_LANG2_getLanguage(w(m_app), 0)), u"de-DE");
-    EXPECT_EQ(take(QOR_LANG2_getLanguage(w(m_app), 1)), u"fr-FR");
-    EXPECT_EQ(take(QOR_LANG2_getLanguage(w(m_app), 2)), u"ja-JP");
-    EXPECT_EQ(take(QOR_LANG2_getLanguage(w(m_app), 3)), std::nullopt);
-    EXPECT_EQ(take(QOR_LANG2_getLanguage(w(m_app), -1)), std::nullopt);
-
-    FileHandle last = languageFile(m_app, 2);
-    ASSERT_TRUE(last);
-    EXPECT_EQ(take(QOR_LANG2_FILE_getLanguageID(last.get())), u"ja-JP");
-    EXPECT_FALSE(languageFile(m_app, 3)) << "index == count";
-    EXPECT_FALSE(languageFile(m_app, -1));
-    EXPECT_FALSE(languageFile(m_app, INT32_MIN));
-}
-
-TEST_F(Exports, UnknownApplicationsHaveNoLanguagesAndAMissingFolderIsLookedForAgain)
 {
     EXPECT_EQ(QOR_LANG2_getLanguageCount(w(m_app)), 0);
     EXPECT_EQ(QOR_LANG2_getLanguageCount(nullptr), 0);
-    EXPECT_EQ(take(QOR_LANG2_getLanguage(w(m_app), 0)), std::nullopt);
-    EXPECT_FALSE(languageFile(m_app, 0));
     EXPECT_FALSE(FileHandle(QOR_LANG2_getLanguageFile(nullptr, 0)));
-
     const fs::path later = m_folder / "later";
-    ASSERT_EQ(addFolder(later, m_app), 0) << "a missing folder is no error";
+    ASSERT_EQ(addFolder(later, m_app), 0);
     EXPECT_EQ(QOR_LANG2_getLanguageCount(w(m_app)), 0);
+    EXPECT_EQ(take(QOR_LANG2_getLanguage(w(m_app), 0)), std::nullopt);
     fs::create_directory(later);
+    writeLanguageFile(later, m_app, u"fr-FR");
     writeLanguageFile(later, m_app, u"de-DE");
-    EXPECT_EQ(QOR_LANG2_getLanguageCount(w(m_app)), 1) << "an empty list is looked for again";
+    // The tag comes from the file, not from its name, and is spelled as the tables do.
+    writeLanguageFile(later / (m_app + u"-x.qorlang"), languageWriter(u"JA-jp", m_app));
+
+    ASSERT_EQ(QOR_LANG2_getLanguageCount(w(m_app)), 3);
+    const Text expected[] = {std::nullopt, u"de-DE", u"fr-FR", u"ja-JP", std::nullopt};
+    for (int32_t index : {INT32_MIN, -1, 0, 1, 2, 3}) {
+        const Text& tag = expected[std::clamp(index + 1, 0, 4)];
+        EXPECT_EQ(take(QOR_LANG2_getLanguage(w(m_app), index)), tag) << index;
+        FileHandle file = languageFile(m_app, index);
+        EXPECT_EQ(file ? take(QOR_LANG2_FILE_getLanguageID(file.get())) : std::nullopt, tag) << index;
+    }
 }
 
 TEST_F(Exports, FoldersGivenAsUriText)
