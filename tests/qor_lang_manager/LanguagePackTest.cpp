@@ -98,23 +98,17 @@ TEST_F(LanguagePackTest, BrokenFilesAreReportedAndSkipped)
 
     const auto p = pack();
     EXPECT_EQ(tags(*p), (Tags{u"de-DE", u"it-IT", u"pt-BR"}));
-    std::vector<std::string> reported;
-    for (const std::string& record : log.records()) {
-        if (record.rfind("3:error while loading '", 0) == 0)
-            reported.push_back(record.substr(23, record.size() - 24));
-    }
-    EXPECT_EQ(reported, (std::vector<std::string>{"A-bad-magic.qorlang", "A-cut-header.qorlang", "A-cut-lang.qorlang",
-                                                  "A-empty.qorlang", "A-huge-count.qorlang", "A-huge-string.qorlang"}));
+    std::string reported;
+    for (const std::string& record : log.records())
+        reported += record.rfind("3:error while loading '", 0) == 0 ? record.substr(23, record.size() - 32) + " " : "";
+    EXPECT_EQ(reported, "A-bad-magic A-cut-header A-cut-lang A-empty A-huge-count A-huge-string ");
     log.records().clear();
 
+    // Making a language current reads its file again: see the next test for one cut short.
     Tables texts;
     EXPECT_EQ(p->setLanguage(u"pt-BR", texts), 1);
     EXPECT_EQ(contentOf(*texts.at(0)), Texts());
     EXPECT_TRUE(log.records().empty());
-    EXPECT_EQ(p->setLanguage(u"it-IT", texts), 0) << "a file cut short is damaged";
-    EXPECT_EQ(texts.size(), 1u);
-    ASSERT_EQ(log.records().size(), 2u);
-    EXPECT_EQ(log.records()[0], "3:error while loading 'A-it-IT.qorlang'");
 }
 
 // A file cut short loses strings: making its language current is an error whose second record

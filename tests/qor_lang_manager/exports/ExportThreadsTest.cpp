@@ -8,7 +8,6 @@
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
-#include <deque>
 #include <functional>
 #include <set>
 #include <thread>
@@ -67,26 +66,14 @@ void inRounds(int threads, int rounds, const std::function<void(int)>& between,
         thread.join();
 }
 
-// Runs `step` over and over on a thread of its own while it lives.
-class CBackground {
-public:
-    explicit CBackground(std::function<void()> step)
-        : m_thread([this, step] {
-              while (!m_done)
-                  step();
-          })
-    {
-    }
-    ~CBackground()
-    {
-        m_done = true;
-        m_thread.join();
-    }
-
-private:
-    std::atomic<bool> m_done{false};
-    std::thread m_thread;
-};
+// Runs `step` over and over on a thread of its own until the thread is destroyed.
+std::jthread background(const std::function<void()>& step)
+{
+    return std::jthread([step](const std::stop_token& stop) {
+        while (!stop.stop_requested())
+            step();
+    });
+}
 
 TEST_F(ExportThreads, ThreadsAskingForTheListTogetherAfterAReloadSeeOneWholeList)
 {
@@ -123,7 +110,7 @@ TEST_F(ExportThreads, TwoSwitchersLeaveATagAndTextsOfOneLanguageAndReadersSeeOnl
     std::atomic<int> unknownTags{0};
     int disagreements = 0;
     {
-        const CBackground observer([&, known = std::set<std::u16string>(tags, tags + 4)] {
+        const std::jthread observer = background([&, known = std::set<std::u16string>(tags, tags + 4)] {
             unknownTags += !known.count(currentLanguage().value_or(u"(null)"));
         });
         inRounds(
@@ -143,7 +130,7 @@ TEST_F(ExportThreads, IdsAddedDuringSwitchesAreAllKept)
     for (int i = 0; i < kIds; ++i)
         writeLanguageFile(m_folder, id(i), u"nl-NL", {{id(i) + u".key", id(i)}});
     {
-        const CBackground switcher([i = 0]() mutable { setLanguage(++i % 2 ? u"nl-NL" : u"sv-SE"); });
+        const std::jthread switcher = background([i = 0]() mutable { setLanguage(++i % 2 ? u"nl-NL" : u"sv-SE"); });
         // Two adders: ids added at the same moment must not lose each other either.
         inRounds(
             2, 1, [](int) {},
@@ -177,16 +164,16 @@ TEST_F(ExportThreads, MoreReadersThanSlotsWhileTheLanguageChangesSeeOneOfTheText
     constexpr int kReaders = 80;
     std::atomic<int> reading{0}, wrong{0};
     {
-        std::deque<CBackground> readers;
+        std::vector<std::jthread> readers;
         for (int r = 0; r < kReaders; ++r) {
-            readers.emplace_back([&, first = true]() mutable {
+            readers.push_back(background([&, first = true]() mutable {
                 const Text text = localString(m_key, u"none");
                 wrong += text != u"de-DE" && text != u"fr-FR";
                 reading += std::exchange(first, false);
                 // Busy readers beyond the cores would make each switch wait for a scheduler
                 // round; yielding outside the look-up keeps the test short.
                 std::this_thread::yield();
-            });
+            }));
         }
         while (reading < kReaders)
             std::this_thread::yield();
