@@ -29,10 +29,9 @@ using chf_test::operator+;
 using Strings = std::vector<std::pair<std::u16string, std::u16string>>;
 using Texts = std::map<std::u16string, std::u16string>;
 
-inline Bytes u32(uint32_t v)
-{
+inline const auto u32 = [](uint32_t v) -> Bytes {
     return {uint8_t(v), uint8_t(v >> 8), uint8_t(v >> 16), uint8_t(v >> 24)};
-}
+};
 
 // A counted string: N = units + 1, the units, a zero unit; nullopt is N = 0.
 inline Bytes counted(const qor_lang::CountedString& text)
@@ -110,19 +109,12 @@ inline kore::P<kore::CTextTable> readTable(const Bytes& bytes)
     chf::TChunkRef<chf::CMemoryStream> stream(new chf::CMemoryStream(bytes));
     return qor_lang::CLanguageFile::readTexts(*stream, nullptr);
 }
-inline Texts readTexts(const Bytes& bytes)
-{
-    return contentOf(*readTable(bytes));
-}
+inline const auto readTexts = [](const Bytes& bytes) -> Texts { return contentOf(*readTable(bytes)); };
 
-inline std::string utf8(const kore::P<kore::IString>& s)
-{
-    return s ? s->toUTF8() : "<null>";
-}
-inline qor_lang::LanguageId tag(const char16_t* text)
-{
+inline const auto utf8 = [](const kore::P<kore::IString>& s) -> std::string { return s ? s->toUTF8() : "<null>"; };
+inline const auto tag = [](const char16_t* text) -> qor_lang::LanguageId {
     return {text, qor_lang::LanguageTagMode::Tag};
-}
+};
 
 inline void writeBytes(const kore_test::CTempFolder& folder, const std::string& name, const Bytes& bytes)
 {
@@ -130,10 +122,9 @@ inline void writeBytes(const kore_test::CTempFolder& folder, const std::string& 
 }
 
 // The localizer's text of `key`, "-" when it has none.
-inline std::string localized(const char* key)
-{
+inline const auto localized = [](const char* key) -> std::string {
     return utf8(kore::CStringLocalizer::instance()->getString(key, "-"));
-}
+};
 
 // Empties the process's localizer before and after a test that loads strings into it.
 struct CLocalizerGuard {
