@@ -12,6 +12,10 @@ using namespace lang_test;
 using qor_lang::CLanguageManager;
 using qor_lang::LanguageId;
 
+const auto tag = [](const char16_t* text) -> LanguageId { return {text, qor_lang::LanguageTagMode::Tag}; };
+// The localizer's text of `key`, "-" when it has none.
+const auto localized = [](const char* key) { return utf8(kore::CStringLocalizer::instance()->getString(key, "-")); };
+
 struct LanguageManagerTest : ::testing::Test {
     kore_test::CTempFolder folder;
     CLocalizerGuard localizer;

@@ -1,7 +1,7 @@
 #pragma once
 // Shared by the language tests: byte builders for hand-made language files, files from the
 // writer, the texts a file or table answers, a log sink that records one module, a guard that
-// leaves the process's localizer empty, and probes that watch or fail allocations.
+// leaves the process's localizer empty, and a watch that counts or fails allocations.
 
 #include "../chunk_file/ChunkTestSupport.h"
 #include "framework/io/CURI.h"
@@ -14,6 +14,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <filesystem>
 #include <map>
 #include <string>
@@ -36,10 +37,8 @@ inline const auto u32 = [](uint32_t v) -> Bytes {
 // A counted string: N = units + 1, the units, a zero unit; nullopt is N = 0.
 inline Bytes counted(const qor_lang::CountedString& text)
 {
-    if (!text)
-        return u32(0);
-    Bytes out = u32(uint32_t(text->size() + 1));
-    for (char16_t c : *text + u'\0')
+    Bytes out = u32(text ? uint32_t(text->size() + 1) : 0);
+    for (char16_t c : text ? *text + u'\0' : u"")
         out = out + Bytes{uint8_t(c), uint8_t(c >> 8)};
     return out;
 }
@@ -52,7 +51,7 @@ inline Bytes stmpChunk(const Strings& entries)
 {
     Bytes data = u32(static_cast<uint32_t>(entries.size()));
     for (const auto& [key, text] : entries)
-        data = data + u32(0) + counted(key) + counted(text) + counted(std::nullopt) + counted(std::nullopt);
+        data = data + u32(0) + counted(key) + counted(text) + u32(0) + u32(0);
     return chunk("STMP", chunk("data", data));
 }
 
@@ -72,7 +71,6 @@ inline void writeLanguageFile(const std::filesystem::path& file, const qor_lang:
 {
     writer.writeFile(*kore::CURI::fromLocalPath(file.u16string().c_str()));
 }
-
 inline Bytes written(const qor_lang::CLanguageFileWriter& writer)
 {
     chf::TChunkRef<chf::CMemoryStream> stream(new chf::CMemoryStream());
@@ -80,20 +78,24 @@ inline Bytes written(const qor_lang::CLanguageFileWriter& writer)
     return stream->getBytes();
 }
 
-// A file read from memory, without a source.
+// A file, and its string table, read from memory without a source.
 inline kore::P<qor_lang::CLanguageFile> readFile(const Bytes& bytes)
 {
     chf::TChunkRef<chf::CMemoryStream> stream(new chf::CMemoryStream(bytes));
     return kore::make<qor_lang::CLanguageFile>(nullptr, *stream);
+}
+inline kore::P<kore::CTextTable> readTable(const Bytes& bytes)
+{
+    chf::TChunkRef<chf::CMemoryStream> stream(new chf::CMemoryStream(bytes));
+    return qor_lang::CLanguageFile::readTexts(*stream, nullptr);
 }
 
 // Every key of a table with the text it answers (empty texts included).
 inline Texts contentOf(const kore::CTextTable& table)
 {
     auto units = [](const uint8_t* bytes, uint32_t count) {
-        std::u16string text;
-        for (uint32_t i = 0; i < count; ++i)
-            text += static_cast<char16_t>(bytes[2 * i] | bytes[2 * i + 1] << 8);
+        std::u16string text(count, u'\0');
+        std::memcpy(text.data(), bytes, 2 * count);
         return text;
     };
     Texts texts;
@@ -102,28 +104,11 @@ inline Texts contentOf(const kore::CTextTable& table)
     });
     return texts;
 }
-
-// The string table of a language file in memory, and the texts it answers.
-inline kore::P<kore::CTextTable> readTable(const Bytes& bytes)
-{
-    chf::TChunkRef<chf::CMemoryStream> stream(new chf::CMemoryStream(bytes));
-    return qor_lang::CLanguageFile::readTexts(*stream, nullptr);
-}
 inline const auto readTexts = [](const Bytes& bytes) -> Texts { return contentOf(*readTable(bytes)); };
 
 inline const auto utf8 = [](const kore::P<kore::IString>& s) -> std::string { return s ? s->toUTF8() : "<null>"; };
-inline const auto tag = [](const char16_t* text) -> qor_lang::LanguageId {
-    return {text, qor_lang::LanguageTagMode::Tag};
-};
-
-inline void writeBytes(const kore_test::CTempFolder& folder, const std::string& name, const Bytes& bytes)
-{
+inline const auto writeBytes = [](const kore_test::CTempFolder& folder, const std::string& name, const Bytes& bytes) {
     folder.writeFile(name, std::string(bytes.begin(), bytes.end()));
-}
-
-// The localizer's text of `key`, "-" when it has none.
-inline const auto localized = [](const char* key) -> std::string {
-    return utf8(kore::CStringLocalizer::instance()->getString(key, "-"));
 };
 
 // Empties the process's localizer before and after a test that loads strings into it.
