@@ -19,19 +19,14 @@ namespace {
 
 std::u16string text(const QOR_LANG2_CHAR* argument)
 {
-    std::u16string out;
-    for (; argument && *argument; ++argument)
-        out.push_back(static_cast<char16_t>(*argument));
-    return out;
+    return argument ? std::u16string(argument, argument + std::char_traits<QOR_LANG2_CHAR>::length(argument)) : u"";
 }
-
 void record(std::initializer_list<const QOR_LANG2_CHAR*> arguments)
 {
     books().lastArguments.clear();
     for (const QOR_LANG2_CHAR* argument : arguments)
         books().lastArguments.push_back(text(argument));
 }
-
 QOR_LANG2_CHAR* give(std::u16string_view value)
 {
     auto* buffer = new QOR_LANG2_CHAR[value.size() + 1];
@@ -40,7 +35,6 @@ QOR_LANG2_CHAR* give(std::u16string_view value)
     ++books().stringsReturned;
     return buffer;
 }
-
 bool knownLanguage(const QOR_LANG2_CHAR* appId, int32_t index)
 {
     return text(appId) == u"app" && index >= 0 && index < 2;
@@ -84,10 +78,7 @@ QOR_LANG2_CHAR* QOR_LANG2_getLanguage(const QOR_LANG2_CHAR* appId, int32_t index
 }
 QOR_LANG2_FILE_HANDLE QOR_LANG2_getLanguageFile(const QOR_LANG2_CHAR* appId, int32_t index)
 {
-    if (!knownLanguage(appId, index))
-        return nullptr;
-    ++books().handlesReturned;
-    return *books().liveHandles.insert(&handleStorage[index]).first;
+    return knownLanguage(appId, index) ? *books().liveHandles.insert(&handleStorage[index]).first : nullptr;
 }
 QOR_LANG2_CHAR* QOR_LANG2_findLocalizedFile(const QOR_LANG2_CHAR* folderUri, const QOR_LANG2_CHAR* prefix,
                                             const QOR_LANG2_CHAR* infix, const QOR_LANG2_CHAR* suffix)

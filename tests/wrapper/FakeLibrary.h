@@ -14,7 +14,6 @@ struct Books {
     std::set<const void*> liveStrings; // returned and not yet given back
     std::set<void*> liveHandles;
     std::size_t stringsReturned = 0;
-    std::size_t handlesReturned = 0;
     std::size_t badFrees = 0; // a second free, or of something never returned
     std::vector<std::u16string> lastArguments; // the text arguments of the last call, in order
     bool outOfMemory = false; // answer null where only exhaustion may
