@@ -21,8 +21,9 @@ void expectFile(const Text& found, const fs::path& file)
     EXPECT_TRUE(fs::equivalent(fs::path(*found), file, error)) << utf8(*found);
 }
 
-// Tag parsing has its table in LanguageIdTest; here only that the export applies it.
-TEST_F(Exports, OnlyValidTagsAreAcceptedAndTheyAreSpelledAsTheTablesDo)
+// Rejected tags (parsing has its table in LanguageIdTest; here only that the export applies it)
+// and folders change nothing; a tag is spelled as the tables do.
+TEST_F(Exports, RejectedTagsAndFoldersChangeNothing)
 {
     ASSERT_EQ(setLanguage(u"de-DE"), 0);
     for (const char16_t* rejected : {u"en", u"", u"de-XX", static_cast<const char16_t*>(nullptr)}) {
@@ -31,36 +32,41 @@ TEST_F(Exports, OnlyValidTagsAreAcceptedAndTheyAreSpelledAsTheTablesDo)
     }
     EXPECT_EQ(setLanguage(u"fra--fr"), 0);
     EXPECT_EQ(currentLanguage(), u"fr-FR");
+
+    writeLanguageFile(m_folder, m_app, u"de-DE");
+    for (const char16_t* bad : {u"not a uri", u"file:///%zz/", u"C:\\Lang\\", u""})
+        EXPECT_EQ(QOR_LANG2_addEx(w(bad), w(m_app)), -1) << utf8(bad);
+    EXPECT_EQ(QOR_LANG2_addEx(nullptr, w(m_app)), -1);
+    EXPECT_EQ(QOR_LANG2_addEx(w(folderUri(m_folder)), nullptr), -1);
+    EXPECT_EQ(QOR_LANG2_add(nullptr, nullptr, w(m_app)), -1);
+    EXPECT_EQ(QOR_LANG2_add(w(m_folder.u16string()), nullptr, nullptr), -1);
+    EXPECT_EQ(QOR_LANG2_getLanguageCount(w(m_app)), 0) << "a failed registration registers nothing";
+    ASSERT_EQ(QOR_LANG2_addEx(w(folderUri(m_folder)), w(m_app)), 0);
+    EXPECT_EQ(QOR_LANG2_getLanguageCount(w(m_app)), 1);
 }
 
 TEST_F(Exports, LoadedTextsAnswerAndEverythingElseGetsACopyOfTheDefault)
 {
     // Japanese (BMP), a character outside the BMP (a surrogate pair) and Latin-1 letters. Unpaired
     // surrogates are no characters, but Windows strings may hold them: what a host or a file gives
-    // comes back unit for unit.
-    const std::u16string key = m_app + u".メニュー.ファイル";
-    const std::u16string text = u"ファイルを開く… \U0001F310 äöü", unpaired = u"a\xDC00"
-                                                                              u"b\xD800";
-    writeLanguageFile(m_folder, m_app, u"ja-JP",
-                      {{key, text}, {m_app + u".unpaired", unpaired}, {m_app + u".blank", u""}});
+    // comes back unit for unit. Keys compare exactly.
+    const std::u16string key = m_app + u".メニュー", missing = m_app + u".未定義", unpaired = u"a\xDC00z\xD800";
+    const std::u16string text = u"ファイルを開く… \U0001F310 äöü", emoji = u"既定の文字列 \U0001F600";
+    writeLanguageFile(m_folder, m_app, u"ja-JP", {{key, text}, {m_app + u".unpaired", unpaired}});
     ASSERT_EQ(addFolder(m_folder, m_app), 0);
     ASSERT_EQ(setLanguage(u"ja-JP"), 0);
-
-    EXPECT_EQ(localString(key, u"Open file"), text);
-    EXPECT_EQ(localString(m_app + u".unpaired", u"default"), unpaired);
-    EXPECT_EQ(localString(m_app + u".blank", u"Blank"), u"Blank") << "an empty text cannot blank one out";
-    EXPECT_EQ(localString(m_app + u".UNPAIRED", u"default"), u"default") << "keys compare exactly";
-    EXPECT_EQ(localString(m_app + u".未定義", u"既定の文字列 \U0001F600"), u"既定の文字列 \U0001F600");
-    EXPECT_EQ(localString(m_app + u".未定義", unpaired), unpaired);
-    EXPECT_EQ(localString(m_app + u".未定義", u""), u"");
+    const std::u16string rows[][3] = {{key, u"Open file", text},          {m_app + u".unpaired", u"d", unpaired},
+                                      {m_app + u".UNPAIRED", u"d", u"d"}, {missing, emoji, emoji},
+                                      {missing, unpaired, unpaired},      {missing, u"", u""}};
+    for (const auto& [asked, defaultText, answer] : rows)
+        EXPECT_EQ(localString(asked, defaultText), answer) << utf8(asked);
 
     const std::u16string defaultText = u"Not translated";
-    QOR_LANG2_CHAR* copy = QOR_LANG2_getLocalString(w(m_app + u".absent"), w(defaultText));
+    QOR_LANG2_CHAR* copy = QOR_LANG2_getLocalString(w(missing), w(defaultText));
     ASSERT_NE(copy, nullptr);
     EXPECT_NE(copy, w(defaultText)) << "the caller's default must come back as a buffer of its own";
     EXPECT_EQ(take(copy), defaultText);
-    EXPECT_EQ(take(QOR_LANG2_getLocalString(w(m_app + u".absent"), nullptr)), u"")
-        << "a null default reads as the empty text";
+    EXPECT_EQ(take(QOR_LANG2_getLocalString(w(missing), nullptr)), u"") << "a null default reads as the empty text";
     EXPECT_EQ(take(QOR_LANG2_getLocalString(nullptr, w(defaultText))), defaultText);
 }
 
@@ -89,21 +95,6 @@ TEST_F(Exports, LanguagesAreListedInFolderOrderWithTheirTagsFromTheFiles)
         FileHandle file = languageFile(m_app, index);
         EXPECT_EQ(file ? take(QOR_LANG2_FILE_getLanguageID(file.get())) : std::nullopt, tag) << index;
     }
-}
-
-TEST_F(Exports, FoldersGivenAsUriText)
-{
-    writeLanguageFile(m_folder, m_app, u"de-DE");
-    for (const char16_t* bad : {u"not a uri", u"file:///%zz/", u"C:\\Lang\\", u""})
-        EXPECT_EQ(QOR_LANG2_addEx(w(bad), w(m_app)), -1) << utf8(bad);
-    EXPECT_EQ(QOR_LANG2_addEx(nullptr, w(m_app)), -1);
-    EXPECT_EQ(QOR_LANG2_addEx(w(folderUri(m_folder)), nullptr), -1);
-    EXPECT_EQ(QOR_LANG2_add(nullptr, nullptr, w(m_app)), -1);
-    EXPECT_EQ(QOR_LANG2_add(w(m_folder.u16string()), nullptr, nullptr), -1);
-    EXPECT_EQ(QOR_LANG2_getLanguageCount(w(m_app)), 0) << "a failed registration registers nothing";
-
-    ASSERT_EQ(QOR_LANG2_addEx(w(folderUri(m_folder)), w(m_app)), 0);
-    EXPECT_EQ(QOR_LANG2_getLanguageCount(w(m_app)), 1);
 }
 
 TEST_F(Exports, FileAccessorsReportEveryItemAndEveryHandleKeepsItsFile)
