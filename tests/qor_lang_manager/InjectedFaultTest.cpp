@@ -5,6 +5,7 @@
 #include "../framework/FailingFiles.h"
 #include "LanguageTestSupport.h"
 #include "exports/ExportTestSupport.h"
+#include "qor_lang2.hpp"
 #include "qor_lang_manager/CLanguagePack.h"
 
 #include <algorithm>
@@ -144,7 +145,7 @@ TEST_F(InjectedFaults, EveryFailingAllocationOfALoadGivesAStatedFailureValue)
     EXPECT_GE(lastFailed, allocations * 3 / 4) << "of " << allocations;
 }
 
-TEST_F(InjectedFaults, EveryFailingAllocationOfALookUpAnswersNullAndTheNextLookUpWorks)
+TEST_F(InjectedFaults, EveryFailingAllocationOfALookUpAnswersNullOrThrowsAndTheNextLookUpWorks)
 {
     ASSERT_EQ(setLanguage(u"de-DE"), 0);
     for (const std::u16string key : {u"k", u"missing"}) {
@@ -158,6 +159,10 @@ TEST_F(InjectedFaults, EveryFailingAllocationOfALookUpAnswersNullAndTheNextLookU
             }
             EXPECT_EQ(text == nullptr, n != 0) << utf8(key) << ", allocation " << n;
             QOR_LANG2_freeWideString(text);
+            if (n != 0) { // the C++ layer turns exhaustion, and only that, into an exception
+                CAllocationWatch failure(n);
+                EXPECT_THROW(qor_lang2::tr(key, u"default"), std::bad_alloc);
+            }
             EXPECT_EQ(localString(key, u"default"), key == u"k" ? u"Hallo" : u"default");
         }
         EXPECT_GE(allocations, 1u);

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 namespace {
 
 using namespace lang_test;
@@ -33,16 +35,15 @@ struct LanguagePackTest : ::testing::Test {
 
 TEST_F(LanguagePackTest, ListsFilesStartingWithItsIdInFolderOrder)
 {
-    write("A-fr-FR.qorlang", u"fr-FR");
-    write("A-en-US.qorlang", u"en-US");
     // The pattern is the id and then anything; a match that names another application in its
     // "apid" chunk is passed over, one without the chunk or naming this one in other letter case stays.
-    write("AB-it-IT.qorlang", u"it-IT", u"AB");
-    write("A-tools-ja-JP.qorlang", u"ja-JP", u"A-tools");
-    write("AC-ko-KR.qorlang", u"ko-KR", std::nullopt);
-    write("A-nl-NL.qorlang", u"nl-NL", u"a");
-    write("A-de-DE.qorlang", u"de-DE");
-    write("B-es-ES.qorlang", u"es-ES", u"B");
+    const std::tuple<const char*, const char16_t*, qor_lang::CountedString> files[] = {
+        {"A-fr-FR.qorlang", u"fr-FR", u"A"},          {"A-en-US.qorlang", u"en-US", u"A"},
+        {"AB-it-IT.qorlang", u"it-IT", u"AB"},        {"A-tools-ja-JP.qorlang", u"ja-JP", u"A-tools"},
+        {"AC-ko-KR.qorlang", u"ko-KR", std::nullopt}, {"A-nl-NL.qorlang", u"nl-NL", u"a"},
+        {"A-de-DE.qorlang", u"de-DE", u"A"},          {"B-es-ES.qorlang", u"es-ES", u"B"}};
+    for (const auto& [name, tag, appId] : files)
+        write(name, tag, appId);
     write("A-pt-PT.txt", u"pt-PT");
     folder.makeFolder("A-sub.qorlang");
 
