@@ -91,12 +91,6 @@ TEST_F(WrapperExports, TextReachesTheLibraryAsUtf16AndComesBackInTheCallersForm)
     EXPECT_EQ(qor_lang2::tr(std::string_view("greetingXYZ", 8), "Hi!"), "Привіт 🌍");
     EXPECT_EQ(qor_lang2::tr(std::u16string_view(u"absentXYZ", 6), std::u16string_view(u"Hi!", 2)), u"Hi");
 
-    const std::filesystem::path folder = m_folder / u"språk";
-    std::filesystem::create_directory(folder);
-    writeLanguageFile(folder, m_app + u"2", u"de-DE");
-    const std::u8string path = folder.u8string();
-    EXPECT_EQ(qor_lang2::add(std::string(path.begin(), path.end()), qor_lang2::toUtf8(m_app + u"2")), 0);
-    EXPECT_EQ(qor_lang2::languageCount(m_app + u"2"), 1);
     EXPECT_EQ(qor_lang2::setCurrentLanguage("de"), 20) << "the library's answer, unchanged";
 }
 
