@@ -15,14 +15,14 @@ namespace {
 void* allocate(std::size_t size) noexcept
 {
     auto& s = lang_test::t_allocation;
-    if (s.probing) {
+    if (s.watching) {
         s.largest = std::max(s.largest, size);
         if (size > s.limit)
             return nullptr;
-    }
-    if (s.counting && ++s.allocations == s.failAt) {
-        s.failed = true;
-        return nullptr;
+        if (++s.allocations == s.failAt) {
+            s.failed = true;
+            return nullptr;
+        }
     }
     return std::malloc(size == 0 ? 1 : size);
 }
@@ -36,43 +36,16 @@ void* allocateOrThrow(std::size_t size)
 
 } // namespace
 
-void* operator new(std::size_t size)
-{
-    return allocateOrThrow(size);
-}
-void* operator new[](std::size_t size)
-{
-    return allocateOrThrow(size);
-}
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept
-{
-    return allocate(size);
-}
-void* operator new[](std::size_t size, const std::nothrow_t&) noexcept
-{
-    return allocate(size);
-}
-void operator delete(void* p) noexcept
-{
-    std::free(p);
-}
-void operator delete(void* p, std::size_t) noexcept
-{
-    std::free(p);
-}
-void operator delete(void* p, const std::nothrow_t&) noexcept
-{
-    std::free(p);
-}
-void operator delete[](void* p) noexcept
-{
-    std::free(p);
-}
-void operator delete[](void* p, std::size_t) noexcept
-{
-    std::free(p);
-}
-void operator delete[](void* p, const std::nothrow_t&) noexcept
-{
-    std::free(p);
-}
+// One line each: they differ only in their signatures.
+// clang-format off
+void* operator new(std::size_t size) { return allocateOrThrow(size); }
+void* operator new[](std::size_t size) { return allocateOrThrow(size); }
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return allocate(size); }
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept { return allocate(size); }
+void operator delete(void* p) noexcept { std::free(p); }
+void operator delete(void* p, std::size_t) noexcept { std::free(p); }
+void operator delete(void* p, const std::nothrow_t&) noexcept { std::free(p); }
+void operator delete[](void* p) noexcept { std::free(p); }
+void operator delete[](void* p, std::size_t) noexcept { std::free(p); }
+void operator delete[](void* p, const std::nothrow_t&) noexcept { std::free(p); }
+// clang-format on

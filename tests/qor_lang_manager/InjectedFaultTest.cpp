@@ -5,6 +5,7 @@
 #include "../framework/FailingFiles.h"
 #include "LanguageTestSupport.h"
 #include "exports/ExportTestSupport.h"
+#include "qor_lang2.hpp"
 #include "qor_lang_manager/CLanguagePack.h"
 
 #include <algorithm>
@@ -12,7 +13,7 @@
 namespace {
 
 using namespace export_test;
-using lang_test::CAllocationFailure;
+using lang_test::CAllocationWatch;
 
 // Two languages of one application in a folder of its own, the German one large.
 struct InjectedFaults : ::testing::Test {
@@ -54,8 +55,7 @@ struct InjectedFaults : ::testing::Test {
         o.count = QOR_LANG2_getLanguageCount(w(app));
         o.rawTag = QOR_LANG2_getLanguage(w(app), 0);
         o.setResult = setLanguage(u"de-DE");
-        if (lookUp)
-            o.text = localString(u"k", u"-");
+        o.text = lookUp ? localString(u"k", u"-") : Text();
         return o;
     }
 
@@ -78,7 +78,8 @@ struct InjectedFaults : ::testing::Test {
 
 TEST_F(InjectedFaults, EveryFailingFileOperationOfALoadSkipsAFileOrLeavesNoTexts)
 {
-    const std::string germanBytes = folder.readFile(german), frenchBytes = folder.readFile(french);
+    const auto contents = [&] { return folder.readFile(german) + folder.readFile(french); };
+    const std::string before = contents();
     startFromFrench();
     int64_t operations = 0;
     {
@@ -107,8 +108,7 @@ TEST_F(InjectedFaults, EveryFailingFileOperationOfALoadSkipsAFileOrLeavesNoTexts
         EXPECT_TRUE(std::any_of(log.records().begin(), log.records().end(), [](const std::string& r) {
             return r.find("error while loading") != std::string::npos;
         }));
-        EXPECT_EQ(folder.readFile(german), germanBytes);
-        EXPECT_EQ(folder.readFile(french), frenchBytes);
+        EXPECT_EQ(contents(), before);
         expectValidAndGermanWorks(o);
     }
 }
@@ -118,7 +118,7 @@ TEST_F(InjectedFaults, EveryFailingAllocationOfALoadGivesAStatedFailureValue)
     startFromFrench();
     size_t allocations = 0;
     {
-        CAllocationFailure counting(0);
+        CAllocationWatch counting(0);
         QOR_LANG2_freeWideString(loadGerman(false).rawTag);
         allocations = counting.allocations();
     }
@@ -130,7 +130,7 @@ TEST_F(InjectedFaults, EveryFailingAllocationOfALoadGivesAStatedFailureValue)
         Outcome o;
         bool failed = false;
         {
-            CAllocationFailure failure(n);
+            CAllocationWatch failure(n);
             o = loadGerman(false); // the look-up and the tag's copy must not meet the failure
             failed = failure.failed();
         }
@@ -145,27 +145,27 @@ TEST_F(InjectedFaults, EveryFailingAllocationOfALoadGivesAStatedFailureValue)
     EXPECT_GE(lastFailed, allocations * 3 / 4) << "of " << allocations;
 }
 
-TEST_F(InjectedFaults, EveryFailingAllocationOfALookUpAnswersNullAndTheNextLookUpWorks)
+TEST_F(InjectedFaults, EveryFailingAllocationOfALookUpAnswersNullOrThrowsAndTheNextLookUpWorks)
 {
     ASSERT_EQ(setLanguage(u"de-DE"), 0);
     for (const std::u16string key : {u"k", u"missing"}) {
         size_t allocations = 0;
-        {
-            CAllocationFailure counting(0);
-            QOR_LANG2_freeWideString(QOR_LANG2_getLocalString(w(key), w(u"default")));
-            allocations = counting.allocations();
-        }
-        ASSERT_GE(allocations, 1u);
-        for (size_t n = 1; n <= allocations; ++n) {
+        for (size_t n = 0; n == 0 || n <= allocations; ++n) { // 0 only counts
             QOR_LANG2_CHAR* text = nullptr;
             {
-                CAllocationFailure failure(n);
+                CAllocationWatch failure(n);
                 text = QOR_LANG2_getLocalString(w(key), w(u"default"));
+                allocations = n == 0 ? failure.allocations() : allocations;
             }
-            EXPECT_EQ(text, nullptr) << utf8(key) << ", allocation " << n;
+            EXPECT_EQ(text == nullptr, n != 0) << utf8(key) << ", allocation " << n;
             QOR_LANG2_freeWideString(text);
+            if (n != 0) { // the C++ layer turns exhaustion, and only that, into an exception
+                CAllocationWatch failure(n);
+                EXPECT_THROW(qor_lang2::tr(key, u"default"), std::bad_alloc);
+            }
             EXPECT_EQ(localString(key, u"default"), key == u"k" ? u"Hallo" : u"default");
         }
+        EXPECT_GE(allocations, 1u);
     }
 }
 

@@ -88,18 +88,15 @@ TEST(LanguageIdTest, EveryTagOfTheTablesRoundTrips)
 {
     // Every language with every country: the tag must parse back to the same two rows.
     int failures = 0;
-    for (int32_t l = 0; l < qor_lang::LanguageCodeTableCount && failures < 10; ++l) {
-        LanguageId id;
-        id.iso639_2 = qor_lang::LanguageCodeTable[l].iso639_2;
-        id.iso639_1 = qor_lang::LanguageCodeTable[l].iso639_1;
+    for (int32_t l = 0; l < qor_lang::LanguageCodeTableCount; ++l) {
         for (int32_t c = 0; c < qor_lang::CountryCodeTableCount && failures < 10; ++c) {
+            LanguageId id;
+            id.iso639_2 = qor_lang::LanguageCodeTable[l].iso639_2,
+            id.iso639_1 = qor_lang::LanguageCodeTable[l].iso639_1;
             id.countryCode = qor_lang::CountryCodeTable[c].code;
-            const std::u16string tag = id.getTag();
-            const LanguageId parsed(tag.c_str(), Mode::Tag);
-            if (!parsed.isValid() || parsed.iso639_2 != id.iso639_2 || parsed.countryCode != id.countryCode) {
-                ADD_FAILURE() << utf8(tag) << " does not round-trip";
-                ++failures;
-            }
+            const LanguageId parsed(id.getTag().c_str(), Mode::Tag);
+            failures += !parsed.isValid() || parsed.iso639_2 != id.iso639_2 || parsed.countryCode != id.countryCode;
+            EXPECT_EQ(failures, 0) << utf8(id.getTag()) << " does not round-trip";
         }
     }
 }

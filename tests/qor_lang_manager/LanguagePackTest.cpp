@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 namespace {
 
 using namespace lang_test;
@@ -33,16 +35,15 @@ struct LanguagePackTest : ::testing::Test {
 
 TEST_F(LanguagePackTest, ListsFilesStartingWithItsIdInFolderOrder)
 {
-    write("A-fr-FR.qorlang", u"fr-FR");
-    write("A-en-US.qorlang", u"en-US");
     // The pattern is the id and then anything; a match that names another application in its
     // "apid" chunk is passed over, one without the chunk or naming this one in other letter case stays.
-    write("AB-it-IT.qorlang", u"it-IT", u"AB");
-    write("A-tools-ja-JP.qorlang", u"ja-JP", u"A-tools");
-    write("AC-ko-KR.qorlang", u"ko-KR", std::nullopt);
-    write("A-nl-NL.qorlang", u"nl-NL", u"a");
-    write("A-de-DE.qorlang", u"de-DE");
-    write("B-es-ES.qorlang", u"es-ES", u"B");
+    const std::tuple<const char*, const char16_t*, qor_lang::CountedString> files[] = {
+        {"A-fr-FR.qorlang", u"fr-FR", u"A"},          {"A-en-US.qorlang", u"en-US", u"A"},
+        {"AB-it-IT.qorlang", u"it-IT", u"AB"},        {"A-tools-ja-JP.qorlang", u"ja-JP", u"A-tools"},
+        {"AC-ko-KR.qorlang", u"ko-KR", std::nullopt}, {"A-nl-NL.qorlang", u"nl-NL", u"a"},
+        {"A-de-DE.qorlang", u"de-DE", u"A"},          {"B-es-ES.qorlang", u"es-ES", u"B"}};
+    for (const auto& [name, tag, appId] : files)
+        write(name, tag, appId);
     write("A-pt-PT.txt", u"pt-PT");
     folder.makeFolder("A-sub.qorlang");
 
@@ -98,23 +99,17 @@ TEST_F(LanguagePackTest, BrokenFilesAreReportedAndSkipped)
 
     const auto p = pack();
     EXPECT_EQ(tags(*p), (Tags{u"de-DE", u"it-IT", u"pt-BR"}));
-    std::vector<std::string> reported;
-    for (const std::string& record : log.records()) {
-        if (record.rfind("3:error while loading '", 0) == 0)
-            reported.push_back(record.substr(23, record.size() - 24));
-    }
-    EXPECT_EQ(reported, (std::vector<std::string>{"A-bad-magic.qorlang", "A-cut-header.qorlang", "A-cut-lang.qorlang",
-                                                  "A-empty.qorlang", "A-huge-count.qorlang", "A-huge-string.qorlang"}));
+    std::string reported;
+    for (const std::string& record : log.records())
+        reported += record.rfind("3:error while loading '", 0) == 0 ? record.substr(23, record.size() - 32) + " " : "";
+    EXPECT_EQ(reported, "A-bad-magic A-cut-header A-cut-lang A-empty A-huge-count A-huge-string ");
     log.records().clear();
 
+    // Making a language current reads its file again: see the next test for one cut short.
     Tables texts;
     EXPECT_EQ(p->setLanguage(u"pt-BR", texts), 1);
     EXPECT_EQ(contentOf(*texts.at(0)), Texts());
     EXPECT_TRUE(log.records().empty());
-    EXPECT_EQ(p->setLanguage(u"it-IT", texts), 0) << "a file cut short is damaged";
-    EXPECT_EQ(texts.size(), 1u);
-    ASSERT_EQ(log.records().size(), 2u);
-    EXPECT_EQ(log.records()[0], "3:error while loading 'A-it-IT.qorlang'");
 }
 
 // A file cut short loses strings: making its language current is an error whose second record

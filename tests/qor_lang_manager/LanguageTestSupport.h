@@ -1,7 +1,7 @@
 #pragma once
 // Shared by the language tests: byte builders for hand-made language files, files from the
 // writer, the texts a file or table answers, a log sink that records one module, a guard that
-// leaves the process's localizer empty, and probes that watch or fail allocations.
+// leaves the process's localizer empty, and a watch that counts or fails allocations.
 
 #include "../chunk_file/ChunkTestSupport.h"
 #include "framework/io/CURI.h"
@@ -14,6 +14,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <filesystem>
 #include <map>
 #include <string>
@@ -29,18 +30,15 @@ using chf_test::operator+;
 using Strings = std::vector<std::pair<std::u16string, std::u16string>>;
 using Texts = std::map<std::u16string, std::u16string>;
 
-inline Bytes u32(uint32_t v)
-{
+inline const auto u32 = [](uint32_t v) -> Bytes {
     return {uint8_t(v), uint8_t(v >> 8), uint8_t(v >> 16), uint8_t(v >> 24)};
-}
+};
 
 // A counted string: N = units + 1, the units, a zero unit; nullopt is N = 0.
 inline Bytes counted(const qor_lang::CountedString& text)
 {
-    if (!text)
-        return u32(0);
-    Bytes out = u32(uint32_t(text->size() + 1));
-    for (char16_t c : *text + u'\0')
+    Bytes out = u32(text ? uint32_t(text->size() + 1) : 0);
+    for (char16_t c : text ? *text + u'\0' : u"")
         out = out + Bytes{uint8_t(c), uint8_t(c >> 8)};
     return out;
 }
@@ -53,7 +51,7 @@ inline Bytes stmpChunk(const Strings& entries)
 {
     Bytes data = u32(static_cast<uint32_t>(entries.size()));
     for (const auto& [key, text] : entries)
-        data = data + u32(0) + counted(key) + counted(text) + counted(std::nullopt) + counted(std::nullopt);
+        data = data + u32(0) + counted(key) + counted(text) + u32(0) + u32(0);
     return chunk("STMP", chunk("data", data));
 }
 
@@ -73,7 +71,6 @@ inline void writeLanguageFile(const std::filesystem::path& file, const qor_lang:
 {
     writer.writeFile(*kore::CURI::fromLocalPath(file.u16string().c_str()));
 }
-
 inline Bytes written(const qor_lang::CLanguageFileWriter& writer)
 {
     chf::TChunkRef<chf::CMemoryStream> stream(new chf::CMemoryStream());
@@ -81,20 +78,24 @@ inline Bytes written(const qor_lang::CLanguageFileWriter& writer)
     return stream->getBytes();
 }
 
-// A file read from memory, without a source.
+// A file, and its string table, read from memory without a source.
 inline kore::P<qor_lang::CLanguageFile> readFile(const Bytes& bytes)
 {
     chf::TChunkRef<chf::CMemoryStream> stream(new chf::CMemoryStream(bytes));
     return kore::make<qor_lang::CLanguageFile>(nullptr, *stream);
+}
+inline kore::P<kore::CTextTable> readTable(const Bytes& bytes)
+{
+    chf::TChunkRef<chf::CMemoryStream> stream(new chf::CMemoryStream(bytes));
+    return qor_lang::CLanguageFile::readTexts(*stream, nullptr);
 }
 
 // Every key of a table with the text it answers (empty texts included).
 inline Texts contentOf(const kore::CTextTable& table)
 {
     auto units = [](const uint8_t* bytes, uint32_t count) {
-        std::u16string text;
-        for (uint32_t i = 0; i < count; ++i)
-            text += static_cast<char16_t>(bytes[2 * i] | bytes[2 * i + 1] << 8);
+        std::u16string text(count, u'\0');
+        std::memcpy(text.data(), bytes, 2 * count);
         return text;
     };
     Texts texts;
@@ -103,33 +104,12 @@ inline Texts contentOf(const kore::CTextTable& table)
     });
     return texts;
 }
+inline const auto readTexts = [](const Bytes& bytes) -> Texts { return contentOf(*readTable(bytes)); };
 
-// The texts a language file in memory answers.
-inline Texts readTexts(const Bytes& bytes)
-{
-    chf::TChunkRef<chf::CMemoryStream> stream(new chf::CMemoryStream(bytes));
-    return contentOf(*qor_lang::CLanguageFile::readTexts(*stream, nullptr));
-}
-
-inline std::string utf8(const kore::P<kore::IString>& s)
-{
-    return s ? s->toUTF8() : "<null>";
-}
-inline qor_lang::LanguageId tag(const char16_t* text)
-{
-    return {text, qor_lang::LanguageTagMode::Tag};
-}
-
-inline void writeBytes(const kore_test::CTempFolder& folder, const std::string& name, const Bytes& bytes)
-{
+inline const auto utf8 = [](const kore::P<kore::IString>& s) -> std::string { return s ? s->toUTF8() : "<null>"; };
+inline const auto writeBytes = [](const kore_test::CTempFolder& folder, const std::string& name, const Bytes& bytes) {
     folder.writeFile(name, std::string(bytes.begin(), bytes.end()));
-}
-
-// The localizer's text of `key`, "-" when it has none.
-inline std::string localized(const char* key)
-{
-    return utf8(kore::CStringLocalizer::instance()->getString(key, "-"));
-}
+};
 
 // Empties the process's localizer before and after a test that loads strings into it.
 struct CLocalizerGuard {
@@ -167,32 +147,22 @@ private:
 
 // The state of AllocationProbe.cpp's operator new, on this thread.
 struct AllocationState {
-    bool probing = false, counting = false, failed = false;
+    bool watching = false, failed = false;
     std::size_t limit = 0, largest = 0, failAt = 0, allocations = 0;
 };
 inline thread_local AllocationState t_allocation;
 
-// While one lives, operator new remembers the largest request made on this thread and refuses
-// (std::bad_alloc, nothing allocated) any request above `limit`.
-struct CAllocationProbe {
-    explicit CAllocationProbe(std::size_t limit)
+// While one lives, operator new counts the plain allocations of this thread and remembers the
+// largest request; it refuses (std::bad_alloc, or null from the nothrow form; nothing allocated)
+// the `failAt`-th one (0: none) and any request above `limit`.
+struct CAllocationWatch {
+    explicit CAllocationWatch(std::size_t failAt, std::size_t limit = SIZE_MAX)
     {
-        t_allocation.limit = limit, t_allocation.largest = 0, t_allocation.probing = true;
+        t_allocation = {true, false, limit, 0, failAt, 0};
     }
-    ~CAllocationProbe() { t_allocation.probing = false; }
-    std::size_t largest() const { return t_allocation.largest; }
-};
-
-// While one lives, counts the plain allocations of this thread and refuses the n-th one
-// (std::bad_alloc, or null from the nothrow form); 0 only counts.
-struct CAllocationFailure {
-    explicit CAllocationFailure(std::size_t failAt)
-    {
-        t_allocation.failAt = failAt, t_allocation.allocations = 0, t_allocation.failed = false;
-        t_allocation.counting = true;
-    }
-    ~CAllocationFailure() { t_allocation.counting = false; }
+    ~CAllocationWatch() { t_allocation.watching = false; }
     std::size_t allocations() const { return t_allocation.allocations; }
+    std::size_t largest() const { return t_allocation.largest; }
     bool failed() const { return t_allocation.failed; }
 };
 

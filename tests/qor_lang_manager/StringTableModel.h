@@ -8,7 +8,6 @@
 
 #include <cstdint>
 #include <map>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -27,25 +26,21 @@ public:
     // A new "data" chunk: the entries go, the buckets stay.
     void beginChunk()
     {
-        m_buckets.assign(m_buckets.size(), {});
+        for (auto& chain : m_buckets)
+            chain.clear();
         m_count = 0;
     }
 
+    // A chain's head is the back of its vector.
     void insert(const std::u16string& key, const std::u16string& text)
     {
         const uint32_t h = hash(key);
-        auto& head = m_buckets[h % m_buckets.size()];
-        head = std::make_shared<Node>(Node{key, text, h, head});
+        m_buckets[h % m_buckets.size()].push_back({key, text, h});
         if (static_cast<double>(++m_count) > 0.8 * static_cast<double>(m_buckets.size())) {
-            std::vector<std::shared_ptr<Node>> grown(2 * m_buckets.size());
-            for (auto& chain : m_buckets) {
-                for (std::shared_ptr<Node> node = chain, next; node; node = next) {
-                    next = node->next;
-                    auto& newHead = grown[node->hash % grown.size()];
-                    node->next = newHead;
-                    newHead = node;
-                }
-                chain.reset();
+            std::vector<std::vector<Node>> grown(2 * m_buckets.size());
+            for (const auto& chain : m_buckets) {
+                for (auto node = chain.rbegin(); node != chain.rend(); ++node)
+                    grown[node->hash % grown.size()].push_back(*node);
             }
             m_buckets.swap(grown);
         }
@@ -55,7 +50,7 @@ public:
     {
         std::map<std::u16string, std::u16string> out;
         for (const auto& chain : m_buckets) {
-            for (const Node* node = chain.get(); node; node = node->next.get())
+            for (auto node = chain.rbegin(); node != chain.rend(); ++node)
                 out[node->key] = node->text;
         }
         return out;
@@ -63,12 +58,10 @@ public:
 
 private:
     struct Node {
-        std::u16string key;
-        std::u16string text;
+        std::u16string key, text;
         uint32_t hash;
-        std::shared_ptr<Node> next;
     };
-    std::vector<std::shared_ptr<Node>> m_buckets = std::vector<std::shared_ptr<Node>>(1000);
+    std::vector<std::vector<Node>> m_buckets = std::vector<std::vector<Node>>(1000);
     int32_t m_count = 0;
 };
 

@@ -54,24 +54,29 @@ std::u16string numbered(const char16_t* prefix, uint32_t n)
 TEST(StringTable, OfEntriesWithOneKeyTheTableOrderDecidesAcrossDoublings)
 {
     // Two entries of "dup" with fillers between and after: the winner flips with every doubling
-    // that follows them (after 801, 1601, 3201 entries from 1000 buckets).
+    // that follows them (after 801, 1601, 3201 entries from 1000 buckets). An earlier chunk of 801
+    // entries leaves 2000 buckets behind.
     const struct {
-        uint32_t between, after;
+        uint32_t before, between, after;
         const char16_t* winner;
-    } cases[] = {
-        {0, 798, u"first"},  {0, 799, u"second"}, {800, 0, u"first"},   {0, 1598, u"second"},
-        {0, 1599, u"first"}, {799, 1, u"second"}, {1598, 1, u"second"},
-    };
+    } cases[] = {{0, 0, 798, u"first"},   {0, 0, 799, u"second"},   {0, 800, 0, u"first"},
+                 {0, 0, 1598, u"second"}, {0, 0, 1599, u"first"},   {0, 799, 1, u"second"},
+                 {0, 1598, 1, u"second"}, {801, 0, 1598, u"first"}, {800, 0, 1598, u"second"}};
     for (const auto& c : cases) {
-        Chunk entries{{u"dup", u"first"}};
+        std::vector<Chunk> chunks(c.before ? 2 : 1);
+        for (uint32_t i = 0; i < c.before; ++i)
+            chunks[0].push_back({numbered(u"z", i), u"x"});
+        Chunk& entries = chunks.back();
+        entries.push_back({u"dup", u"first"});
         for (uint32_t i = 0; i < c.between; ++i)
             entries.push_back({numbered(u"a", i), u"x"});
         entries.push_back({u"dup", u"second"});
         for (uint32_t i = 0; i < c.after; ++i)
             entries.push_back({numbered(u"b", i), u"x"});
-        const File file = languageFile({entries});
-        ASSERT_EQ(file.expected.at(u"dup"), c.winner) << "the model itself, " << c.between << "/" << c.after;
-        EXPECT_EQ(readTexts(file.bytes).at(u"dup"), c.winner) << c.between << "/" << c.after;
+        const File file = languageFile(chunks);
+        SCOPED_TRACE(std::to_string(c.before) + "/" + std::to_string(c.between) + "/" + std::to_string(c.after));
+        ASSERT_EQ(file.expected.at(u"dup"), c.winner) << "the model itself";
+        EXPECT_EQ(readTexts(file.bytes).at(u"dup"), c.winner);
     }
 }
 

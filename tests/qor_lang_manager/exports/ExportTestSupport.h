@@ -24,19 +24,16 @@ using lang_test::writeLanguageFile;
 static_assert(sizeof(QOR_LANG2_CHAR) == sizeof(char16_t));
 
 // Text for the interface: a literal or a string that outlives the call.
-inline const QOR_LANG2_CHAR* w(std::u16string_view text)
-{
+inline const auto w = [](std::u16string_view text) -> const QOR_LANG2_CHAR* {
     return reinterpret_cast<const QOR_LANG2_CHAR*>(text.data());
-}
-inline std::u16string u16(std::string_view ascii)
-{
+};
+inline const auto u16 = [](std::string_view ascii) -> std::u16string {
     return std::u16string(ascii.begin(), ascii.end());
-}
+};
 // For failure messages.
-inline std::string utf8(const std::u16string& text)
-{
+inline const auto utf8 = [](const std::u16string& text) -> std::string {
     return kore::CString::fromUTF16(text)->toUTF8();
-}
+};
 
 // A string the library returned, copied and then given back to the library; nullopt for null.
 using Text = std::optional<std::u16string>;
@@ -53,23 +50,17 @@ struct FileHandleDeleter {
     void operator()(void* handle) const { QOR_LANG2_freeQorLangFile(handle); }
 };
 using FileHandle = std::unique_ptr<void, FileHandleDeleter>;
-inline FileHandle languageFile(const std::u16string& appId, int32_t index)
-{
+inline const auto languageFile = [](const std::u16string& appId, int32_t index) -> FileHandle {
     return FileHandle(QOR_LANG2_getLanguageFile(w(appId), index));
-}
+};
 
-inline Text currentLanguage()
-{
-    return take(QOR_LANG2_getCurrentLanguage());
-}
-inline int32_t setLanguage(const std::u16string& tag)
-{
+inline const auto currentLanguage = []() -> Text { return take(QOR_LANG2_getCurrentLanguage()); };
+inline const auto setLanguage = [](const std::u16string& tag) -> int32_t {
     return QOR_LANG2_setCurrentLanguage(w(tag));
-}
-inline Text localString(const std::u16string& key, const std::u16string& defaultText)
-{
+};
+inline const auto localString = [](const std::u16string& key, const std::u16string& defaultText) -> Text {
     return take(QOR_LANG2_getLocalString(w(key), w(defaultText)));
-}
+};
 
 // The "file" URI text of a folder, ending in "/".
 inline std::u16string folderUri(const std::filesystem::path& folder)
@@ -77,10 +68,9 @@ inline std::u16string folderUri(const std::filesystem::path& folder)
     std::u16string uri = kore::CURI::fromLocalPath(folder.u16string().c_str())->toString()->toU16();
     return uri.empty() || uri.back() != u'/' ? uri + u'/' : uri;
 }
-inline int32_t addFolder(const std::filesystem::path& folder, const std::u16string& appId)
-{
+inline const auto addFolder = [](const std::filesystem::path& folder, const std::u16string& appId) -> int32_t {
     return QOR_LANG2_add(w(folder.u16string()), nullptr, w(appId));
-}
+};
 
 // `appId` + "-" + `tag` + ".qorlang" in `folder`, as the library looks for it.
 inline void writeLanguageFile(const std::filesystem::path& folder, const std::u16string& appId,

@@ -3,6 +3,8 @@
 // folder and keys, and sets the current language itself before relying on it.
 #include "ExportTestSupport.h"
 
+#include <algorithm>
+
 namespace {
 
 using namespace export_test;
@@ -19,91 +21,18 @@ void expectFile(const Text& found, const fs::path& file)
     EXPECT_TRUE(fs::equivalent(fs::path(*found), file, error)) << utf8(*found);
 }
 
-// Tag parsing has its table in LanguageIdTest; here only that the export applies it.
-TEST_F(Exports, OnlyValidTagsAreAcceptedAndTheyAreSpelledAsTheTablesDo)
+// Rejected tags (parsing has its table in LanguageIdTest; here only that the export applies it)
+// and folders change nothing; a tag is spelled as the tables do.
+TEST_F(Exports, RejectedTagsAndFoldersChangeNothing)
 {
     ASSERT_EQ(setLanguage(u"de-DE"), 0);
-    for (const char16_t* rejected : {u"en", u"", u"de-XX"}) {
-        EXPECT_EQ(setLanguage(rejected), 20) << utf8(rejected);
+    for (const char16_t* rejected : {u"en", u"", u"de-XX", static_cast<const char16_t*>(nullptr)}) {
+        EXPECT_EQ(QOR_LANG2_setCurrentLanguage(reinterpret_cast<const QOR_LANG2_CHAR*>(rejected)), 20);
         EXPECT_EQ(currentLanguage(), u"de-DE") << "a rejected tag changes nothing";
     }
-    EXPECT_EQ(QOR_LANG2_setCurrentLanguage(nullptr), 20);
     EXPECT_EQ(setLanguage(u"fra--fr"), 0);
     EXPECT_EQ(currentLanguage(), u"fr-FR");
-}
 
-TEST_F(Exports, LoadedTextsAnswerAndEverythingElseGetsACopyOfTheDefault)
-{
-    // Japanese (BMP), a character outside the BMP (a surrogate pair) and Latin-1 letters. Unpaired
-    // surrogates are no characters, but Windows strings may hold them: what a host or a file gives
-    // comes back unit for unit.
-    const std::u16string key = m_app + u".メニュー.ファイル";
-    const std::u16string text = u"ファイルを開く… \U0001F310 äöü", unpaired = u"a\xDC00"
-                                                                              u"b\xD800";
-    writeLanguageFile(m_folder, m_app, u"ja-JP",
-                      {{key, text}, {m_app + u".unpaired", unpaired}, {m_app + u".blank", u""}});
-    ASSERT_EQ(addFolder(m_folder, m_app), 0);
-    ASSERT_EQ(setLanguage(u"ja-JP"), 0);
-
-    EXPECT_EQ(localString(key, u"Open file"), text);
-    EXPECT_EQ(localString(m_app + u".unpaired", u"default"), unpaired);
-    EXPECT_EQ(localString(m_app + u".blank", u"Blank"), u"Blank") << "an empty text cannot blank one out";
-    EXPECT_EQ(localString(m_app + u".UNPAIRED", u"default"), u"default") << "keys compare exactly";
-    EXPECT_EQ(localString(m_app + u".未定義", u"既定の文字列 \U0001F600"), u"既定の文字列 \U0001F600");
-    EXPECT_EQ(localString(m_app + u".未定義", unpaired), unpaired);
-    EXPECT_EQ(localString(m_app + u".未定義", u""), u"");
-
-    const std::u16string defaultText = u"Not translated";
-    QOR_LANG2_CHAR* copy = QOR_LANG2_getLocalString(w(m_app + u".absent"), w(defaultText));
-    ASSERT_NE(copy, nullptr);
-    EXPECT_NE(copy, w(defaultText)) << "the caller's default must come back as a buffer of its own";
-    EXPECT_EQ(take(copy), defaultText);
-    EXPECT_EQ(take(QOR_LANG2_getLocalString(w(m_app + u".absent"), nullptr)), u"")
-        << "a null default reads as the empty text";
-    EXPECT_EQ(take(QOR_LANG2_getLocalString(nullptr, w(defaultText))), defaultText);
-}
-
-TEST_F(Exports, LanguagesAreListedInFolderOrderWithTheirTagsFromTheFiles)
-{
-    writeLanguageFile(m_folder, m_app, u"fr-FR");
-    writeLanguageFile(m_folder, m_app, u"de-DE");
-    // The tag comes from the file, not from its name, and is spelled as the tables do.
-    writeLanguageFile(m_folder / (m_app + u"-x.qorlang"), languageWriter(u"JA-jp", m_app));
-    ASSERT_EQ(addFolder(m_folder, m_app), 0);
-
-    ASSERT_EQ(QOR_LANG2_getLanguageCount(w(m_app)), 3);
-    EXPECT_EQ(take(QOR_LANG2_getLanguage(w(m_app), 0)), u"de-DE");
-    EXPECT_EQ(take(QOR_LANG2_getLanguage(w(m_app), 1)), u"fr-FR");
-    EXPECT_EQ(take(QOR_LANG2_getLanguage(w(m_app), 2)), u"ja-JP");
-    EXPECT_EQ(take(QOR_LANG2_getLanguage(w(m_app), 3)), std::nullopt);
-    EXPECT_EQ(take(QOR_LANG2_getLanguage(w(m_app), -1)), std::nullopt);
-
-    FileHandle last = languageFile(m_app, 2);
-    ASSERT_TRUE(last);
-    EXPECT_EQ(take(QOR_LANG2_FILE_getLanguageID(last.get())), u"ja-JP");
-    EXPECT_FALSE(languageFile(m_app, 3)) << "index == count";
-    EXPECT_FALSE(languageFile(m_app, -1));
-    EXPECT_FALSE(languageFile(m_app, INT32_MIN));
-}
-
-TEST_F(Exports, UnknownApplicationsHaveNoLanguagesAndAMissingFolderIsLookedForAgain)
-{
-    EXPECT_EQ(QOR_LANG2_getLanguageCount(w(m_app)), 0);
-    EXPECT_EQ(QOR_LANG2_getLanguageCount(nullptr), 0);
-    EXPECT_EQ(take(QOR_LANG2_getLanguage(w(m_app), 0)), std::nullopt);
-    EXPECT_FALSE(languageFile(m_app, 0));
-    EXPECT_FALSE(FileHandle(QOR_LANG2_getLanguageFile(nullptr, 0)));
-
-    const fs::path later = m_folder / "later";
-    ASSERT_EQ(addFolder(later, m_app), 0) << "a missing folder is no error";
-    EXPECT_EQ(QOR_LANG2_getLanguageCount(w(m_app)), 0);
-    fs::create_directory(later);
-    writeLanguageFile(later, m_app, u"de-DE");
-    EXPECT_EQ(QOR_LANG2_getLanguageCount(w(m_app)), 1) << "an empty list is looked for again";
-}
-
-TEST_F(Exports, FoldersGivenAsUriText)
-{
     writeLanguageFile(m_folder, m_app, u"de-DE");
     for (const char16_t* bad : {u"not a uri", u"file:///%zz/", u"C:\\Lang\\", u""})
         EXPECT_EQ(QOR_LANG2_addEx(w(bad), w(m_app)), -1) << utf8(bad);
@@ -112,9 +41,60 @@ TEST_F(Exports, FoldersGivenAsUriText)
     EXPECT_EQ(QOR_LANG2_add(nullptr, nullptr, w(m_app)), -1);
     EXPECT_EQ(QOR_LANG2_add(w(m_folder.u16string()), nullptr, nullptr), -1);
     EXPECT_EQ(QOR_LANG2_getLanguageCount(w(m_app)), 0) << "a failed registration registers nothing";
-
     ASSERT_EQ(QOR_LANG2_addEx(w(folderUri(m_folder)), w(m_app)), 0);
     EXPECT_EQ(QOR_LANG2_getLanguageCount(w(m_app)), 1);
+}
+
+TEST_F(Exports, LoadedTextsAnswerAndEverythingElseGetsACopyOfTheDefault)
+{
+    // Japanese (BMP), a character outside the BMP (a surrogate pair) and Latin-1 letters. Unpaired
+    // surrogates are no characters, but Windows strings may hold them: what a host or a file gives
+    // comes back unit for unit. Keys compare exactly.
+    const std::u16string key = m_app + u".メニュー", missing = m_app + u".未定義", unpaired = u"a\xDC00z\xD800";
+    const std::u16string text = u"ファイルを開く… \U0001F310 äöü", emoji = u"既定の文字列 \U0001F600";
+    writeLanguageFile(m_folder, m_app, u"ja-JP", {{key, text}, {m_app + u".unpaired", unpaired}});
+    ASSERT_EQ(addFolder(m_folder, m_app), 0);
+    ASSERT_EQ(setLanguage(u"ja-JP"), 0);
+    const std::u16string rows[][3] = {{key, u"Open file", text},          {m_app + u".unpaired", u"d", unpaired},
+                                      {m_app + u".UNPAIRED", u"d", u"d"}, {missing, emoji, emoji},
+                                      {missing, unpaired, unpaired},      {missing, u"", u""}};
+    for (const auto& [asked, defaultText, answer] : rows)
+        EXPECT_EQ(localString(asked, defaultText), answer) << utf8(asked);
+
+    const std::u16string defaultText = u"Not translated";
+    QOR_LANG2_CHAR* copy = QOR_LANG2_getLocalString(w(missing), w(defaultText));
+    ASSERT_NE(copy, nullptr);
+    EXPECT_NE(copy, w(defaultText)) << "the caller's default must come back as a buffer of its own";
+    EXPECT_EQ(take(copy), defaultText);
+    EXPECT_EQ(take(QOR_LANG2_getLocalString(w(missing), nullptr)), u"") << "a null default reads as the empty text";
+    EXPECT_EQ(take(QOR_LANG2_getLocalString(nullptr, w(defaultText))), defaultText);
+}
+
+// Indices outside the list, unknown and null ids answer null or 0; a missing folder is no error
+// and, while its list is empty, is looked for again.
+TEST_F(Exports, LanguagesAreListedInFolderOrderWithTheirTagsFromTheFiles)
+{
+    EXPECT_EQ(QOR_LANG2_getLanguageCount(w(m_app)), 0);
+    EXPECT_EQ(QOR_LANG2_getLanguageCount(nullptr), 0);
+    EXPECT_FALSE(FileHandle(QOR_LANG2_getLanguageFile(nullptr, 0)));
+    const fs::path later = m_folder / "later";
+    ASSERT_EQ(addFolder(later, m_app), 0);
+    EXPECT_EQ(QOR_LANG2_getLanguageCount(w(m_app)), 0);
+    EXPECT_EQ(take(QOR_LANG2_getLanguage(w(m_app), 0)), std::nullopt);
+    fs::create_directory(later);
+    writeLanguageFile(later, m_app, u"fr-FR");
+    writeLanguageFile(later, m_app, u"de-DE");
+    // The tag comes from the file, not from its name, and is spelled as the tables do.
+    writeLanguageFile(later / (m_app + u"-x.qorlang"), languageWriter(u"JA-jp", m_app));
+
+    ASSERT_EQ(QOR_LANG2_getLanguageCount(w(m_app)), 3);
+    const Text expected[] = {std::nullopt, u"de-DE", u"fr-FR", u"ja-JP", std::nullopt};
+    for (int32_t index : {INT32_MIN, -1, 0, 1, 2, 3}) {
+        const Text& tag = expected[std::clamp(index + 1, 0, 4)];
+        EXPECT_EQ(take(QOR_LANG2_getLanguage(w(m_app), index)), tag) << index;
+        FileHandle file = languageFile(m_app, index);
+        EXPECT_EQ(file ? take(QOR_LANG2_FILE_getLanguageID(file.get())) : std::nullopt, tag) << index;
+    }
 }
 
 TEST_F(Exports, FileAccessorsReportEveryItemAndEveryHandleKeepsItsFile)
@@ -190,59 +170,30 @@ TEST_F(Exports, LocalizedFilesAreFoundAsLocalPathsForTheCurrentLanguageOrEnglish
     EXPECT_EQ(find(uri, suffix), std::nullopt);
 }
 
-// The "file:" URI of a folder with every byte outside the unreserved ASCII characters
-// percent-encoded, the way a host that builds URIs itself writes it.
-std::u16string percentEncodedUri(const fs::path& folder)
-{
-    const std::u8string path = folder.generic_u8string();
-    std::string uri = path.empty() || path[0] != u8'/' ? "file:///" : "file://";
-    for (const char8_t c : path) {
-        const auto byte = static_cast<unsigned char>(c);
-        if ((byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') || (byte >= '0' && byte <= '9') ||
-            std::string_view("-._~/:").find(static_cast<char>(byte)) != std::string_view::npos) {
-            uri += static_cast<char>(byte);
-        } else {
-            static const char hex[] = "0123456789ABCDEF";
-            uri += {'%', hex[byte >> 4], hex[byte & 15]};
-        }
-    }
-    return u16(uri + "/");
-}
-
-// Folder names, application ids (so file names) and keys in many scripts, among them those whose
-// UTF-8 starts with 0xE0 or 0xF0 (Devanagari, Thai, emoji), registered by path and by
-// percent-encoded URI: every one lists its languages, loads its texts and finds its files.
+// Folder names, application ids (so file names) and keys in scripts whose UTF-8 takes two, three
+// (one starting with 0xE0) and four bytes, and with combining marks, registered by path and by
+// URI: every one lists its languages, loads its texts and finds its files.
 TEST_F(Exports, FoldersFilesAndIdsInAnyScript)
 {
-    const char16_t* const scripts[] = {u"café",   u"Ελληνικά", u"Русский",           u"हिन्दी", u"ไทย",    u"日本語",
-                                       u"한국어", u"smile 😀",  u"Zoe\u0308 e\u0301", u"עברית", u"العربية"};
-    struct Registered {
-        std::u16string script, byPath, byUri;
-        fs::path folder;
-    };
-    std::vector<Registered> all;
-    for (const char16_t* script : scripts) {
-        Registered r{script, m_app + u".path." + script, m_app + u".uri." + script, m_folder / script};
-        fs::create_directory(r.folder);
-        for (const std::u16string& id : {r.byPath, r.byUri})
+    for (const std::u16string script : {u"café Ελληνικά", u"हिन्दी", u"smile 😀", u"Zoe\u0308 e\u0301"}) {
+        const fs::path folder = m_folder / script;
+        fs::create_directory(folder);
+        writeBytes(folder / (script + u"_fr-FR.txt"), "x");
+        for (const std::u16string& id : {m_app + u".path." + script, m_app + u".uri." + script}) {
+            SCOPED_TRACE(utf8(id));
             for (const char16_t* tag : {u"de-DE", u"fr-FR"})
-                writeLanguageFile(r.folder, id, tag, {{id + u".greeting", std::u16string(tag) + u" " + script}});
-        writeBytes(r.folder / (r.script + u"_fr-FR.txt"), "x");
-        EXPECT_EQ(addFolder(r.folder, r.byPath), 0) << utf8(script);
-        EXPECT_EQ(QOR_LANG2_addEx(w(percentEncodedUri(r.folder)), w(r.byUri)), 0) << utf8(percentEncodedUri(r.folder));
-        all.push_back(std::move(r));
-    }
-    ASSERT_EQ(setLanguage(u"fr-FR"), 0);
-    for (const Registered& r : all) {
-        for (const std::u16string& id : {r.byPath, r.byUri}) {
-            EXPECT_EQ(QOR_LANG2_getLanguageCount(w(id)), 2) << utf8(id);
-            EXPECT_EQ(take(QOR_LANG2_getLanguage(w(id), 0)), u"de-DE") << utf8(id);
+                writeLanguageFile(folder, id, tag, {{id + u".greeting", std::u16string(tag) + u" " + script}});
+            EXPECT_EQ(id.find(u".uri.") == std::u16string::npos ? addFolder(folder, id)
+                                                                : QOR_LANG2_addEx(w(folderUri(folder)), w(id)),
+                      0);
+            ASSERT_EQ(setLanguage(u"fr-FR"), 0);
+            EXPECT_EQ(QOR_LANG2_getLanguageCount(w(id)), 2);
+            EXPECT_EQ(take(QOR_LANG2_getLanguage(w(id), 0)), u"de-DE");
             EXPECT_EQ(take(QOR_LANG2_FILE_getAppID(languageFile(id, 1).get())), id);
-            EXPECT_EQ(localString(id + u".greeting", u"none"), u"fr-FR " + r.script) << utf8(id);
+            EXPECT_EQ(localString(id + u".greeting", u"none"), u"fr-FR " + script);
         }
-        expectFile(
-            take(QOR_LANG2_findLocalizedFile(w(percentEncodedUri(r.folder)), w(r.script + u"_"), w(u""), w(u".txt"))),
-            r.folder / (r.script + u"_fr-FR.txt"));
+        expectFile(take(QOR_LANG2_findLocalizedFile(w(folderUri(folder)), w(script + u"_"), w(u""), w(u".txt"))),
+                   folder / (script + u"_fr-FR.txt"));
     }
 }
 

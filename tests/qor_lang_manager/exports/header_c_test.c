@@ -12,23 +12,15 @@
 #endif
 
 static int failures = 0;
-
-static void check(int ok, const char* what)
-{
-    if (!ok) {
-        fprintf(stderr, "FAILED: %s\n", what);
-        ++failures;
-    }
-}
+#define CHECK(ok) ((ok) ? (void)0 : (void)(fprintf(stderr, "FAILED: %s\n", #ok), ++failures))
 
 /* Compares a returned string with ASCII text, then frees it. */
 static int takeEquals(QOR_LANG2_CHAR* text, const char* expected)
 {
     size_t i = 0;
-    int equal = text != NULL;
-    for (; equal && expected[i]; ++i)
-        equal = text[i] == (QOR_LANG2_CHAR)expected[i];
-    equal = equal && text[i] == 0;
+    while (text && expected[i] && text[i] == (QOR_LANG2_CHAR)expected[i])
+        ++i;
+    int equal = text && !expected[i] && !text[i];
     QOR_LANG2_freeWideString(text);
     return equal;
 }
@@ -42,18 +34,18 @@ int main(void)
     QOR_LANG2_FILE_HANDLE file = QOR_LANG2_getLanguageFile(T("chost"), 0);
     size_t i;
 
-    check(file == NULL, "getLanguageFile");
+    CHECK(file == NULL);
     QOR_LANG2_freeQorLangFile(file);
-    check(QOR_LANG2_add(T("/qor-none"), NULL, T("chost")) == 0, "add of a missing folder");
-    check(QOR_LANG2_addEx(T("file:///qor-none/"), T("chost")) == 0, "addEx");
-    check(QOR_LANG2_reload() == 0, "reload");
-    check(QOR_LANG2_getLanguageCount(T("chost")) == 0, "getLanguageCount");
-    check(QOR_LANG2_getLanguage(T("chost"), 0) == NULL, "getLanguage");
-    check(QOR_LANG2_setCurrentLanguage(T("en-US")) == 0, "setCurrentLanguage");
-    check(takeEquals(QOR_LANG2_getCurrentLanguage(), "en-US"), "getCurrentLanguage");
-    check(takeEquals(QOR_LANG2_getLocalString(T("k"), T("OK")), "OK"), "getLocalString");
-    check(QOR_LANG2_findLocalizedFile(T("file:///qor-none/"), T("h_"), T(""), T("")) == NULL, "findLocalizedFile");
+    CHECK(QOR_LANG2_add(T("/qor-none"), NULL, T("chost")) == 0);
+    CHECK(QOR_LANG2_addEx(T("file:///qor-none/"), T("chost")) == 0);
+    CHECK(QOR_LANG2_reload() == 0);
+    CHECK(QOR_LANG2_getLanguageCount(T("chost")) == 0);
+    CHECK(QOR_LANG2_getLanguage(T("chost"), 0) == NULL);
+    CHECK(QOR_LANG2_setCurrentLanguage(T("en-US")) == 0);
+    CHECK(takeEquals(QOR_LANG2_getCurrentLanguage(), "en-US"));
+    CHECK(takeEquals(QOR_LANG2_getLocalString(T("k"), T("OK")), "OK"));
+    CHECK(QOR_LANG2_findLocalizedFile(T("file:///qor-none/"), T("h_"), T(""), T("")) == NULL);
     for (i = 0; i < sizeof accessors / sizeof accessors[0]; ++i)
-        check(accessors[i](NULL) == NULL, "a QOR_LANG2_FILE_ accessor with a null handle");
+        CHECK(accessors[i](NULL) == NULL);
     return failures ? 1 : 0;
 }
