@@ -14,11 +14,9 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstdint>
-#include <cstring>
 #include <exception>
-#include <limits>
+#include <optional>
 #include <string>
 #include <typeinfo>
 #include <vector>
@@ -26,17 +24,11 @@
 namespace chf_test {
 
 // The container's classes by their short names in every test that uses this namespace.
-using chf::CChunkFile;
-using chf::CChunkFileWriter;
-using chf::CChunkIterator;
-using chf::CChunkStream;
-using chf::CKoreFileStream;
-using chf::makeChunkId;
+using namespace chf;
 using kore::IStreamManager;
-
 using Bytes = std::vector<uint8_t>;
 template <class T>
-using Ref = chf::TChunkRef<T>;
+using Ref = TChunkRef<T>;
 
 inline Bytes text(const std::string& s)
 {
@@ -51,31 +43,22 @@ inline Bytes slice(const Bytes& b, size_t from, size_t to)
 {
     return Bytes(b.begin() + long(from), b.begin() + long(to));
 }
-
 inline Bytes u64(uint64_t value)
 {
-    return {uint8_t(value),       uint8_t(value >> 8),  uint8_t(value >> 16), uint8_t(value >> 24),
-            uint8_t(value >> 32), uint8_t(value >> 40), uint8_t(value >> 48), uint8_t(value >> 56)};
+    Bytes out;
+    for (int i = 0; i < 8; ++i)
+        out.push_back(uint8_t(value >> 8 * i));
+    return out;
 }
-
-// A chunk whose size field says `size`, followed by `data` (which may differ in length).
-inline Bytes chunk(const std::string& id, uint64_t size, const Bytes& data)
+// A chunk whose size field says `size` (by default the data's), followed by `data`.
+inline Bytes chunk(const std::string& id, const Bytes& data, std::optional<uint64_t> size = {})
 {
-    return text(id) + u64(size) + data;
+    return text(id) + u64(size.value_or(data.size())) + data;
 }
-inline Bytes chunk(const std::string& id, const Bytes& data)
+inline Bytes container(const Bytes& area, std::optional<uint64_t> length = {})
 {
-    return chunk(id, data.size(), data);
+    return text("URESFILE") + u64(length.value_or(area.size())) + area;
 }
-inline Bytes container(const Bytes& area, uint64_t length)
-{
-    return text("URESFILE") + u64(length) + area;
-}
-inline Bytes container(const Bytes& area)
-{
-    return container(area, area.size());
-}
-
 inline Bytes patternBytes(size_t count)
 {
     Bytes out(count);
@@ -84,45 +67,40 @@ inline Bytes patternBytes(size_t count)
     return out;
 }
 
-inline Bytes readAll(chf::IStream* stream)
+inline Bytes readAll(IStream* stream)
 {
     Bytes bytes(static_cast<size_t>(stream->getLength()));
     stream->setPosition(0);
     stream->read(bytes.data(), static_cast<int32_t>(bytes.size()));
     return bytes;
 }
-
-// A stream on the sequence's current chunk, or on the first chunk of that id; its data.
-inline Ref<chf::CChunkStream> openStream(chf::CChunkIterator* sequence)
+// A stream on the first chunk of that id, or without one on the sequence's current chunk.
+template <class... Id>
+Ref<CChunkStream> openStream(CChunkIterator* sequence, const Id&... id)
 {
-    return Ref<chf::CChunkStream>(sequence->openChunkStream());
+    EXPECT_TRUE((sequence->findFirstChunk(makeChunkId(id)) && ...));
+    return Ref<CChunkStream>(sequence->openChunkStream());
 }
-inline Ref<chf::CChunkStream> openStream(chf::CChunkIterator* sequence, const char (&id)[5])
-{
-    EXPECT_TRUE(sequence->findFirstChunk(chf::makeChunkId(id))) << id;
-    return openStream(sequence);
-}
-inline Bytes current(chf::CChunkIterator* sequence)
+inline Bytes current(CChunkIterator* sequence)
 {
     return readAll(openStream(sequence).get());
 }
+inline bool isSequence(uint32_t id)
+{
+    return id == makeChunkId("STMP") || id == makeChunkId("sub_");
+}
 
 // "id(data)" per chunk, "id[...]" for "STMP" and "sub_", which are walked as nested sequences.
-inline std::string dump(chf::CChunkIterator* sequence)
+inline std::string dump(CChunkIterator* sequence)
 {
     std::string out;
     sequence->rewind();
     while (sequence->nextChunk()) {
         const uint32_t id = sequence->getChunkId();
-        out += out.empty() ? "" : " ";
-        for (int i = 0; i < 4; ++i)
-            out += static_cast<char>(id >> (8 * i));
-        if (id == chf::makeChunkId("STMP") || id == chf::makeChunkId("sub_")) {
-            out += "[" + dump(Ref<chf::CChunkIterator>(sequence->openChunkIterator()).get()) + "]";
-        } else {
-            const Bytes data = current(sequence);
-            out += "(" + std::string(data.begin(), data.end()) + ")";
-        }
+        out += std::string(out.empty() ? "" : " ") + std::string(reinterpret_cast<const char*>(&id), 4);
+        const Bytes data = isSequence(id) ? Bytes() : current(sequence);
+        out += isSequence(id) ? "[" + dump(Ref<CChunkIterator>(sequence->openChunkIterator()).get()) + "]"
+                              : "(" + std::string(data.begin(), data.end()) + ")";
     }
     return out;
 }
@@ -140,11 +118,10 @@ bool raisesPlainException(F&& operation)
 }
 
 // A memory stream that counts the bytes passed to write() and can be told to fail.
-struct CTestStream : chf::CMemoryStream {
+struct CTestStream : CMemoryStream {
     using CMemoryStream::CMemoryStream;
     int64_t bytesWritten = 0;
-    bool failWrite = false;
-    bool failTruncate = false;
+    bool failWrite = false, failTruncate = false;
 
     int64_t write(const void* buffer, int32_t count) override
     {
@@ -162,21 +139,21 @@ struct CTestStream : chf::CMemoryStream {
 };
 
 // A holder on the test's stack that records what it is told.
-struct CRecordingHolder : chf::IChunkHolder {
+struct CRecordingHolder : IChunkHolder {
     struct Notice {
         bool inserted;
-        chf::CChunkStream* origin;
+        CChunkStream* origin;
         int64_t at, count;
     };
     uint32_t refs = 1;
     std::vector<Notice> notices;
-    std::vector<chf::CChunkStream*> detached;
+    std::vector<CChunkStream*> detached;
 
     uint32_t addRef() override { return ++refs; }
     uint32_t release() override { return --refs; }
-    void detachChild(chf::CChunkStream* child) override { detached.push_back(child); }
-    void onSpaceInserted(chf::CChunkStream* o, int64_t at, int64_t n) override { notices.push_back({true, o, at, n}); }
-    void onSpaceRemoved(chf::CChunkStream* o, int64_t at, int64_t n) override { notices.push_back({false, o, at, n}); }
+    void detachChild(CChunkStream* child) override { detached.push_back(child); }
+    void onSpaceInserted(CChunkStream* o, int64_t at, int64_t n) override { notices.push_back({true, o, at, n}); }
+    void onSpaceRemoved(CChunkStream* o, int64_t at, int64_t n) override { notices.push_back({false, o, at, n}); }
 };
 
 // A container in memory, opened; the stream counts what is written.
@@ -196,7 +173,7 @@ inline COpened openInMemory(const Bytes& bytes, int64_t at = 0)
 // one larger than the disk stream's buffers (the container reads back its header and sizes as it
 // writes: a file is opened read-write); the bytes it must end with.
 inline const Bytes kBig = patternBytes(100000);
-inline void buildExample(chf::IStream* stream)
+inline void buildExample(IStream* stream)
 {
     Ref<CChunkFile> file(CChunkFileWriter::createFile(stream));
     CChunkFileWriter::appendChunk(file.get(), makeChunkId("vers"), "1.0", 3);
@@ -228,17 +205,13 @@ inline Bytes exampleBytes()
 // One file in a temporary folder whose path is not ASCII, opened through the file-stream adapter.
 class CDiskFile {
 public:
-    CDiskFile() { m_temp.makeFolder(kFolder); }
-    explicit CDiskFile(const Bytes& bytes) : CDiskFile()
+    explicit CDiskFile(const Bytes& bytes)
     {
+        m_temp.makeFolder(kFolder);
         m_temp.writeFile(kPath, std::string(bytes.begin(), bytes.end()));
     }
-
     kore::P<kore::IURI> uri() const { return m_temp.uri(kFolder)->resolve("a file.chf"); }
-    Ref<chf::CKoreFileStream> open(uint32_t mode) const
-    {
-        return Ref<chf::CKoreFileStream>(new chf::CKoreFileStream(*uri(), mode));
-    }
+    Ref<CKoreFileStream> open(uint32_t mode) const { return Ref<CKoreFileStream>(new CKoreFileStream(*uri(), mode)); }
     Bytes bytes() const { return text(m_temp.readFile(kPath)); }
 
 private:
@@ -254,7 +227,7 @@ std::vector<Bytes> editedInMemoryAndOnDisk(const Bytes& original, F&& edit)
     Ref<CTestStream> memory(new CTestStream(original));
     edit(memory.get());
     CDiskFile disk(original);
-    edit(disk.open(kore::IStreamManager::kReadWrite).get());
+    edit(disk.open(IStreamManager::kReadWrite).get());
     return {memory->getBytes(), disk.bytes()};
 }
 
