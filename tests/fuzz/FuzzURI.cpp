@@ -20,8 +20,7 @@ using kore::P;
 void explore(const P<CURI>& uri, const IString& name)
 {
     const P<IString> normal = uri->toString();
-    const P<CURI> again = CURI::fromURIText(*normal);
-    check(again->toString()->equals(*normal));
+    check(CURI::fromURIText(*normal)->toString()->equals(*normal));
 
     uri->getScheme();
     uri->getHost();
@@ -38,8 +37,7 @@ void explore(const P<CURI>& uri, const IString& name)
     }
     for (bool asFolder : {false, true}) {
         try {
-            const P<kore::IURI> child = uri->resolve(name, asFolder);
-            check(child->isFolder() == asFolder);
+            check(uri->resolve(name, asFolder)->isFolder() == asFolder);
         } catch (const std::exception&) {
         }
     }
