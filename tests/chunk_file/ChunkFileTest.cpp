@@ -19,7 +19,7 @@ constexpr uint64_t kMax = std::numeric_limits<int64_t>::max();
 TEST(ChunkFile, WalksAndFindsChunksAndIgnoresAnIncompleteTrailingHeader)
 {
     // Opened behind 3 bytes of something else: the chunk area starts 16 bytes further.
-    Ref<CChunkFile> empty = openInMemory(text("abc") + container({}), 3).file;
+    Ref<CChunkFile> empty = COpened(text("abc") + container({}), 3).file;
     EXPECT_EQ(std::memcmp(empty->getMagic(), "URESFILE", 9), 0);
     EXPECT_EQ(empty->getBase(), 19);
     EXPECT_FALSE(empty->nextChunk());
@@ -30,14 +30,14 @@ TEST(ChunkFile, WalksAndFindsChunksAndIgnoresAnIncompleteTrailingHeader)
 
     const Bytes area = chunk("vers", text("1.0")) + chunk("none", {}) + chunk("lang", text("de-DE"));
     for (size_t trailing = 0; trailing < 12; ++trailing) {
-        Ref<CChunkFile> file = openInMemory(container(area + Bytes(trailing, 'x'))).file;
+        Ref<CChunkFile> file = COpened(container(area + Bytes(trailing, 'x'))).file;
         EXPECT_EQ(dump(file.get()), "vers(1.0) none() lang(de-DE)") << trailing;
         EXPECT_FALSE(file->nextChunk()) << trailing;
     }
 
     // findChunk searches forward from the current chunk, findFirstChunk from the start.
-    Ref<CChunkFile> file = openInMemory(container(chunk("RSID", text("a")) + chunk("cmnt", text("1")) +
-                                                  chunk("RSID", text("b")) + chunk("cmnt", text("2"))))
+    Ref<CChunkFile> file = COpened(container(chunk("RSID", text("a")) + chunk("cmnt", text("1")) +
+                                             chunk("RSID", text("b")) + chunk("cmnt", text("2"))))
                                .file;
     for (const char* expected : {"a", "b"}) {
         ASSERT_TRUE(file->findChunk(makeChunkId("RSID")));
@@ -67,7 +67,7 @@ TEST(ChunkFile, SizesThatWouldNotMoveTheWalkForwardEndIt)
     };
     for (const Bytes& bytes : hostile) {
         CDiskFile disk(bytes);
-        const auto memory = openInMemory(bytes);
+        const auto memory = COpened(bytes);
         const Ref<CChunkFile> onDisk(CChunkFile::open(disk.open(IStreamManager::kRead).get()));
         for (CChunkFile* file : {memory.file.get(), onDisk.get()}) {
             ASSERT_TRUE(file->nextChunk());
@@ -77,7 +77,7 @@ TEST(ChunkFile, SizesThatWouldNotMoveTheWalkForwardEndIt)
         }
     }
     // A declared size running past the end of the area is accepted as it stands.
-    Ref<CChunkFile> overlong = openInMemory(container(chunk("long", text("abc"), 1000))).file;
+    Ref<CChunkFile> overlong = COpened(container(chunk("long", text("abc"), 1000))).file;
     EXPECT_EQ(openStream(overlong.get(), "long")->getLength(), 1000);
     EXPECT_FALSE(overlong->nextChunk());
 }
@@ -89,7 +89,7 @@ TEST(ChunkFileWriter, BuildsNestedChunksThatReadBackChunkForChunk)
         EXPECT_EQ(bytes, expected);
 
     // Reopened, the file reads back and takes further chunks the same way.
-    auto [stream, file] = openInMemory(expected);
+    auto [stream, file] = COpened(expected);
     EXPECT_EQ(dump(file.get()), "vers(1.0) STMP[data(hello!!) more(xyz) big_(" + std::string(kBig.begin(), kBig.end()) +
                                     ") sub_[leaf(L) leaf(M)]] cmnt(hi)");
     CChunkFileWriter::appendChunk(file.get(), makeChunkId("apid"), "app", 3);

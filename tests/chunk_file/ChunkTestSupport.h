@@ -8,18 +8,14 @@
 #include "chunk_file/CKoreFileStream.h"
 #include "chunk_file/CMemoryStream.h"
 #include "chunk_file/ChunkId.h"
-#include "chunk_file/IChunkHolder.h"
 #include "chunk_file/TChunkRef.h"
 #include "framework/io/IStreamManager.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdint>
-#include <exception>
+#include <cstring>
 #include <optional>
-#include <string>
 #include <typeinfo>
-#include <vector>
 
 namespace chf_test {
 
@@ -43,11 +39,11 @@ inline Bytes slice(const Bytes& b, size_t from, size_t to)
 {
     return Bytes(b.begin() + long(from), b.begin() + long(to));
 }
+// Sizes are little-endian, as every platform this builds for is.
 inline Bytes u64(uint64_t value)
 {
-    Bytes out;
-    for (int i = 0; i < 8; ++i)
-        out.push_back(uint8_t(value >> 8 * i));
+    Bytes out(8);
+    std::memcpy(out.data(), &value, 8);
     return out;
 }
 // A chunk whose size field says `size` (by default the data's), followed by `data`.
@@ -156,18 +152,16 @@ struct CRecordingHolder : IChunkHolder {
     void onSpaceRemoved(CChunkStream* o, int64_t at, int64_t n) override { notices.push_back({false, o, at, n}); }
 };
 
-// A container in memory, opened; the stream counts what is written.
+// A container in memory, opened at `at`; the stream counts what is written.
 struct COpened {
+    COpened(const Bytes& bytes, int64_t at = 0) : stream(new CTestStream(bytes))
+    {
+        stream->setPosition(at);
+        file = Ref<CChunkFile>(CChunkFile::open(stream.get()));
+    }
     Ref<CTestStream> stream;
     Ref<CChunkFile> file;
 };
-inline COpened openInMemory(const Bytes& bytes, int64_t at = 0)
-{
-    Ref<CTestStream> stream(new CTestStream(bytes));
-    stream->setPosition(at);
-    Ref<CChunkFile> file(CChunkFile::open(stream.get()));
-    return {std::move(stream), std::move(file)};
-}
 
 // A container written chunk by chunk, one chunk appended behind a sequence that keeps growing,
 // one larger than the disk stream's buffers (the container reads back its header and sizes as it

@@ -61,7 +61,7 @@ TEST(SpacePropagation, EarlierSiblingMovesTheChunksBehindItUpToTheLimit)
         const Bytes original =
             container(chunk("A___", text("aaaa")) +
                       (huge ? chunk("B___", text("bb"), kMax - 56) : chunk("B___", chunk("x___", text("xx")))));
-        auto [stream, file] = openInMemory(original);
+        auto [stream, file] = COpened(original);
         ASSERT_TRUE(file->nextChunk());
         Ref<CChunkIterator> first(file->openChunkIterator());
         ASSERT_TRUE(file->nextChunk());
@@ -164,7 +164,7 @@ TEST(SpacePropagation, RemovalNoticesMoveShrinkOrDeleteAStreamThatWritesBackWhat
 TEST(SpacePropagation, RemovalDropsOrShrinksTheCurrentChunkAndEveryEnclosingSize)
 {
     auto [stream, file] =
-        openInMemory(container(chunk("A___", text("aa")) + chunk("B___", text("bbbb")) + chunk("C___", text("cc"))));
+        COpened(container(chunk("A___", text("aa")) + chunk("B___", text("bbbb")) + chunk("C___", text("cc"))));
     Ref<CChunkStream> c = openStream(file.get(), "C___");
     Ref<CChunkStream> b = openStream(file.get(), "B___");
     b->setPosition(4);
@@ -187,7 +187,7 @@ TEST(SpacePropagation, RemovalDropsOrShrinksTheCurrentChunkAndEveryEnclosingSize
         return chunk("A___", text("aa")) + chunk("sub_", chunk("x___", x) + chunk("y___", text("yy"))) +
                chunk("C___", text("cc"));
     };
-    auto [nestedStream, nestedFile] = openInMemory(container(area(text("123456"))));
+    auto [nestedStream, nestedFile] = COpened(container(area(text("123456"))));
     c = openStream(nestedFile.get(), "C___");
     ASSERT_TRUE(nestedFile->findFirstChunk(makeChunkId("sub_")));
     const int64_t subSize = nestedFile->getChunkSize();
