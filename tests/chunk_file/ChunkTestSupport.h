@@ -15,6 +15,7 @@
 
 #include <cstring>
 #include <optional>
+#include <tuple>
 #include <typeinfo>
 
 namespace chf_test {
@@ -86,18 +87,23 @@ inline bool isSequence(uint32_t id)
     return id == makeChunkId("STMP") || id == makeChunkId("sub_");
 }
 
-// "id(data)" per chunk, "id[...]" for "STMP" and "sub_", which are walked as nested sequences.
+inline std::string dump(CChunkIterator* sequence);
+// The current chunk as "id(data)", or "id[...]" for "STMP" and "sub_", walked as nested sequences.
+inline std::string describe(CChunkIterator* sequence)
+{
+    const uint32_t id = sequence->getChunkId();
+    const std::string name(reinterpret_cast<const char*>(&id), 4);
+    if (isSequence(id))
+        return name + "[" + dump(Ref<CChunkIterator>(sequence->openChunkIterator()).get()) + "]";
+    const Bytes data = current(sequence);
+    return name + "(" + std::string(data.begin(), data.end()) + ")";
+}
+// Every chunk from the start, described and separated by spaces.
 inline std::string dump(CChunkIterator* sequence)
 {
     std::string out;
-    sequence->rewind();
-    while (sequence->nextChunk()) {
-        const uint32_t id = sequence->getChunkId();
-        out += std::string(out.empty() ? "" : " ") + std::string(reinterpret_cast<const char*>(&id), 4);
-        const Bytes data = isSequence(id) ? Bytes() : current(sequence);
-        out += isSequence(id) ? "[" + dump(Ref<CChunkIterator>(sequence->openChunkIterator()).get()) + "]"
-                              : "(" + std::string(data.begin(), data.end()) + ")";
-    }
+    for (sequence->rewind(); sequence->nextChunk();)
+        out += (out.empty() ? "" : " ") + describe(sequence);
     return out;
 }
 
@@ -136,11 +142,7 @@ struct CTestStream : CMemoryStream {
 
 // A holder on the test's stack that records what it is told.
 struct CRecordingHolder : IChunkHolder {
-    struct Notice {
-        bool inserted;
-        CChunkStream* origin;
-        int64_t at, count;
-    };
+    using Notice = std::tuple<bool, CChunkStream*, int64_t, int64_t>; // inserted?, origin, at, count
     uint32_t refs = 1;
     std::vector<Notice> notices;
     std::vector<CChunkStream*> detached;

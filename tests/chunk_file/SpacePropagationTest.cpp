@@ -31,19 +31,12 @@ TEST(SpacePropagation, ChildGrownWhileOpenIsSkippedAndEveryEnclosingSizeFollows)
         // Every holder steps over the grown chunk before any size has been written back.
         const std::pair<CChunkIterator*, std::string> steps[] = {
             {sub.get(), "next(n)"}, {stmp.get(), "more(xyz)"}, {file.get(), "cmnt(hi)"}};
-        for (const auto& [holder, next] : steps) {
-            ASSERT_TRUE(holder->nextChunk());
-            const Bytes data = current(holder);
-            const uint32_t id = holder->getChunkId();
-            EXPECT_EQ(std::string(reinterpret_cast<const char*>(&id), 4) + "(" + std::string(data.begin(), data.end()) +
-                          ")",
-                      next);
-        }
+        for (const auto& [holder, next] : steps)
+            EXPECT_EQ(holder->nextChunk() ? describe(holder) : "", next);
         EXPECT_EQ(readAll(comment.get()), text("hi"));
         // Read again from the file, a grown chunk's old size gives way to its open stream's length.
-        ASSERT_TRUE(stmp->findFirstChunk(makeChunkId("sub_")));
-        ASSERT_TRUE(stmp->nextChunk());
-        EXPECT_EQ(stmp->getChunkId(), makeChunkId("more"));
+        ASSERT_TRUE(stmp->findFirstChunk(makeChunkId("sub_")) && stmp->nextChunk());
+        EXPECT_EQ(describe(stmp.get()), "more(xyz)");
     };
     // The leaf's size, those of sub_ and STMP and the header's length are each 10 larger.
     for (const Bytes& bytes : editedInMemoryAndOnDisk(container(area(text("hello"))), grow))
@@ -62,10 +55,8 @@ TEST(SpacePropagation, EarlierSiblingMovesTheChunksBehindItUpToTheLimit)
             container(chunk("A___", text("aaaa")) +
                       (huge ? chunk("B___", text("bb"), kMax - 56) : chunk("B___", chunk("x___", text("xx")))));
         auto [stream, file] = COpened(original);
-        ASSERT_TRUE(file->nextChunk());
-        Ref<CChunkIterator> first(file->openChunkIterator());
-        ASSERT_TRUE(file->nextChunk());
-        Ref<CChunkIterator> second(file->openChunkIterator());
+        Ref<CChunkIterator> first(file->nextChunk() ? file->openChunkIterator() : nullptr);
+        Ref<CChunkIterator> second(file->nextChunk() ? file->openChunkIterator() : nullptr);
         Ref<CChunkStream> inner = huge ? openStream(file.get()) : openStream(second.get(), "x___"); // at 56
         ASSERT_EQ(inner->getLength(), huge ? kMax - 56 : 2);
         ASSERT_EQ(file->nextChunk(), false);
@@ -76,9 +67,8 @@ TEST(SpacePropagation, EarlierSiblingMovesTheChunksBehindItUpToTheLimit)
         first->insertSpace(5);
         EXPECT_EQ(first->getLength(), 9);
         EXPECT_EQ(file->getLength(), static_cast<int64_t>(original.size()) - 16 + 5);
-        EXPECT_EQ(second->getBase(), 49);
-        EXPECT_EQ(inner->getBase(), huge ? 49 : 61);
-        EXPECT_EQ(behind->getBase(), huge ? kMax : int64_t(original.size()) + 17);
+        EXPECT_EQ((std::vector{second->getBase(), inner->getBase(), behind->getBase()}),
+                  (std::vector<int64_t>{49, huge ? 49 : 61, huge ? kMax : int64_t(original.size()) + 17}));
         if (huge) {
             inner->setPosition(0);
             inner->insertSpace(60);
@@ -143,16 +133,12 @@ TEST(SpacePropagation, RemovalNoticesMoveShrinkOrDeleteAStreamThatWritesBackWhat
         stream->onSpaceRemoved(nullptr, row.at, row.count);
         const bool deleted = row.length == 0;
         EXPECT_EQ(stream->isDeleted(), deleted);
-        if (!deleted) {
-            EXPECT_EQ(stream->getBase(), row.base);
-            EXPECT_EQ(stream->getLength(), row.length);
-        }
+        EXPECT_TRUE(deleted || std::pair(stream->getBase(), stream->getLength()) == std::pair(row.base, row.length))
+            << stream->getBase() << ", " << stream->getLength();
         Bytes expected = file->getBytes();
+        if (!deleted && row.length != 10)
+            std::ranges::copy(u64(uint64_t(row.length)), expected.begin() + row.base - 8);
         stream->release();
-        if (!deleted && row.length != 10) {
-            const Bytes size = u64(static_cast<uint64_t>(row.length));
-            std::copy(size.begin(), size.end(), expected.begin() + row.base - 8);
-        }
         EXPECT_EQ(file->getBytes(), expected);
     }
 }
@@ -173,8 +159,7 @@ TEST(SpacePropagation, RemovalDropsOrShrinksTheCurrentChunkAndEveryEnclosingSize
     file->removeSpace(12 + 6);
     EXPECT_TRUE(b->isDeleted());
     EXPECT_EQ(file->getChunkId(), 0u);
-    ASSERT_TRUE(file->nextChunk());
-    EXPECT_EQ(file->getChunkId(), makeChunkId("C___"));
+    EXPECT_TRUE(file->nextChunk() && file->getChunkId() == makeChunkId("C___"));
     EXPECT_EQ(readAll(c.get()), text("cc"));
     const int64_t written = stream->bytesWritten;
     b.reset();
@@ -198,12 +183,10 @@ TEST(SpacePropagation, RemovalDropsOrShrinksTheCurrentChunkAndEveryEnclosingSize
     EXPECT_EQ(readAll(x.get()), text("126"));
     x.reset();
     EXPECT_EQ(sequence->getChunkSize(), 3);
-    ASSERT_TRUE(sequence->nextChunk());
-    EXPECT_EQ(sequence->getChunkId(), makeChunkId("y___"));
+    EXPECT_TRUE(sequence->nextChunk() && sequence->getChunkId() == makeChunkId("y___"));
     sequence.reset();
     EXPECT_EQ(nestedFile->getChunkSize(), subSize - 3);
-    ASSERT_TRUE(nestedFile->nextChunk());
-    EXPECT_EQ(nestedFile->getChunkId(), makeChunkId("C___"));
+    EXPECT_TRUE(nestedFile->nextChunk() && nestedFile->getChunkId() == makeChunkId("C___"));
     EXPECT_EQ(readAll(c.get()), text("cc"));
     c.reset();
     nestedFile.reset();

@@ -83,20 +83,15 @@ void fuzzStringFormat(const uint8_t* data, size_t size)
     if (asksForHugePadding(formatText))
         return;
     const bool hasStar = formatText.find(u'*') != std::u16string::npos;
-    try {
+    tolerate([&] {
         kore::CStringFormat format(kore::CStringArg(formatText.data(), static_cast<uint32_t>(formatText.size())));
-        for (int i = 0; i < 64 && !input.empty(); ++i) {
-            try {
-                pushOne(format, input, hasStar);
-            } catch (const std::exception&) {
-            }
-        }
+        for (int i = 0; i < 64 && !input.empty(); ++i)
+            tolerate([&] { pushOne(format, input, hasStar); });
         if (format.isComplete())
             format.getResult()->hash();
         else
             format.getResult();
-    } catch (const std::exception&) {
-    }
+    });
 }
 
 } // namespace qor_fuzz
