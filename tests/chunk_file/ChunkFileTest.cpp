@@ -52,7 +52,7 @@ TEST(ChunkFile, WalksAndFindsChunksAndIgnoresAnIncompleteTrailingHeader)
 TEST(ChunkFile, SizesThatWouldNotMoveTheWalkForwardEndIt)
 {
     const auto evil = [](uint64_t size) {
-        return container(chunk("good", text("ok")) + chunk("evil", text("pad"), size) + chunk("late", text("x")));
+        return container(chunk("good", text("ok")) + chunk("evil", size, text("pad")) + chunk("late", text("x")));
     };
     const Bytes hostile[] = {
         evil(kMax), // offset + 12 + size overflows
@@ -73,7 +73,7 @@ TEST(ChunkFile, SizesThatWouldNotMoveTheWalkForwardEndIt)
                 << &bytes - hostile;
     }
     // A declared size running past the end of the area is accepted as it stands.
-    Ref<CChunkFile> overlong = COpened(container(chunk("long", text("abc"), 1000))).file;
+    Ref<CChunkFile> overlong = COpened(container(chunk("long", 1000, text("abc")))).file;
     EXPECT_EQ(openStream(overlong.get(), "long")->getLength(), 1000);
     EXPECT_FALSE(overlong->nextChunk());
 }

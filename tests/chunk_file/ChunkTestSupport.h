@@ -47,10 +47,14 @@ inline Bytes u64(uint64_t value)
     std::memcpy(out.data(), &value, 8);
     return out;
 }
-// A chunk whose size field says `size` (by default the data's), followed by `data`.
-inline Bytes chunk(const std::string& id, const Bytes& data, std::optional<uint64_t> size = {})
+// A chunk whose size field says `size`, followed by `data` (which may differ in length).
+inline Bytes chunk(const std::string& id, uint64_t size, const Bytes& data)
 {
-    return text(id) + u64(size.value_or(data.size())) + data;
+    return text(id) + u64(size) + data;
+}
+inline Bytes chunk(const std::string& id, const Bytes& data)
+{
+    return chunk(id, data.size(), data);
 }
 inline Bytes container(const Bytes& area, std::optional<uint64_t> length = {})
 {
