@@ -53,7 +53,8 @@ public:
 void walk(chf::CChunkIterator* sequence, int depth, uint32_t& budget)
 {
     sequence->rewind();
-    for (uint8_t head[16]; budget > 0 && sequence->nextChunk(); --budget) {
+    for (uint8_t head[16]; budget > 0 && sequence->nextChunk();) {
+        --budget;
         chf::TChunkRef<chf::CChunkStream> data(sequence->openChunkStream());
         data->read(head, static_cast<int32_t>(std::min<int64_t>(data->getLength(), sizeof head)));
         data.reset();
@@ -104,7 +105,7 @@ void fuzzChunkFile(const uint8_t* data, size_t size)
         chf::IStream* target = arg % targets < sequences.size()
                                    ? static_cast<chf::IStream*>(sequences[arg % targets].get())
                                    : streams[arg % targets - sequences.size()].get();
-        try {
+        tolerate([&] {
             // A position anywhere in the target or a little behind it, or just before it.
             if (op % 12 >= 6 && op % 12 <= 9) {
                 const int64_t length = std::clamp<int64_t>(target->getLength(), 0, 1 << 20);
@@ -136,8 +137,7 @@ void fuzzChunkFile(const uint8_t* data, size_t size)
             case 10: top->findChunk(kIds[arg % 4]); break;
             case 11: chf::CChunkFileWriter::appendChunk(top, kIds[arg % 4], kBytes, (arg >> 8) % 17); break;
             }
-        } catch (const std::exception&) {
-        }
+        });
     }
 
     // Children before their holders, the way a careful owner lets go.
