@@ -8,35 +8,24 @@
 #include "chunk_file/CKoreFileStream.h"
 #include "chunk_file/CMemoryStream.h"
 #include "chunk_file/ChunkId.h"
-#include "chunk_file/IChunkHolder.h"
 #include "chunk_file/TChunkRef.h"
 #include "framework/io/IStreamManager.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cstdint>
 #include <cstring>
-#include <exception>
-#include <limits>
-#include <string>
+#include <optional>
+#include <tuple>
 #include <typeinfo>
-#include <vector>
 
 namespace chf_test {
 
 // The container's classes by their short names in every test that uses this namespace.
-using chf::CChunkFile;
-using chf::CChunkFileWriter;
-using chf::CChunkIterator;
-using chf::CChunkStream;
-using chf::CKoreFileStream;
-using chf::makeChunkId;
+using namespace chf;
 using kore::IStreamManager;
-
 using Bytes = std::vector<uint8_t>;
 template <class T>
-using Ref = chf::TChunkRef<T>;
+using Ref = TChunkRef<T>;
 
 inline Bytes text(const std::string& s)
 {
@@ -51,13 +40,13 @@ inline Bytes slice(const Bytes& b, size_t from, size_t to)
 {
     return Bytes(b.begin() + long(from), b.begin() + long(to));
 }
-
+// Sizes are little-endian, as every platform this builds for is.
 inline Bytes u64(uint64_t value)
 {
-    return {uint8_t(value),       uint8_t(value >> 8),  uint8_t(value >> 16), uint8_t(value >> 24),
-            uint8_t(value >> 32), uint8_t(value >> 40), uint8_t(value >> 48), uint8_t(value >> 56)};
+    Bytes out(8);
+    std::memcpy(out.data(), &value, 8);
+    return out;
 }
-
 // A chunk whose size field says `size`, followed by `data` (which may differ in length).
 inline Bytes chunk(const std::string& id, uint64_t size, const Bytes& data)
 {
@@ -67,15 +56,10 @@ inline Bytes chunk(const std::string& id, const Bytes& data)
 {
     return chunk(id, data.size(), data);
 }
-inline Bytes container(const Bytes& area, uint64_t length)
+inline Bytes container(const Bytes& area, std::optional<uint64_t> length = {})
 {
-    return text("URESFILE") + u64(length) + area;
+    return text("URESFILE") + u64(length.value_or(area.size())) + area;
 }
-inline Bytes container(const Bytes& area)
-{
-    return container(area, area.size());
-}
-
 inline Bytes patternBytes(size_t count)
 {
     Bytes out(count);
@@ -84,46 +68,46 @@ inline Bytes patternBytes(size_t count)
     return out;
 }
 
-inline Bytes readAll(chf::IStream* stream)
+inline Bytes readAll(IStream* stream)
 {
     Bytes bytes(static_cast<size_t>(stream->getLength()));
     stream->setPosition(0);
     stream->read(bytes.data(), static_cast<int32_t>(bytes.size()));
     return bytes;
 }
-
-// A stream on the sequence's current chunk, or on the first chunk of that id; its data.
-inline Ref<chf::CChunkStream> openStream(chf::CChunkIterator* sequence)
+// A stream on the first chunk of that id, or without one on the sequence's current chunk.
+template <class... Id>
+Ref<CChunkStream> openStream(CChunkIterator* sequence, const Id&... id)
 {
-    return Ref<chf::CChunkStream>(sequence->openChunkStream());
+    EXPECT_TRUE((sequence->findFirstChunk(makeChunkId(id)) && ...));
+    return Ref<CChunkStream>(sequence->openChunkStream());
 }
-inline Ref<chf::CChunkStream> openStream(chf::CChunkIterator* sequence, const char (&id)[5])
-{
-    EXPECT_TRUE(sequence->findFirstChunk(chf::makeChunkId(id))) << id;
-    return openStream(sequence);
-}
-inline Bytes current(chf::CChunkIterator* sequence)
+inline Bytes current(CChunkIterator* sequence)
 {
     return readAll(openStream(sequence).get());
 }
+inline bool isSequence(uint32_t id)
+{
+    return id == makeChunkId("STMP") || id == makeChunkId("sub_");
+}
 
-// "id(data)" per chunk, "id[...]" for "STMP" and "sub_", which are walked as nested sequences.
-inline std::string dump(chf::CChunkIterator* sequence)
+inline std::string dump(CChunkIterator* sequence);
+// The current chunk as "id(data)", or "id[...]" for "STMP" and "sub_", walked as nested sequences.
+inline std::string describe(CChunkIterator* sequence)
+{
+    const uint32_t id = sequence->getChunkId();
+    const std::string name(reinterpret_cast<const char*>(&id), 4);
+    if (isSequence(id))
+        return name + "[" + dump(Ref<CChunkIterator>(sequence->openChunkIterator()).get()) + "]";
+    const Bytes data = current(sequence);
+    return name + "(" + std::string(data.begin(), data.end()) + ")";
+}
+// Every chunk from the start, described and separated by spaces.
+inline std::string dump(CChunkIterator* sequence)
 {
     std::string out;
-    sequence->rewind();
-    while (sequence->nextChunk()) {
-        const uint32_t id = sequence->getChunkId();
-        out += out.empty() ? "" : " ";
-        for (int i = 0; i < 4; ++i)
-            out += static_cast<char>(id >> (8 * i));
-        if (id == chf::makeChunkId("STMP") || id == chf::makeChunkId("sub_")) {
-            out += "[" + dump(Ref<chf::CChunkIterator>(sequence->openChunkIterator()).get()) + "]";
-        } else {
-            const Bytes data = current(sequence);
-            out += "(" + std::string(data.begin(), data.end()) + ")";
-        }
-    }
+    for (sequence->rewind(); sequence->nextChunk();)
+        out += (out.empty() ? "" : " ") + describe(sequence);
     return out;
 }
 
@@ -140,11 +124,10 @@ bool raisesPlainException(F&& operation)
 }
 
 // A memory stream that counts the bytes passed to write() and can be told to fail.
-struct CTestStream : chf::CMemoryStream {
+struct CTestStream : CMemoryStream {
     using CMemoryStream::CMemoryStream;
     int64_t bytesWritten = 0;
-    bool failWrite = false;
-    bool failTruncate = false;
+    bool failWrite = false, failTruncate = false;
 
     int64_t write(const void* buffer, int32_t count) override
     {
@@ -162,41 +145,35 @@ struct CTestStream : chf::CMemoryStream {
 };
 
 // A holder on the test's stack that records what it is told.
-struct CRecordingHolder : chf::IChunkHolder {
-    struct Notice {
-        bool inserted;
-        chf::CChunkStream* origin;
-        int64_t at, count;
-    };
+struct CRecordingHolder : IChunkHolder {
+    using Notice = std::tuple<bool, CChunkStream*, int64_t, int64_t>; // inserted?, origin, at, count
     uint32_t refs = 1;
     std::vector<Notice> notices;
-    std::vector<chf::CChunkStream*> detached;
+    std::vector<CChunkStream*> detached;
 
     uint32_t addRef() override { return ++refs; }
     uint32_t release() override { return --refs; }
-    void detachChild(chf::CChunkStream* child) override { detached.push_back(child); }
-    void onSpaceInserted(chf::CChunkStream* o, int64_t at, int64_t n) override { notices.push_back({true, o, at, n}); }
-    void onSpaceRemoved(chf::CChunkStream* o, int64_t at, int64_t n) override { notices.push_back({false, o, at, n}); }
+    void detachChild(CChunkStream* child) override { detached.push_back(child); }
+    void onSpaceInserted(CChunkStream* o, int64_t at, int64_t n) override { notices.push_back({true, o, at, n}); }
+    void onSpaceRemoved(CChunkStream* o, int64_t at, int64_t n) override { notices.push_back({false, o, at, n}); }
 };
 
-// A container in memory, opened; the stream counts what is written.
+// A container in memory, opened at `at`; the stream counts what is written.
 struct COpened {
+    COpened(const Bytes& bytes, int64_t at = 0) : stream(new CTestStream(bytes))
+    {
+        stream->setPosition(at);
+        file = Ref<CChunkFile>(CChunkFile::open(stream.get()));
+    }
     Ref<CTestStream> stream;
     Ref<CChunkFile> file;
 };
-inline COpened openInMemory(const Bytes& bytes, int64_t at = 0)
-{
-    Ref<CTestStream> stream(new CTestStream(bytes));
-    stream->setPosition(at);
-    Ref<CChunkFile> file(CChunkFile::open(stream.get()));
-    return {std::move(stream), std::move(file)};
-}
 
 // A container written chunk by chunk, one chunk appended behind a sequence that keeps growing,
 // one larger than the disk stream's buffers (the container reads back its header and sizes as it
 // writes: a file is opened read-write); the bytes it must end with.
 inline const Bytes kBig = patternBytes(100000);
-inline void buildExample(chf::IStream* stream)
+inline void buildExample(IStream* stream)
 {
     Ref<CChunkFile> file(CChunkFileWriter::createFile(stream));
     CChunkFileWriter::appendChunk(file.get(), makeChunkId("vers"), "1.0", 3);
@@ -228,17 +205,13 @@ inline Bytes exampleBytes()
 // One file in a temporary folder whose path is not ASCII, opened through the file-stream adapter.
 class CDiskFile {
 public:
-    CDiskFile() { m_temp.makeFolder(kFolder); }
-    explicit CDiskFile(const Bytes& bytes) : CDiskFile()
+    explicit CDiskFile(const Bytes& bytes)
     {
+        m_temp.makeFolder(kFolder);
         m_temp.writeFile(kPath, std::string(bytes.begin(), bytes.end()));
     }
-
     kore::P<kore::IURI> uri() const { return m_temp.uri(kFolder)->resolve("a file.chf"); }
-    Ref<chf::CKoreFileStream> open(uint32_t mode) const
-    {
-        return Ref<chf::CKoreFileStream>(new chf::CKoreFileStream(*uri(), mode));
-    }
+    Ref<CKoreFileStream> open(uint32_t mode) const { return Ref<CKoreFileStream>(new CKoreFileStream(*uri(), mode)); }
     Bytes bytes() const { return text(m_temp.readFile(kPath)); }
 
 private:
@@ -254,7 +227,7 @@ std::vector<Bytes> editedInMemoryAndOnDisk(const Bytes& original, F&& edit)
     Ref<CTestStream> memory(new CTestStream(original));
     edit(memory.get());
     CDiskFile disk(original);
-    edit(disk.open(kore::IStreamManager::kReadWrite).get());
+    edit(disk.open(IStreamManager::kReadWrite).get());
     return {memory->getBytes(), disk.bytes()};
 }
 

@@ -6,43 +6,28 @@
 #include "ChunkTestSupport.h"
 #include "framework/errors/CException.h"
 
-#include <gtest/gtest.h>
-
 #include <cstdio>
 
 using namespace chf_test;
 
 namespace {
 
-Bytes original()
-{
-    return container(
-        chunk("vers", text("1.0")) +
-        chunk("STMP", chunk("data", text("hello")) + chunk("big_", kBig) + chunk("sub_", chunk("leaf", text("L")))) +
-        chunk("cmnt", text("hi")));
-}
-
 // Grows a nested chunk (insertion, then the sizes written back) and inserts space inside another
 // across the disk stream's buffer.
-void edit(chf::IStream* stream)
+void edit(IStream* stream)
 {
     Ref<CChunkFile> file(CChunkFile::open(stream));
-    while (file->nextChunk() && file->getChunkId() != makeChunkId("STMP")) {}
+    ASSERT_TRUE(file->findFirstChunk(makeChunkId("STMP")));
     Ref<CChunkIterator> stmp(file->openChunkIterator());
     ASSERT_TRUE(stmp->nextChunk());
-    {
-        Ref<CChunkStream> data(stmp->openChunkStream());
-        data->setPosition(data->getLength());
-        data->write(" world", 6);
-        data.reset(); // a failed size write-back reaches the caller only this way
-    }
-    ASSERT_TRUE(stmp->nextChunk());
-    {
-        Ref<CChunkStream> big(stmp->openChunkStream());
-        big->setPosition(0);
-        big->insertSpace(70000);
-        big.reset();
-    }
+    Ref<CChunkStream> data = openStream(stmp.get());
+    data->setPosition(data->getLength());
+    data->write(" world", 6);
+    data.reset(); // a failed size write-back reaches the caller only this way
+    ASSERT_TRUE(stmp->nextChunk()); // the next header is read from the remembered size
+    Ref<CChunkStream> big = openStream(stmp.get());
+    big->insertSpace(70000);
+    big.reset();
     stmp.reset();
     file.reset();
 }
@@ -50,11 +35,9 @@ void edit(chf::IStream* stream)
 // Visits every chunk header, nested sequences included, without reading chunk data.
 void walk(CChunkIterator* sequence)
 {
-    while (sequence->nextChunk()) {
-        const uint32_t id = sequence->getChunkId();
-        if (id == makeChunkId("STMP") || id == makeChunkId("sub_"))
+    while (sequence->nextChunk())
+        if (isSequence(sequence->getChunkId()))
             walk(Ref<CChunkIterator>(sequence->openChunkIterator()).get());
-    }
 }
 
 TEST(InjectedFaults, EveryFailingFileOperationOfAChangeIsReportedAndTheNextChangeWorks)
@@ -62,8 +45,14 @@ TEST(InjectedFaults, EveryFailingFileOperationOfAChangeIsReportedAndTheNextChang
     const struct {
         const char* name;
         Bytes original;
-        void (*change)(chf::IStream*);
-    } rows[] = {{"edit", original(), &edit}, {"build", {}, &buildExample}};
+        void (*change)(IStream*);
+    } rows[] = {{"edit",
+                 container(chunk("vers", text("1.0")) +
+                           chunk("STMP", chunk("data", text("hello")) + chunk("big_", kBig) +
+                                             chunk("sub_", chunk("leaf", text("L")))) +
+                           chunk("cmnt", text("hi"))),
+                 &edit},
+                {"build", {}, &buildExample}};
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
         Bytes expected;
@@ -71,7 +60,7 @@ TEST(InjectedFaults, EveryFailingFileOperationOfAChangeIsReportedAndTheNextChang
         {
             CDiskFile disk(row.original);
             kore_test::CFailingFiles counting(0);
-            row.change(disk.open(kore::IStreamManager::kReadWrite).get());
+            row.change(disk.open(IStreamManager::kReadWrite).get());
             operations = counting.operations();
             expected = disk.bytes();
         }
@@ -86,7 +75,7 @@ TEST(InjectedFaults, EveryFailingFileOperationOfAChangeIsReportedAndTheNextChang
             {
                 kore_test::CFailingFiles files(n);
                 try {
-                    Ref<chf::CKoreFileStream> stream = disk.open(kore::IStreamManager::kReadWrite);
+                    Ref<CKoreFileStream> stream = disk.open(IStreamManager::kReadWrite);
                     row.change(stream.get());
                     stream.reset(); // flushes, and reports a failed flush
                 } catch (const kore::CException&) {
@@ -99,11 +88,11 @@ TEST(InjectedFaults, EveryFailingFileOperationOfAChangeIsReportedAndTheNextChang
             }
             // Whatever the failure left behind can be walked; nothing more is promised of it.
             try {
-                walk(Ref<CChunkFile>(CChunkFile::open(disk.open(kore::IStreamManager::kRead).get())).get());
+                walk(Ref<CChunkFile>(CChunkFile::open(disk.open(IStreamManager::kRead).get())).get());
             } catch (const std::exception&) {
             }
             CDiskFile again(row.original);
-            row.change(again.open(kore::IStreamManager::kReadWrite).get());
+            row.change(again.open(IStreamManager::kReadWrite).get());
             EXPECT_EQ(again.bytes(), expected);
         }
     }

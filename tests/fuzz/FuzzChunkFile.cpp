@@ -53,31 +53,17 @@ public:
 void walk(chf::CChunkIterator* sequence, int depth, uint32_t& budget)
 {
     sequence->rewind();
-    while (budget > 0 && sequence->nextChunk()) {
+    for (uint8_t head[16]; budget > 0 && sequence->nextChunk();) {
         --budget;
-        uint8_t head[16];
         chf::TChunkRef<chf::CChunkStream> data(sequence->openChunkStream());
         data->read(head, static_cast<int32_t>(std::min<int64_t>(data->getLength(), sizeof head)));
         data.reset();
-        if (depth < 4) {
-            chf::TChunkRef<chf::CChunkIterator> nested(sequence->openChunkIterator());
-            walk(nested.get(), depth + 1, budget);
-        }
+        if (depth < 4)
+            walk(chf::TChunkRef<chf::CChunkIterator>(sequence->openChunkIterator()).get(), depth + 1, budget);
     }
 }
 
-void walkAll(std::vector<uint8_t> bytes)
-{
-    try {
-        chf::TChunkRef<chf::CMemoryStream> stream(new chf::CMemoryStream(std::move(bytes)));
-        chf::TChunkRef<chf::CChunkFile> file(chf::CChunkFile::open(stream.get()));
-        uint32_t budget = 4096;
-        walk(file.get(), 0, budget);
-    } catch (const std::exception&) {
-    }
-}
-
-// Takes one out of the list before letting go of it: a failure (a size written back) ends only that one.
+// Lets go of one (a failure, a size written back, ends only that one), or of all, newest first.
 template <class T>
 void close(std::vector<chf::TChunkRef<T>>& refs, size_t at)
 {
@@ -85,25 +71,11 @@ void close(std::vector<chf::TChunkRef<T>>& refs, size_t at)
     refs.erase(refs.begin() + static_cast<long>(at));
     closing.reset();
 }
-// Lets go of the newest first.
 template <class T>
 void releaseAll(std::vector<chf::TChunkRef<T>>& refs)
 {
-    while (!refs.empty()) {
-        try {
-            close(refs, refs.size() - 1);
-        } catch (const std::exception&) {
-        }
-    }
-}
-
-// A position for an operation: anywhere in the stream or a little behind it, or just before it.
-int64_t positionIn(chf::IStream* stream, uint16_t arg)
-{
-    if (arg == 0xFFFF)
-        return -1;
-    const int64_t length = std::clamp<int64_t>(stream->getLength(), 0, 1 << 20);
-    return static_cast<int64_t>(arg) % (length + 9);
+    while (!refs.empty())
+        tolerate([&] { close(refs, refs.size() - 1); });
 }
 
 } // namespace
@@ -112,10 +84,8 @@ void fuzzChunkFile(const uint8_t* data, size_t size)
 {
     CFuzzInput input(data, size);
     const std::string program = input.bytes(static_cast<size_t>(input.byte()) * 3);
-    const std::string fileText = input.rest();
-    std::vector<uint8_t> fileBytes(fileText.begin(), fileText.end());
-
-    chf::TChunkRef<chf::CMemoryStream> stream(new CBoundedMemoryStream(fileBytes));
+    const std::string file = input.rest();
+    chf::TChunkRef<chf::CMemoryStream> stream(new CBoundedMemoryStream(std::vector<uint8_t>(file.begin(), file.end())));
     std::vector<chf::TChunkRef<chf::CChunkIterator>> sequences;
     try {
         sequences.emplace_back(chf::CChunkFile::open(stream.get()));
@@ -123,6 +93,7 @@ void fuzzChunkFile(const uint8_t* data, size_t size)
         return;
     }
     std::vector<chf::TChunkRef<chf::CChunkStream>> streams;
+    uint8_t buffer[256];
 
     CFuzzInput ops(reinterpret_cast<const uint8_t*>(program.data()), program.size());
     while (!ops.empty()) {
@@ -134,7 +105,12 @@ void fuzzChunkFile(const uint8_t* data, size_t size)
         chf::IStream* target = arg % targets < sequences.size()
                                    ? static_cast<chf::IStream*>(sequences[arg % targets].get())
                                    : streams[arg % targets - sequences.size()].get();
-        try {
+        tolerate([&] {
+            // A position anywhere in the target or a little behind it, or just before it.
+            if (op % 12 >= 6 && op % 12 <= 9) {
+                const int64_t length = std::clamp<int64_t>(target->getLength(), 0, 1 << 20);
+                target->setPosition(arg == 0xFFFF ? -1 : static_cast<int64_t>(arg) % (length + 9));
+            }
             switch (op % 12) {
             case 0: top->nextChunk(); break;
             case 1: top->rewind(); break;
@@ -154,35 +130,24 @@ void fuzzChunkFile(const uint8_t* data, size_t size)
                 if (!streams.empty())
                     close(streams, arg % streams.size());
                 break;
-            case 6: {
-                uint8_t buffer[256];
-                target->setPosition(positionIn(target, arg));
-                target->read(buffer, (arg >> 8) % sizeof buffer);
-                break;
-            }
-            case 7:
-                target->setPosition(positionIn(target, arg));
-                target->write(kBytes, 1 + (arg >> 8) % 16);
-                break;
-            case 8:
-                target->setPosition(positionIn(target, arg));
-                target->insertSpace((arg >> 8) % 64);
-                break;
-            case 9:
-                target->setPosition(positionIn(target, arg));
-                target->removeSpace((arg >> 8) % 64);
-                break;
+            case 6: target->read(buffer, (arg >> 8) % sizeof buffer); break;
+            case 7: target->write(kBytes, 1 + (arg >> 8) % 16); break;
+            case 8: target->insertSpace((arg >> 8) % 64); break;
+            case 9: target->removeSpace((arg >> 8) % 64); break;
             case 10: top->findChunk(kIds[arg % 4]); break;
             case 11: chf::CChunkFileWriter::appendChunk(top, kIds[arg % 4], kBytes, (arg >> 8) % 17); break;
             }
-        } catch (const std::exception&) {
-        }
+        });
     }
 
     // Children before their holders, the way a careful owner lets go.
     releaseAll(streams);
     releaseAll(sequences);
-    walkAll(stream->getBytes());
+    tolerate([&] {
+        chf::TChunkRef<chf::CMemoryStream> result(new chf::CMemoryStream(stream->getBytes()));
+        uint32_t budget = 4096;
+        walk(chf::TChunkRef<chf::CChunkFile>(chf::CChunkFile::open(result.get())).get(), 0, budget);
+    });
 }
 
 } // namespace qor_fuzz

@@ -18,6 +18,7 @@ public:
     uint8_t byte() { return empty() ? 0 : m_data[m_position++]; }
     uint16_t u16() { return static_cast<uint16_t>(byte() | byte() << 8); }
     uint32_t u32() { return u16() | static_cast<uint32_t>(u16()) << 16; }
+    uint64_t u64() { return static_cast<uint64_t>(u32()) << 32 | u32(); }
 
     // Up to `count` bytes as they are.
     std::string bytes(size_t count)

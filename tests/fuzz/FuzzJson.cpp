@@ -44,14 +44,9 @@ void fuzzJson(const uint8_t* data, size_t size)
 {
     const std::string_view bytes(reinterpret_cast<const char*>(data), size);
     kore::CJsonParser parser;
-    try {
-        printAndReparse(parser.parseUTF8(bytes));
-    } catch (const std::exception&) {
-    }
-    try {
-        printAndReparse(parser.parse(kore::CStringArg(bytes.data(), static_cast<uint32_t>(bytes.size()))));
-    } catch (const std::exception&) {
-    }
+    tolerate([&] { printAndReparse(parser.parseUTF8(bytes)); });
+    tolerate(
+        [&] { printAndReparse(parser.parse(kore::CStringArg(bytes.data(), static_cast<uint32_t>(bytes.size())))); });
 }
 
 } // namespace qor_fuzz

@@ -24,11 +24,9 @@ const QOR_LANG2_CHAR* w(const std::u16string& text)
 size_t consume(QOR_LANG2_CHAR* text)
 {
     size_t length = 0;
-    if (text) {
-        while (text[length] != 0)
-            ++length;
-        QOR_LANG2_freeWideString(text);
-    }
+    while (text && text[length] != 0)
+        ++length;
+    QOR_LANG2_freeWideString(text);
     return length;
 }
 

@@ -13,27 +13,19 @@
 
 namespace {
 
-std::vector<std::filesystem::path> inputsOf(const std::string& name)
-{
-    std::vector<std::filesystem::path> files;
-    for (const char* kind : {"corpus", "regressions"}) {
-        const std::filesystem::path folder = std::filesystem::path(QOR_FUZZ_DATA_DIR) / kind / name;
-        if (!std::filesystem::is_directory(folder))
-            continue;
-        for (const auto& entry : std::filesystem::directory_iterator(folder))
-            if (entry.is_regular_file())
-                files.push_back(entry.path());
-    }
-    std::sort(files.begin(), files.end());
-    return files;
-}
-
 class FuzzReplay : public testing::TestWithParam<qor_fuzz::FuzzTarget> {};
 
 TEST_P(FuzzReplay, EverySavedInputRunsCleanly)
 {
-    const std::vector<std::filesystem::path> files = inputsOf(GetParam().name);
+    std::vector<std::filesystem::path> files;
+    std::error_code absent; // a target without regressions
+    for (const char* kind : {"corpus", "regressions"})
+        for (const auto& entry : std::filesystem::directory_iterator(
+                 std::filesystem::path(QOR_FUZZ_DATA_DIR) / kind / GetParam().name, absent))
+            if (entry.is_regular_file())
+                files.push_back(entry.path());
     ASSERT_FALSE(files.empty()) << "no seeds for " << GetParam().name;
+    std::sort(files.begin(), files.end());
     for (const auto& file : files) {
         SCOPED_TRACE(file.string());
         std::ifstream in(file, std::ios::binary);

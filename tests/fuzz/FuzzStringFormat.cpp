@@ -8,8 +8,8 @@
 #include "framework/text/CString.h"
 #include "framework/text/CStringFormat.h"
 
+#include <bit>
 #include <cstdint>
-#include <cstring>
 #include <exception>
 
 namespace qor_fuzz {
@@ -35,13 +35,6 @@ bool asksForHugePadding(const std::u16string& format)
     return false;
 }
 
-// A "*" takes its count from an integer argument: counts inside the formatter's range are kept
-// small, larger ones stay (the formatter refuses them).
-int64_t starSafe(int64_t value)
-{
-    return value >= INT32_MIN && value <= INT32_MAX ? value % 4096 : value;
-}
-
 void pushOne(kore::CStringFormat& format, CFuzzInput& input, bool hasStar)
 {
     const uint8_t choice = input.byte();
@@ -50,24 +43,20 @@ void pushOne(kore::CStringFormat& format, CFuzzInput& input, bool hasStar)
         kind = choice % 5;
     switch (kind) {
     case kore::CStringFormat::kInteger: {
-        int64_t value = static_cast<int64_t>(static_cast<uint64_t>(input.u32()) << 32 | input.u32());
+        int64_t value = static_cast<int64_t>(input.u64());
+        // A "*" takes its count from an integer argument: counts inside the formatter's range are
+        // kept small, larger ones stay (the formatter refuses them).
         if (choice & 2)
             value %= 8192;
-        else if (hasStar)
-            value = starSafe(value);
+        else if (hasStar && value >= INT32_MIN && value <= INT32_MAX)
+            value %= 4096;
         if (choice & 1)
             format.pushInt(value);
         else
             format.pushUInt(value < 0 && hasStar ? static_cast<uint64_t>(-(value + 1)) : static_cast<uint64_t>(value));
         break;
     }
-    case kore::CStringFormat::kFloat: {
-        double value = 0;
-        const uint64_t bits = static_cast<uint64_t>(input.u32()) << 32 | input.u32();
-        std::memcpy(&value, &bits, sizeof value);
-        format.pushDouble(value);
-        break;
-    }
+    case kore::CStringFormat::kFloat: format.pushDouble(std::bit_cast<double>(input.u64())); break;
     case kore::CStringFormat::kChar: {
         // A character may fill a "*" too, as its code point.
         uint32_t codePoint = choice & 1 ? input.u32() : input.u16();
@@ -94,20 +83,15 @@ void fuzzStringFormat(const uint8_t* data, size_t size)
     if (asksForHugePadding(formatText))
         return;
     const bool hasStar = formatText.find(u'*') != std::u16string::npos;
-    try {
+    tolerate([&] {
         kore::CStringFormat format(kore::CStringArg(formatText.data(), static_cast<uint32_t>(formatText.size())));
-        for (int i = 0; i < 64 && !input.empty(); ++i) {
-            try {
-                pushOne(format, input, hasStar);
-            } catch (const std::exception&) {
-            }
-        }
+        for (int i = 0; i < 64 && !input.empty(); ++i)
+            tolerate([&] { pushOne(format, input, hasStar); });
         if (format.isComplete())
             format.getResult()->hash();
         else
             format.getResult();
-    } catch (const std::exception&) {
-    }
+    });
 }
 
 } // namespace qor_fuzz

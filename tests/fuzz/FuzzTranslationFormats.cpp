@@ -23,21 +23,17 @@ void fuzzFormat(Format format, const uint8_t* data, size_t size)
         return;
     }
 
+    // Some texts cannot be written in some formats (control characters in XML).
     std::string written;
+    tolerate([&] { written = qorlang::writeCatalogue(catalogue, format); });
     try {
-        written = qorlang::writeCatalogue(catalogue, format);
-    } catch (const std::exception&) {
-        // Some texts cannot be written in some formats (control characters in XML).
-    }
-    if (!written.empty()) {
-        try {
+        if (!written.empty())
             qorlang::readCatalogueBytes("fuzz", written, format);
-        } catch (const std::exception&) {
-            __builtin_trap();
-        }
+    } catch (const std::exception&) {
+        __builtin_trap();
     }
 
-    try {
+    tolerate([&] {
         catalogue.appId = u"fz";
         catalogue.language = catalogue.language ? qorlang::normalisedTag(*catalogue.language) : std::nullopt;
         if (!catalogue.language)
@@ -45,8 +41,7 @@ void fuzzFormat(Format format, const uint8_t* data, size_t size)
         const std::vector<uint8_t> file = qorlang::compileLanguageFile(catalogue, {true});
         for (size_t i = 0; i < catalogue.entries.size() && i < 4; ++i)
             qorlang::answerOf(file, catalogue.entries[i].key);
-    } catch (const std::exception&) {
-    }
+    });
 }
 
 } // namespace

@@ -11,68 +11,46 @@
 
 namespace qor_fuzz {
 
-namespace {
-
 using kore::CURI;
 using kore::IString;
 using kore::P;
-
-void explore(const P<CURI>& uri, const IString& name)
-{
-    const P<IString> normal = uri->toString();
-    const P<CURI> again = CURI::fromURIText(*normal);
-    check(again->toString()->equals(*normal));
-
-    uri->getScheme();
-    uri->getHost();
-    uri->getPath();
-    uri->getName();
-    uri->isFolder();
-    for (CURI::PathStyle style : {CURI::kNativePath, CURI::kWindowsPath, CURI::kPosixPath}) {
-        try {
-            const P<IString> path = uri->getLocalPath(style);
-            // A local path names the same file again.
-            check(CURI::fromLocalPath(*path)->toString()->equals(*CURI::fromLocalPath(*path)->toString()));
-        } catch (const std::exception&) {
-        }
-    }
-    for (bool asFolder : {false, true}) {
-        try {
-            const P<kore::IURI> child = uri->resolve(name, asFolder);
-            check(child->isFolder() == asFolder);
-        } catch (const std::exception&) {
-        }
-    }
-}
-
-} // namespace
 
 void fuzzURI(const uint8_t* data, size_t size)
 {
     CFuzzInput input(data, size);
     const uint8_t mode = input.byte();
     const std::string nameBytes = input.piece();
-    P<IString> text;
-    P<IString> name;
-    if (mode & 1) {
-        text = kore::CString::fromUTF16(input.units(input.remaining() / 2));
-        name = kore::CString::fromUTF16(std::u16string(nameBytes.begin(), nameBytes.end()));
-    } else {
-        text = kore::CString::fromUTF8(input.rest());
-        name = kore::CString::fromUTF8(nameBytes);
-    }
-
+    const bool utf16 = mode & 1;
+    const P<IString> name = utf16 ? kore::CString::fromUTF16(std::u16string(nameBytes.begin(), nameBytes.end()))
+                                  : kore::CString::fromUTF8(nameBytes);
+    const P<IString> text =
+        utf16 ? kore::CString::fromUTF16(input.units(input.remaining() / 2)) : kore::CString::fromUTF8(input.rest());
     P<CURI> uri;
-    try {
+    tolerate([&] {
         switch ((mode >> 1) % 3) {
         case 0: uri = CURI::fromURIText(*text); break;
         case 1: uri = CURI::fromLocalPath(*text); break;
         default: uri = CURI::fromLocation(*text); break;
         }
-    } catch (const std::exception&) {
+    });
+    if (!uri)
         return;
-    }
-    explore(uri, *name);
+
+    const P<IString> normal = uri->toString();
+    check(CURI::fromURIText(*normal)->toString()->equals(*normal));
+    uri->getScheme();
+    uri->getHost();
+    uri->getPath();
+    uri->getName();
+    uri->isFolder();
+    for (CURI::PathStyle style : {CURI::kNativePath, CURI::kWindowsPath, CURI::kPosixPath})
+        tolerate([&] {
+            const P<IString> path = uri->getLocalPath(style);
+            // A local path names the same file again.
+            check(CURI::fromLocalPath(*path)->toString()->equals(*CURI::fromLocalPath(*path)->toString()));
+        });
+    for (bool asFolder : {false, true})
+        tolerate([&] { check(uri->resolve(*name, asFolder)->isFolder() == asFolder); });
 }
 
 } // namespace qor_fuzz
