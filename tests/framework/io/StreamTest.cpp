@@ -15,6 +15,7 @@
 #include "framework/io/CURI.h"
 
 #include <cstring>
+#include <fstream>
 #include <functional>
 #include <random>
 
@@ -51,11 +52,9 @@ TEST(MemoryStream, ErrorsInterfacesAndOnePosition)
     P<CMemoryStream> stream = make<CMemoryStream>("0123456789", 10);
     EXPECT_EQ(interfaces(stream), "in seekIn out seekOut io seekIO");
     EXPECT_EQ(stream->getURI(), nullptr);
-    // One position, starting at 0, whichever interface it is reached through.
-    EXPECT_EQ(stream->getPosition(), 0);
+    // One position, whichever interface it is reached through.
     tryCast<ISeekableInStream>(stream)->seek(6);
     EXPECT_EQ(tryCast<ISeekableOutStream>(stream)->getPosition(), 6);
-
     char buffer[10] = {};
     EXPECT_EQ(descriptionOf<CEndOfStreamError>([&] { stream->read(buffer, 10); }), "Unexpected end of data stream.")
         << "the form without a URI";
@@ -63,13 +62,12 @@ TEST(MemoryStream, ErrorsInterfacesAndOnePosition)
     // Behind the end a read finds nothing and a write leaves a gap of zeros.
     stream->seek(12);
     EXPECT_EQ(stream->readSome(buffer, 1), 0u);
-    EXPECT_EQ(stream->getLength(), 10);
     stream->write("z", 1);
     EXPECT_EQ(std::string(reinterpret_cast<const char*>(stream->getData()), 13), std::string("0123456789\0\0z", 13));
-    EXPECT_THROW(stream->seek(-1), CInvalidArgError);
-    EXPECT_THROW(stream->read(nullptr, 1), CInvalidArgError);
-    EXPECT_THROW(stream->write(nullptr, 1), CInvalidArgError);
-    EXPECT_THROW(make<CMemoryStream>(nullptr, 3), CInvalidArgError);
+    const std::function<void()> bad[] = {[&] { stream->seek(-1); }, [&] { stream->read(nullptr, 1); },
+                                         [&] { stream->write(nullptr, 1); }, [] { make<CMemoryStream>(nullptr, 3); }};
+    for (const auto& call : bad)
+        EXPECT_THROW(call(), CInvalidArgError);
     stream->close();
     EXPECT_THROW(stream->read(buffer, 1), CStreamClosedError);
 }
@@ -83,44 +81,36 @@ protected:
     P<IURI> fileURI(const char* utf8Name) const { return temp.uri(kFolder)->resolve(CString::fromUTF8(utf8Name)); }
 };
 
-TEST_F(DiskStream, WrittenFileHasTheNameOfItsURIAndReadsBack)
-{
-    const std::string name = std::string(kFolder) + "/A-de-DE 100% #1.qorlang";
-    const std::string content("URESFILE\0", 9);
-    const P<IURI> uri = fileURI("A-de-DE 100% #1.qorlang");
-    P<IStream> out = open(uri, IStreamManager::kWrite);
-    cast<IOutStream>(out)->write(content.data(), 9);
-    EXPECT_EQ(out->getLength(), 9);
-    out->close();
-    EXPECT_EQ(temp.readFile(name), content);
-
-    P<IStream> in = open(uri, IStreamManager::kRead);
-    EXPECT_EQ(in->getURI(), uri);
-    EXPECT_EQ(readAll(in), content);
-    EXPECT_EQ(readAll(IStreamManager::instance()->openPath(CString::fromUTF8(temp.utf8(name)), IStreamManager::kRead)),
-              content);
-}
-
-TEST_F(DiskStream, SmallReadsAndWritesAreBuffered)
+// Small reads and writes are buffered; a file is named by its URI; a reader sees what another
+// handle appends after it was opened.
+TEST_F(DiskStream, WrittenFileHasTheNameOfItsURIAndReadsBackBuffered)
 {
     std::string content(10000, '\0');
     for (size_t i = 0; i < content.size(); ++i)
         content[i] = static_cast<char>('a' + i % 26);
-    temp.writeFile("ten-thousand.bin", content);
+    const std::string name = std::string(kFolder) + "/A-de-DE 100% #1.qorlang";
+    const P<IURI> uri = fileURI("A-de-DE 100% #1.qorlang");
+    P<CDiskStream> out = make<CDiskStream>(*uri, CDiskStream::kWrite);
+    for (char c : content)
+        out->write(&c, 1);
+    EXPECT_EQ(out->getSystemWriteCount(), 0u);
+    EXPECT_EQ(out->getLength(), 10000);
+    out = nullptr; // destruction flushes
+    EXPECT_EQ(temp.readFile(name), content);
 
-    P<CDiskStream> in = make<CDiskStream>(*temp.uri()->resolve("ten-thousand.bin"), CDiskStream::kRead);
+    P<CDiskStream> in = make<CDiskStream>(*uri, CDiskStream::kRead);
+    EXPECT_EQ(in->getURI(), uri);
     std::string seen(content.size(), '\0');
     for (char& c : seen)
         ASSERT_EQ(in->read(&c, 1), 1u);
     EXPECT_EQ(seen, content);
     EXPECT_LE(in->getSystemReadCount(), 2u);
-
-    P<CDiskStream> out = make<CDiskStream>(*temp.uri()->resolve("written.bin"), CDiskStream::kWrite);
-    for (char c : content)
-        out->write(&c, 1);
-    EXPECT_EQ(out->getSystemWriteCount(), 0u);
-    out = nullptr; // destruction flushes
-    EXPECT_EQ(temp.readFile("written.bin"), content);
+    EXPECT_EQ(readAll(IStreamManager::instance()->openPath(CString::fromUTF8(temp.utf8(name)), IStreamManager::kRead)),
+              content);
+    std::ofstream(temp.path(name), std::ios::binary | std::ios::app) << "grown";
+    char grown[5] = {};
+    in->read(grown, 5);
+    EXPECT_EQ(std::string(grown, 5), "grown");
 }
 
 TEST_F(DiskStream, ErrorsNameTheirURI)

@@ -17,7 +17,6 @@ struct ISecond : virtual IBase {
     virtual int second() const = 0;
 };
 
-// Counts destructions.
 struct CCounted : CObject, IFirst {
     static inline int destroyed = 0;
     ~CCounted() override { ++destroyed; }
@@ -52,7 +51,6 @@ TEST(ObjectModel, CountingOwnershipAndSafeAssignment)
 {
     CCounted::destroyed = 0;
     auto* raw = new CCounted;
-    EXPECT_EQ(raw->getRefCount(), 1);
     P<CCounted> owner = P<CCounted>::adopt(raw);
     {
         P<CCounted> copy = owner;
@@ -64,11 +62,9 @@ TEST(ObjectModel, CountingOwnershipAndSafeAssignment)
     // An instance wrapper keeps it alive when no pointer is left.
     IInstanceWrapper* wrapper = new CInstanceWrapper(raw);
     owner.reset();
-    EXPECT_EQ(raw->getRefCount(), 1);
     EXPECT_EQ(CCounted::destroyed, 0);
     wrapper->deleteThis();
     EXPECT_EQ(CCounted::destroyed, 1);
-
     // The only reference to the child is held by the parent: assigning the child over the
     // parent must keep the child alive.
     P<CCounted> p = make<CCounted>();
@@ -76,11 +72,9 @@ TEST(ObjectModel, CountingOwnershipAndSafeAssignment)
     p = p->child;
     EXPECT_EQ(CCounted::destroyed, 2);
     EXPECT_EQ(p->getRefCount(), 1);
-    EXPECT_EQ(p->first(), 1);
-}
 
-TEST(ObjectModel, CountIsParkedFarBelowZeroDuringDestruction)
-{
+    // During destruction the count is parked far below zero, so that a pointer taken and
+    // dropped there cannot destroy the object a second time.
     static std::vector<int32_t> seen;
     struct CRecording : CObject {
         ~CRecording() override
@@ -102,18 +96,12 @@ TEST(ObjectModel, FrailPointersNeverTouchTheCountStrongOnesDoAndKeepWhatTheyHold
     CCounted* raw = owner.get();
     {
         PFrail<CCounted> frail(raw, kFrail);
-        PFrail<CCounted> copy = frail;
         PFrail<CCounted> assigned;
-        assigned = copy;
+        assigned = PFrail<CCounted>(frail);
         EXPECT_FALSE(assigned.isStrong());
-        EXPECT_EQ(raw->getRefCount(), 1);
-    }
-    EXPECT_EQ(raw->getRefCount(), 1);
-    {
         PFrail<CCounted> strong(raw);
         PFrail<CCounted> copy = strong;
         EXPECT_EQ(raw->getRefCount(), 3);
-        PFrail<CCounted> frail(raw, kFrail);
         copy = frail; // takes over the frail flag and drops the strong reference it had
         EXPECT_EQ(raw->getRefCount(), 2);
     }
@@ -150,7 +138,6 @@ TEST(ObjectModel, FrailPointersNeverTouchTheCountStrongOnesDoAndKeepWhatTheyHold
 TEST(ObjectModel, CastFindsInterfacesAndNamesBothTypesWhenItCannot)
 {
     EXPECT_EQ(cast<IFirst>(static_cast<const IBase*>(nullptr)), nullptr);
-    EXPECT_EQ(tryCast<IFirst>(static_cast<const IBase*>(nullptr)), nullptr);
     P<CBoth> both = make<CBoth>();
     EXPECT_EQ(both->toString()->toUTF8(), "class kore_test::CBoth object");
     P<ISecond> second = cast<ISecond>(static_cast<const IBase*>(static_cast<IFirst*>(both.get())));
@@ -158,7 +145,6 @@ TEST(ObjectModel, CastFindsInterfacesAndNamesBothTypesWhenItCannot)
     EXPECT_EQ(both->getRefCount(), 2) << "interfaces of one object share one count";
 
     P<CObject> plain = make<CObject>();
-    EXPECT_EQ(plain->toString()->toUTF8(), "class kore::CObject object");
     EXPECT_EQ(tryCast<IFirst>(plain), nullptr);
     // The one cast text with both type names filled in; the error class's texts are ErrorsTest's.
     expectThrown<CCastError>([&] { cast<IFirst>(plain); },
@@ -176,15 +162,12 @@ TEST(ObjectModel, CastQueryMayRefuseRedirectOrOfferCandidates)
     P<CQuerying> q = make<CQuerying>();
     q->refuse = true;
     EXPECT_EQ(tryCast<IFirst>(q), nullptr) << "not even to its own interface";
-    EXPECT_THROW(cast<IFirst>(q), CCastError);
-
     q->refuse = false;
     P<CBoth> target = make<CBoth>();
     q->redirect = static_cast<IFirst*>(target.get());
     // The object implements IFirst itself, but a followed redirect wins; unfollowed, the object
     // itself is tried.
     EXPECT_EQ(cast<IFirst>(q)->first(), 10);
-    EXPECT_EQ(tryCast<IFirst>(q, true)->first(), 10);
     EXPECT_EQ(tryCast<IFirst>(q, false)->first(), 99);
     // A redirect that cannot be cast is a failed cast, with no fallback to the object.
     P<CObject> dead = make<CObject>();
@@ -206,16 +189,14 @@ TEST(ObjectModel, CastQueryMayRefuseRedirectOrOfferCandidates)
 // same time: no count is lost, and exactly one of them destroys the object.
 TEST(ObjectModel, CountingFromManyThreadsLosesNothingAndDestroysOnce)
 {
-    constexpr int kThreads = 4;
     CCounted::destroyed = 0;
     std::vector<std::thread> threads;
     std::atomic<int> ready{0};
     {
         P<CCounted> shared = make<CCounted>();
-        for (int t = 0; t < kThreads; ++t) {
+        for (int t = 0; t < 4; ++t) {
             threads.emplace_back([&ready, mine = shared] {
-                ++ready;
-                while (ready < kThreads)
+                for (++ready; ready < 4;)
                     std::this_thread::yield();
                 for (int i = 0; i < 20000; ++i) {
                     P<CCounted> copy = mine;
@@ -224,7 +205,7 @@ TEST(ObjectModel, CountingFromManyThreadsLosesNothingAndDestroysOnce)
                 }
             });
         }
-        while (ready < kThreads)
+        while (ready < 4)
             std::this_thread::yield();
     }
     for (std::thread& t : threads)

@@ -52,8 +52,6 @@ TEST(JsonPrinter, ObjectsAndArraysCompactAndPretty)
     auto map = make<CVariantMap>();
     map->set("b", make<CBool>(true));
     map->set("a", make<CInt>(1));
-    EXPECT_EQ(printed(map), R"({"a":1,"b":true})");
-    EXPECT_EQ(printed(map, true), "{\n\t\"a\": 1,\n\t\"b\": true\n}");
 
     // Keys in code-point order, escaped like strings; nested values at the deeper indent.
     auto array = make<CVariantArray>();
@@ -67,8 +65,6 @@ TEST(JsonPrinter, ObjectsAndArraysCompactAndPretty)
     EXPECT_EQ(printed(outer), R"({"Z\"":[{},[],null],"a":{"a":1,"b":true},"é":3})");
     EXPECT_EQ(printed(outer, true), "{\n\t\"Z\\\"\": [\n\t\t{\n\n\t\t},\n\t\t[\n\n\t\t],\n\t\tnull\n\t],\n"
                                     "\t\"a\": {\n\t\t\"a\": 1,\n\t\t\"b\": true\n\t},\n\t\"é\": 3\n}");
-    EXPECT_EQ(printed(make<CVariantMap>(), true), "{\n\n}");
-    EXPECT_EQ(printed(make<CVariantArray>(), true), "[\n\n]");
 
     // A failure leaves nothing half-printed, and the printer stays usable.
     auto printer = make<CJsonPrinter>(true);
@@ -77,9 +73,6 @@ TEST(JsonPrinter, ObjectsAndArraysCompactAndPretty)
     EXPECT_THROW(printer->print(outer.get(), out), CInvalidArgError);
     EXPECT_EQ(out, u"x");
     EXPECT_EQ(printer->print(map.get())->toUTF8(), "{\n\t\"a\": 1,\n\t\"b\": true\n}");
-    EXPECT_TRUE(map->remove("b"));
-    EXPECT_FALSE(map->remove("b"));
-    EXPECT_EQ(printed(map), R"({"a":1})");
 }
 
 TEST(JsonParser, NumberKinds)
@@ -142,10 +135,8 @@ TEST(JsonParser, HostileInputEndsInAParserError)
     // what the stack could take by recursion.
     const auto nested = [](size_t depth, const char* open, const char* close) {
         std::string s;
-        for (size_t i = 0; i < depth; ++i)
-            s += open;
-        for (size_t i = 0; i < depth; ++i)
-            s += close;
+        for (size_t i = 0; i < 2 * depth; ++i)
+            s += i < depth ? open : close;
         return s;
     };
     EXPECT_NO_THROW(parsed(nested(CJsonParser::kMaxDepth, "[", "]")));
@@ -183,17 +174,6 @@ TEST(JsonPrinter, NestingBeyondWhatTheParserReadsIsRefused)
     self->set(u"me", self);
     EXPECT_THROW(printed(self), CInvalidArgError);
     self->clear(); // breaks the cycle, so the map can be freed
-}
-
-TEST(JsonParser, PrintedTextReadsBackTheSame)
-{
-    const char* document = R"({"list":[1,-2147483649,0.5,-1e-07,-0.0,100000.0,1e300,true,false,null,"",[],{}],)"
-                           R"("text":"\\ \"q\" \n\t/ \u00e9\u0928\ud83d\ude00","nested":{"k":{"k":[[[]]]}}})";
-    for (bool pretty : {false, true}) {
-        const std::string once = printed(parsed(document), pretty);
-        EXPECT_EQ(printed(parsed(once), pretty), once);
-        EXPECT_EQ(printed(parsed(once), !pretty), printed(parsed(document), !pretty));
-    }
 }
 
 } // namespace kore_test
