@@ -90,24 +90,21 @@ TEST_F(FileSystem, EnumerationFindsMatchingEntriesInNameOrder)
     }
 }
 
-TEST_F(FileSystem, EnumerationIsASnapshotWithAnEnd)
+// An enumeration is a snapshot with an end; errors name the folder.
+TEST_F(FileSystem, EnumerationIsASnapshotWithAnEndAndErrors)
 {
-    P<IFileEnum> found = IFileSystemManager::instance()->enumerate(*folder, "help*");
+    const auto files = IFileSystemManager::instance();
+    P<IFileEnum> found = files->enumerate(*folder, "help*");
     EXPECT_EQ(found->getCount(), 2u);
     temp.writeFile(std::string(kFolder) + "/help_fr-FR.pdf", "");
-    EXPECT_EQ(found->next()->getName()->toUTF8(), "help_de-DE.pdf");
-    EXPECT_EQ(found->next()->getName()->toUTF8(), "help_en-US.pdf");
+    for (const char* name : {"help_de-DE.pdf", "help_en-US.pdf"})
+        EXPECT_EQ(found->next()->getName()->toUTF8(), name);
     EXPECT_FALSE(found->hasNext());
     EXPECT_THROW(found->next(), CEndOfEnumError);
     found->reset();
     EXPECT_EQ(found->next()->getName()->toUTF8(), "help_de-DE.pdf");
-    // A new enumeration sees the new file.
-    EXPECT_EQ(names(folder, u"help*").size(), 3u);
-}
+    EXPECT_EQ(names(folder, u"help*").size(), 3u) << "a new enumeration sees the new file";
 
-TEST_F(FileSystem, EnumerationErrors)
-{
-    const auto files = IFileSystemManager::instance();
     const P<IURI> missing = folder->resolve("missing", true);
     expectNaming<CFileNotFoundError>([&] { files->enumerate(*missing, "*"); }, missing.get());
     EXPECT_THROW(files->enumerate(*folder->resolve("help_de-DE.pdf"), "*"), CFileNotFoundError)
@@ -117,10 +114,11 @@ TEST_F(FileSystem, EnumerationErrors)
         EXPECT_THROW(files->enumerate(*folder, bad), CInvalidArgError) << bad;
 }
 
-TEST_F(FileSystem, ExistenceTestTellsFilesFromFolders)
+// The existence test tells files from folders ("" stands for the folder itself); the path
+// service gives the same folder URI with or without the trailing separator.
+TEST_F(FileSystem, ExistenceTestAndPathService)
 {
     const auto system = ISystem::instance();
-    // "" stands for the folder itself.
     for (const auto& [name, isFile, isFolder] : {std::tuple{"app-de-DE.qorlang", true, false},
                                                  {"app-folder.qorlang", false, true},
                                                  {"", false, true},
@@ -130,24 +128,15 @@ TEST_F(FileSystem, ExistenceTestTellsFilesFromFolders)
         EXPECT_EQ(system->folderExists(*uri), isFolder) << name;
     }
     EXPECT_THROW(system->fileExists(*CURI::fromURIText("http://example.com/x")), CURITypeNotSupportedError);
-}
 
-TEST_F(FileSystem, PathServiceGivesFolderURIsToResolveIn)
-{
     P<IPathes> pathes = IPathes::instance();
-    // With or without the trailing separator, the result is the same folder URI.
-    const P<IURI> plain = pathes->folderPathToURI(CString::fromUTF8(temp.utf8(kFolder)));
     const P<IURI> slashed = pathes->folderPathToURI(CString::fromUTF8(temp.utf8(kFolder) + "/"));
-    EXPECT_TRUE(plain->isFolder());
-    EXPECT_EQ(plain->toString()->toUTF8(), slashed->toString()->toUTF8());
-    EXPECT_TRUE(plain->toString()->endsWith("/Sprachdateien%20%C3%A4%C3%B6%C3%BC/%E6%97%A5%E6%9C%AC/"));
-    EXPECT_TRUE(ISystem::instance()->fileExists(*plain->resolve("help_de-DE.pdf")));
+    EXPECT_TRUE(slashed->isFolder());
+    EXPECT_EQ(slashed->toString()->toUTF8(), folder->toString()->toUTF8());
+    EXPECT_TRUE(folder->toString()->endsWith("/Sprachdateien%20%C3%A4%C3%B6%C3%BC/%E6%97%A5%E6%9C%AC/"));
     // The local path comes back as the platform writes it.
-    EXPECT_EQ(pathFromUTF8(plain->getLocalPath()->toUTF8()), temp.path(kFolder) / "");
-
-    const P<IURI> tempFolder = pathes->getTempFolder();
-    EXPECT_TRUE(tempFolder->isFolder());
-    EXPECT_TRUE(ISystem::instance()->folderExists(*tempFolder));
+    EXPECT_EQ(pathFromUTF8(folder->getLocalPath()->toUTF8()), temp.path(kFolder) / "");
+    EXPECT_TRUE(system->folderExists(*pathes->getTempFolder()));
     EXPECT_THROW(pathes->folderPathToURI(""), CURIFormatError);
 }
 

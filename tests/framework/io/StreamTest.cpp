@@ -25,15 +25,6 @@ namespace {
 
 const auto open = [](const P<IURI>& uri, uint32_t mode) { return IStreamManager::instance()->openURI(*uri, mode); };
 
-std::string readAll(const P<IStream>& stream)
-{
-    ISeekableInStream* in = cast<ISeekableInStream>(stream);
-    in->seek(0);
-    std::string content(static_cast<size_t>(in->getLength()), '\0');
-    in->read(content.data(), static_cast<uint32_t>(content.size()));
-    return content;
-}
-
 // The stream interfaces that `stream` can be cast to.
 std::string interfaces(const P<IStream>& stream)
 {
@@ -105,12 +96,12 @@ TEST_F(DiskStream, WrittenFileHasTheNameOfItsURIAndReadsBackBuffered)
         ASSERT_EQ(in->read(&c, 1), 1u);
     EXPECT_EQ(seen, content);
     EXPECT_LE(in->getSystemReadCount(), 2u);
-    EXPECT_EQ(readAll(IStreamManager::instance()->openPath(CString::fromUTF8(temp.utf8(name)), IStreamManager::kRead)),
-              content);
     std::ofstream(temp.path(name), std::ios::binary | std::ios::app) << "grown";
-    char grown[5] = {};
+    char grown[6] = {};
     in->read(grown, 5);
-    EXPECT_EQ(std::string(grown, 5), "grown");
+    EXPECT_STREQ(grown, "grown");
+    P<IStream> byPath = IStreamManager::instance()->openPath(CString::fromUTF8(temp.utf8(name)), IStreamManager::kRead);
+    EXPECT_EQ(byPath->getLength(), 10005);
 }
 
 TEST_F(DiskStream, ErrorsNameTheirURI)
@@ -135,8 +126,8 @@ TEST_F(DiskStream, ErrorsNameTheirURI)
         expectNaming<CFileAccessDeniedError>([&] { open(folder, mode); }, folder.get());
 
     EXPECT_THROW(open(CURI::fromURIText("http://example.com/x"), IStreamManager::kRead), CURITypeNotSupportedError);
-    EXPECT_THROW(open(fileURI("x"), 0), CInvalidArgError);
-    EXPECT_THROW(open(fileURI("x"), 4), CInvalidArgError);
+    for (uint32_t mode : {0, 4})
+        EXPECT_THROW(open(fileURI("x"), mode), CInvalidArgError);
     EXPECT_THROW(IStreamManager::instance()->openPath("relative/x", IStreamManager::kRead), CURIFormatError);
 }
 

@@ -24,7 +24,9 @@ namespace {
 const auto msSince = [](Clock::time_point start) {
     return std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start).count();
 };
-const auto globalMutex = [](const std::string& name) { return createMutexFactory()->createGlobalMutex(name.c_str()); };
+const auto globalMutex = [](const std::string& name) {
+    return createMutexFactory()->createGlobalMutex(CStringArg(name.data(), static_cast<uint32_t>(name.size())));
+};
 const auto fileFor = [](const std::string& name, const char* suffix) {
     return fs::temp_directory_path() / (name + suffix);
 };
@@ -111,8 +113,9 @@ TEST(LocalMutex, IsRecursiveAndTryLockOnItHeldElsewhereFailsAtOnceWhateverTheTim
 }
 
 // Handles on one name share ownership, also when one is dropped while held; names that differ
-// only in characters the system name escapes are different mutexes.
-TEST(GlobalMutex, IsRecursiveAndHandlesOnOneNameShareOwnership)
+// only in characters the system name escapes are different mutexes. Names the system cannot
+// take are refused with the creation message.
+TEST(GlobalMutex, IsRecursiveAndHandlesOnOneNameShareOwnershipAndBadNamesAreRefused)
 {
     CTestName name, other;
     P<IMutex> first = globalMutex(name.str);
@@ -134,9 +137,16 @@ TEST(GlobalMutex, IsRecursiveAndHandlesOnOneNameShareOwnership)
     P<IMutex> slash = globalMutex(name.str + "/x");
     CMutexLock guard(*slash);
     EXPECT_TRUE(otherThreadGets(*globalMutex(name.str + "%2Fx")));
+    for (const std::string& bad :
+         {std::string(), std::string("qor_test_nul\0inside", 19), std::string("qor_test\\no\\such\\namespace")}) {
+        const auto create = [&] { globalMutex(bad); };
+        EXPECT_EQ(descriptionOf<CException>(create), "Error createing global mutex " + bad) << bad.size() << " chars";
+    }
 }
 
-TEST(GlobalMutex, TryLockWaitsForAReleaseWithinTheTimeout)
+// A waiting tryLock gets the mutex when its owner lets go. A thread that ends holding the mutex
+// leaves it to the next lock, and that one's thread, ending holding it in turn, to a tryLock.
+TEST(GlobalMutex, TryLockWaitsForAReleaseAndAThreadEndingWhileHoldingLeavesTheMutexToTheNext)
 {
     CTestName name;
     P<IMutex> mutex = globalMutex(name.str);
@@ -153,19 +163,13 @@ TEST(GlobalMutex, TryLockWaitsForAReleaseWithinTheTimeout)
     EXPECT_GE(msSince(start), 50);
     mutex->unlock();
     owner.join();
-}
 
-TEST(GlobalMutex, ThreadEndingWhileHoldingLeavesTheMutexToTheNextLockAndTryLock)
-{
-    CTestName name;
-    P<IMutex> mutex = globalMutex(name.str);
     std::thread([&] {
         mutex->lock();
         mutex->lock();
     }).join();
     mutex->lock();
     EXPECT_FALSE(otherThreadGets(*mutex)) << "lock returned without owning the mutex";
-    // The next thread waits for it, takes it and ends holding it; tryLock inherits it in turn.
     std::thread waiter([&] { mutex->lock(); });
     std::this_thread::sleep_for(std::chrono::milliseconds(20));
     mutex->unlock();
@@ -173,20 +177,6 @@ TEST(GlobalMutex, ThreadEndingWhileHoldingLeavesTheMutexToTheNextLockAndTryLock)
     ASSERT_TRUE(mutex->tryLock(0));
     EXPECT_FALSE(otherThreadGets(*mutex));
     mutex->unlock();
-}
-
-TEST(GlobalMutex, RejectedNamesThrowTheCreationMessage)
-{
-    for (const std::u16string& name : {std::u16string(), std::u16string(u"qor_test_nul\0inside", 19),
-                                       std::u16string(u"qor_test\\no\\such\\namespace")}) {
-        std::u16string description;
-        expectThrown<CException>(
-            [&] {
-                createMutexFactory()->createGlobalMutex(CStringArg(name.c_str(), static_cast<uint32_t>(name.size())));
-            },
-            [&](const CException& e) { description = e.getDescription()->toU16(); });
-        EXPECT_EQ(description, u"Error createing global mutex " + name) << name.size() << " units";
-    }
 }
 
 // --- Global mutex across processes

@@ -47,32 +47,20 @@ TEST(JsonPrinter, ScalarsAndEscapes)
     EXPECT_THROW(printed(make<CObject>()), CInvalidArgError);
 }
 
+// Keys in code-point order, escaped like strings; nested values at the deeper indent. A failure
+// leaves nothing half-printed, and the printer stays usable.
 TEST(JsonPrinter, ObjectsAndArraysCompactAndPretty)
 {
-    auto map = make<CVariantMap>();
-    map->set("b", make<CBool>(true));
-    map->set("a", make<CInt>(1));
-
-    // Keys in code-point order, escaped like strings; nested values at the deeper indent.
-    auto array = make<CVariantArray>();
-    array->add(make<CVariantMap>());
-    array->add(make<CVariantArray>());
-    array->add(nullptr);
-    auto outer = make<CVariantMap>();
-    outer->set(u"\u00e9", make<CInt>(3));
-    outer->set("Z\"", array);
-    outer->set("a", map);
+    const P<IBase> outer = parsed(R"({"\u00e9":3,"Z\"":[{},[],null],"a":{"b":true,"a":1}})");
     EXPECT_EQ(printed(outer), R"({"Z\"":[{},[],null],"a":{"a":1,"b":true},"é":3})");
     EXPECT_EQ(printed(outer, true), "{\n\t\"Z\\\"\": [\n\t\t{\n\n\t\t},\n\t\t[\n\n\t\t],\n\t\tnull\n\t],\n"
                                     "\t\"a\": {\n\t\t\"a\": 1,\n\t\t\"b\": true\n\t},\n\t\"é\": 3\n}");
-
-    // A failure leaves nothing half-printed, and the printer stays usable.
     auto printer = make<CJsonPrinter>(true);
     std::u16string out = u"x";
-    array->add(make<CObject>());
+    cast<CVariantArray>(cast<CVariantMap>(outer)->get(u"Z\""))->add(make<CObject>());
     EXPECT_THROW(printer->print(outer.get(), out), CInvalidArgError);
     EXPECT_EQ(out, u"x");
-    EXPECT_EQ(printer->print(map.get())->toUTF8(), "{\n\t\"a\": 1,\n\t\"b\": true\n}");
+    EXPECT_EQ(printer->print(cast<CVariantMap>(outer)->get("a").get())->toUTF8(), "{\n\t\"a\": 1,\n\t\"b\": true\n}");
 }
 
 TEST(JsonParser, NumberKinds)
@@ -118,10 +106,10 @@ TEST(JsonParser, FailuresAndTheirMessages)
         {R"("\u)", "stream size to small for reading unicode char"}, {R"("\u12G4")", "could not parse unicode escaped string"},
         {R"(["\uD834\u-123"])", "could not parse unicode escaped string"}, {"[1,]", "expected a value at character 3"},
         {"[1", "expected ',' or ']' in an array: the text ends at character 2"}};
-    const char* malformed[] = {"", " ", "[", "]", "{", "{\"a\"}", "{\"a\":1,}", "{a:1}", "{\"a\" 1}", "[1 2]", "01", "-", "1.",
-        ".5", "1e", "1e+", "+1", "0x10", "NaN", "Infinity", "nul", "nulL", "\"abc", "\"a\x01\"", "\"tab\there\"", "\"\\x\"",
-        "\"\\", "[1]x", "1 2", "'a'", "\xEF\xBB\xBF{}", "[\"\xC0\xAF\"]", "\"\xED\xA0\x80\"", "\"\xF4\x90\x80\x80\"",
-        "\"\xE0\xA4\"", "\"\xFF\"", "1e999", "-1e999"};
+    // Those the public JSON suite's "n_" files hold already are left to it.
+    const char* malformed[] = {"{\"a\"}", "{\"a\":1,}", "{a:1}", "{\"a\" 1}", "[1 2]", "01", ".5", "1e", "1e+", "0x10", "nulL",
+        "\"abc", "\"a\x01\"", "\"tab\there\"", "\"\\x\"", "\"\\", "1 2", "'a'", "\xEF\xBB\xBF{}", "[\"\xC0\xAF\"]",
+        "\"\xED\xA0\x80\"", "\"\xF4\x90\x80\x80\"", "\"\xE0\xA4\"", "\"\xFF\"", "1e999", "-1e999"};
     // clang-format on
     for (const auto& [input, message] : messages)
         EXPECT_EQ(parseFailure(input), message) << input;
@@ -129,7 +117,7 @@ TEST(JsonParser, FailuresAndTheirMessages)
         EXPECT_THROW(parsed(input), CJsonParserError) << input;
 }
 
-TEST(JsonParser, HostileInputEndsInAParserError)
+TEST(JsonParser, HostileInputEndsInAParserErrorAndThePrinterRefusesItToo)
 {
     // The deepest nesting allowed parses; one level more fails, and so does nesting far beyond
     // what the stack could take by recursion.
@@ -149,27 +137,16 @@ TEST(JsonParser, HostileInputEndsInAParserError)
     EXPECT_THROW(parsed(std::string(10000, '7')), CJsonParserError);
     EXPECT_EQ(describe(parsed("0." + std::string(10000, '3'))), "double 0.3333333333333333");
     EXPECT_EQ(describe(parsed("0." + std::string(10000, '0') + "1")), "double 0.0");
-}
 
-TEST(JsonPrinter, NestingBeyondWhatTheParserReadsIsRefused)
-{
-    // Built in code, so no parser limited it; a map that holds itself would never end.
-    const auto nestedArrays = [](uint32_t depth) {
-        P<CVariantArray> outer = make<CVariantArray>();
-        for (uint32_t i = 1; i < depth; ++i) {
-            P<CVariantArray> next = make<CVariantArray>();
-            next->add(outer);
-            outer = next;
-        }
-        return P<IBase>(outer);
-    };
-    EXPECT_EQ(printed(parsed(printed(nestedArrays(CJsonParser::kMaxDepth)))),
-              std::string(CJsonParser::kMaxDepth, '[') + std::string(CJsonParser::kMaxDepth, ']'));
+    // The printer refuses what the parser would: deeper nesting (built in code, so no parser
+    // limited it), and a map that holds itself, which would never end.
+    const std::string deepest = nested(CJsonParser::kMaxDepth, "[", "]");
+    EXPECT_EQ(printed(parsed(deepest)), deepest);
+    auto deeper = make<CVariantArray>();
+    deeper->add(parsed(deepest));
     std::u16string out = u"kept";
-    EXPECT_THROW(make<CJsonPrinter>(true)->print(nestedArrays(CJsonParser::kMaxDepth + 1).get(), out),
-                 CInvalidArgError);
+    EXPECT_THROW(make<CJsonPrinter>(true)->print(deeper.get(), out), CInvalidArgError);
     EXPECT_EQ(out, u"kept");
-
     P<CVariantMap> self = make<CVariantMap>();
     self->set(u"me", self);
     EXPECT_THROW(printed(self), CInvalidArgError);
