@@ -54,9 +54,7 @@ private:
             return false;
         s.failed = true;
         s.failedKind = kind;
-        error.kind = kore::platform::NativeErrorKind::kOther;
-        error.code = 5;
-        error.message = "injected failure";
+        error = NativeError{kore::platform::NativeErrorKind::kOther, 5, "injected failure"};
         return true;
     }
 

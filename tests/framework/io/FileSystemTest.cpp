@@ -1,4 +1,3 @@
-#include "FolderNames.h"
 #include "FrameworkTest.h"
 #include "TempFolder.h"
 

@@ -1,5 +1,5 @@
+#include "ChildProcess.h"
 #include "FrameworkTest.h"
-#include "ModuleLoader.h"
 
 #include "framework/objects/CGlobalObjFactory.h"
 

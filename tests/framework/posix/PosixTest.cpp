@@ -1,6 +1,5 @@
 // What only POSIX systems do: the code page, the global mutex's shared memory, file names as
 // bytes, relative folder paths and the trace on standard error.
-#include "../FolderNames.h"
 #include "../FrameworkTest.h"
 #include "../TempFolder.h"
 

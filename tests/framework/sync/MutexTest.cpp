@@ -1,6 +1,5 @@
 #include "ChildProcess.h"
 #include "FrameworkTest.h"
-#include "MutexTestSupport.h"
 
 #include "framework/errors/CException.h"
 #include "framework/sync/IMutex.h"

@@ -1,5 +1,4 @@
 // What only Windows does: the ANSI code page, names whatever their case, long and relative paths.
-#include "../FolderNames.h"
 #include "../FrameworkTest.h"
 #include "../TempFolder.h"
 
