@@ -1,6 +1,7 @@
 #pragma once
-// What most framework tests need: GoogleTest, the framework's strings, pointers and casts, and
-// checks on the error a call must throw (a call that throws nothing fails the test).
+// What most framework tests need: GoogleTest, the framework's strings, pointers and casts, the
+// standard headers of the thread and table tests, and checks on the error a call must throw (a
+// call that throws nothing fails the test).
 
 #include "framework/errors/CInvalidArgError.h"
 #include "framework/objects/Cast.h"
@@ -8,7 +9,13 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <chrono>
+#include <functional>
+#include <limits>
+#include <random>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace kore_test {

@@ -1,12 +1,19 @@
 #pragma once
-// A fresh folder under the system's temporary folder for one test, removed with its content
-// afterwards. Set-up goes through the standard library, so that the code under test is not
+// What the file tests need: the file services, their errors, and a fresh folder under the
+// system's temporary folder for one test, removed with its content afterwards. Set-up goes through the standard library, so that the code under test is not
 // also the code that prepares its input.
 
+#include "framework/errors/CFileNotFoundError.h"
+#include "framework/errors/CURIFormatError.h"
+#include "framework/errors/CURITypeNotSupportedError.h"
+#include "framework/io/CURI.h"
 #include "framework/io/IFileEntry.h"
 #include "framework/io/IFileEnum.h"
 #include "framework/io/IFileSystemManager.h"
+#include "framework/io/IInStream.h"
 #include "framework/io/IPathes.h"
+#include "framework/io/IStreamManager.h"
+#include "framework/io/ISystem.h"
 #include "framework/io/IURI.h"
 #include "framework/text/CString.h"
 

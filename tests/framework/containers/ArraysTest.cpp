@@ -5,7 +5,6 @@
 #include "framework/containers/TSimpleArray.h"
 
 #include <algorithm>
-#include <functional>
 
 namespace {
 

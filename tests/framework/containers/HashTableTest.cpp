@@ -2,7 +2,6 @@
 
 #include "framework/containers/TSimpleHashTable.h"
 
-#include <limits>
 #include <utility>
 
 namespace {
@@ -13,11 +12,10 @@ using namespace kore_test;
 // grows them by the factor, at least by one bucket, truncated; a replacement never rehashes.
 TEST(SimpleHashTable, BucketCountFollowsTheGrowthRule)
 {
-    const struct {
-        double load, factor;
-        int inserts;
-        std::vector<uint32_t> sizes;
-    } rows[] = {{0.5, 2.0, 5, {0, 10, 20}}, {1.0, 1.0, 12, {0, 10, 11, 12, 13}}, {0.75, 1.5, 8, {0, 10, 15}}};
+    // clang-format off
+    const struct { double load, factor; int inserts; std::vector<uint32_t> sizes; } rows[] = {
+        {0.5, 2.0, 5, {0, 10, 20}}, {1.0, 1.0, 12, {0, 10, 11, 12, 13}}, {0.75, 1.5, 8, {0, 10, 15}}};
+    // clang-format on
     for (const auto& row : rows) {
         auto t = make<TSimpleHashTable<int, int>>(row.load, row.factor);
         std::vector<uint32_t> sizes{t->getBucketCount()};

@@ -2,20 +2,13 @@
 #include "TempFolder.h"
 
 #include "framework/errors/CEndOfEnumError.h"
-#include "framework/errors/CFileNotFoundError.h"
-#include "framework/errors/CURIFormatError.h"
-#include "framework/errors/CURITypeNotSupportedError.h"
 #include "framework/io/CFileSystemManager.h"
-#include "framework/io/CURI.h"
-#include "framework/io/IInStream.h"
-#include "framework/io/IStreamManager.h"
-#include "framework/io/ISystem.h"
 
 namespace kore_test {
 
 // One matching is the same on every platform: no Windows dialect ("*.*" needs a dot, "?" is
 // exactly one character, also outside the BMP), and case counts unless told otherwise.
-TEST(FileNamePattern, WildcardsMeanTheSameEverywhere)
+TEST(FileNamePattern, WildcardsMeanTheSameEverywhereAndOrderIsByNameInUpperCase)
 {
     // clang-format off
     const struct {
@@ -36,12 +29,8 @@ TEST(FileNamePattern, WildcardsMeanTheSameEverywhere)
         EXPECT_EQ(CFileSystemManager::matches(CUTF16String(c.name), CUTF16String(c.pattern), c.ignoreCase), c.matches)
             << CUTF16String(c.name).toUTF8() << " ~ " << CUTF16String(c.pattern).toUTF8();
     }
-}
-
-// As NTFS compares upper-cased names, "_" (after "Z") sorts after the letters; names equal but
-// for case still have a fixed order.
-TEST(FileNamePattern, OrderIsByNameInUpperCase)
-{
+    // As NTFS compares upper-cased names, "_" (after "Z") sorts after the letters; names equal
+    // but for case still have a fixed order.
     const auto compare = [](const char16_t* a, const char16_t* b) {
         return CFileSystemManager::compareNames(CUTF16String(a), CUTF16String(b));
     };

@@ -3,12 +3,9 @@
 
 #include "framework/objects/CGlobalObjFactory.h"
 
-#include <atomic>
-#include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <thread>
 
 namespace kore_test {
 
@@ -38,15 +35,9 @@ TEST(GlobalObjFactory, OneCreationPerKeyNestedAndFailedCreationsAndDeathInRevers
         return make<CService>(1);
     };
     std::vector<CService*> seen(8);
-    std::atomic<bool> go{false};
     std::vector<std::thread> threads;
     for (CService*& s : seen)
-        threads.emplace_back([&] {
-            while (!go)
-                std::this_thread::yield();
-            s = factory->getOrCreate<CService>(42, createSlowly).get();
-        });
-    go = true;
+        threads.emplace_back([&] { s = factory->getOrCreate<CService>(42, createSlowly).get(); });
     for (auto& t : threads)
         t.join();
     EXPECT_EQ(g_slowCreations.load(), 1);

@@ -4,18 +4,12 @@
 #include "../TempFolder.h"
 
 #include "framework/errors/CException.h"
-#include "framework/io/CURI.h"
-#include "framework/io/IInStream.h"
-#include "framework/io/IStreamManager.h"
-#include "framework/io/ISystem.h"
 #include "framework/log/CLogManager.h"
 #include "framework/log/ILog.h"
 #include "framework/log/Trace.h"
 #include "framework/posix/CGlobalMutexImpl.h"
 #include "framework/text/CCPCharEncoding.h"
 #include "framework/text/CCPString.h"
-
-#include <random>
 
 #include <fcntl.h>
 #include <iconv.h>

@@ -7,8 +7,6 @@
 #include "framework/values/CJsonParser.h"
 #include "framework/values/CJsonPrinter.h"
 
-#include <limits>
-
 namespace kore_test {
 
 namespace {

@@ -4,16 +4,12 @@
 #include "TempFolder.h"
 #include "VariantTestSupport.h"
 
-#include "framework/errors/CFileNotFoundError.h"
-#include "framework/errors/CURITypeNotSupportedError.h"
-#include "framework/io/CURI.h"
 #include "framework/values/CJsonParser.h"
 #include "framework/values/CNull.h"
 #include "framework/values/IValueStore.h"
 #include "framework/values/IValueStoreManager.h"
 
 #include <cmath>
-#include <limits>
 
 namespace kore_test {
 

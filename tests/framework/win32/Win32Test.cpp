@@ -2,10 +2,6 @@
 #include "../FrameworkTest.h"
 #include "../TempFolder.h"
 
-#include "framework/io/CURI.h"
-#include "framework/io/IInStream.h"
-#include "framework/io/IStreamManager.h"
-#include "framework/io/ISystem.h"
 #include "framework/text/CCPCharEncoding.h"
 #include "framework/text/CCPString.h"
 
