@@ -8,31 +8,6 @@ namespace {
 
 using namespace kore_test;
 
-// The first insertion creates 10 buckets; an insertion that brings the count to load x buckets
-// grows them by the factor, at least by one bucket, truncated; a replacement never rehashes.
-TEST(SimpleHashTable, BucketCountFollowsTheGrowthRule)
-{
-    // clang-format off
-    const struct { double load, factor; int inserts; std::vector<uint32_t> sizes; } rows[] = {
-        {0.5, 2.0, 5, {0, 10, 20}}, {1.0, 1.0, 12, {0, 10, 11, 12, 13}}, {0.75, 1.5, 8, {0, 10, 15}}};
-    // clang-format on
-    for (const auto& row : rows) {
-        auto t = make<TSimpleHashTable<int, int>>(row.load, row.factor);
-        std::vector<uint32_t> sizes{t->getBucketCount()};
-        for (int i = 0; i < row.inserts; ++i) {
-            t->set(i, i);
-            t->set(i, -i);
-            if (sizes.back() != t->getBucketCount())
-                sizes.push_back(t->getBucketCount());
-        }
-        EXPECT_EQ(sizes, row.sizes) << row.load << " " << row.factor;
-    }
-    auto half = make<TSimpleHashTable<int, int>>(0.75, 1.5);
-    for (int i = 0; i < 3; ++i)
-        half->rehash();
-    EXPECT_EQ(half->getBucketCount(), 22u);
-}
-
 // Keys hash to one of three values: three long chains, where only full comparison tells keys apart.
 struct CollidingTraits : TSimpleHashKeyTraits<int> {
     static uint32_t hash(int key) { return static_cast<uint32_t>(key % 3); }
