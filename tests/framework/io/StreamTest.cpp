@@ -93,7 +93,7 @@ TEST_F(DiskStream, WrittenFileHasTheNameOfItsURIAndReadsBackBuffered)
     EXPECT_EQ(byPath->getLength(), 10005);
 }
 
-TEST_F(DiskStream, ErrorsNameTheirURI)
+TEST_F(DiskStream, ErrorsNameTheirURIModesDecideContentAndInterfacesAndClosingEndsEverything)
 {
     temp.writeFile("short.bin", "0123456789");
     const P<IURI> shortFile = temp.uri()->resolve("short.bin");
@@ -118,10 +118,6 @@ TEST_F(DiskStream, ErrorsNameTheirURI)
     for (uint32_t mode : {0, 4})
         EXPECT_THROW(open(fileURI("x"), mode), CInvalidArgError);
     EXPECT_THROW(IStreamManager::instance()->openPath("relative/x", IStreamManager::kRead), CURIFormatError);
-}
-
-TEST_F(DiskStream, ModesDecideContentAndInterfacesAndClosingEndsEverything)
-{
     temp.writeFile("data.bin", "old content");
     const P<IURI> uri = temp.uri()->resolve("data.bin");
     EXPECT_EQ(interfaces(open(uri, IStreamManager::kRead)), "in seekIn ");

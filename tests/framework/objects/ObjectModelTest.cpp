@@ -44,7 +44,7 @@ struct CQuerying : CObject, IFirst {
     }
 };
 
-TEST(ObjectModel, CountingOwnershipAndSafeAssignment)
+TEST(ObjectModel, CountingOwnershipSafeAssignmentAndFrailPointers)
 {
     CCounted::destroyed = 0;
     auto* raw = new CCounted;
@@ -82,12 +82,10 @@ TEST(ObjectModel, CountingOwnershipAndSafeAssignment)
     };
     make<CResurrecting>();
     EXPECT_EQ(seen, -999999);
-}
 
-TEST(ObjectModel, FrailPointersNeverTouchTheCountStrongOnesDoAndKeepWhatTheyHold)
-{
-    P<CCounted> owner = make<CCounted>();
-    CCounted* raw = owner.get();
+    // Frail pointers never touch the count, strong ones do, and both keep what they hold.
+    owner = make<CCounted>();
+    raw = owner.get();
     {
         PFrail<CCounted> frail(raw, kFrail), assigned, strong(raw);
         assigned = PFrail<CCounted>(frail);

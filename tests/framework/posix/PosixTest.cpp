@@ -86,7 +86,7 @@ TEST(CodePagePosix, BothWaysAsIconvSays)
     EXPECT_EQ(CUTF16String(text).toU16(), u"\u20AC\u00E9");
 }
 
-TEST(PosixGlobalMutex, SystemNameEscapesAndDropsTheWindowsNamespace)
+TEST(PosixGlobalMutex, SystemNameEscapesAndObjectsLeftByADeadCreatorAreInitialisedAndForeignOnesRefused)
 {
     // clang-format off
     const std::pair<std::string, std::string> names[] = {
@@ -102,13 +102,9 @@ TEST(PosixGlobalMutex, SystemNameEscapesAndDropsTheWindowsNamespace)
          {std::string(241, 'x'), std::string(81, '/'), std::string("Global\\"), std::string("Local\\")})
         EXPECT_EQ(descriptionOf<CException>([&] { make<CGlobalMutexImpl>(name.c_str()); }),
                   "Error createing global mutex " + name);
-}
-
-// A shared-memory object of the mutex's name with `size` bytes of `fill` that a creator that
-// died before initialising it (zeros), or a program that is not ours, left behind: the next
-// opener initialises the first kind and refuses the second, leaving it alone.
-TEST(PosixGlobalMutex, ObjectsLeftByADeadCreatorAreInitialisedAndForeignOnesRefused)
-{
+    // A shared-memory object of the mutex's name with `size` bytes of `fill` that a creator that
+    // died before initialising it (zeros), or a program that is not ours, left behind: the next
+    // opener initialises the first kind and refuses the second, leaving it alone.
     for (const auto& [size, fill] : {std::pair<size_t, unsigned char>{0, 0}, {4096, 0}, {8, 0xA5}, {4096, 0xA5}}) {
         SCOPED_TRACE(testing::Message() << size << " bytes of " << int(fill));
         const std::string name = "qor_test_planted_" + std::to_string(std::random_device()());
