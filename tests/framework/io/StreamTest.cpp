@@ -73,7 +73,7 @@ TEST_F(DiskStream, WrittenFileHasTheNameOfItsURIAndReadsBackBuffered)
     P<CDiskStream> out = make<CDiskStream>(*uri, CDiskStream::kWrite);
     for (char c : content)
         out->write(&c, 1);
-    EXPECT_EQ(out->getSystemWriteCount(), 0u);
+    EXPECT_EQ(out->getSystemWriteCount(), 0u) << "small writes are buffered";
     EXPECT_EQ(out->getLength(), 10000);
     out = nullptr; // destruction flushes
     EXPECT_EQ(temp.readFile(name), content);

@@ -68,30 +68,26 @@ void expectRecursive(IMutex& mutex)
 
 // --- Children, started by the tests below
 
-// Takes the mutex (twice, so that a recursion count dies with it), reports it held and waits to
-// be killed.
-TEST(MutexChild, DISABLED_HoldUntilKilled)
-{
-    const std::string name = childParameter();
-    P<IMutex> mutex = globalMutex(name);
-    mutex->lock();
-    mutex->lock();
-    std::ofstream(fileFor(name, ".held")) << "held";
-    std::this_thread::sleep_for(std::chrono::seconds(20));
-    ADD_FAILURE() << "the parent did not kill this child";
-}
-
 constexpr int kIncrementsPerChild = 200;
 
-TEST(MutexChild, DISABLED_CountUnderLock)
+// "hold:NAME" takes the mutex (twice, so that a recursion count dies with it), reports it held
+// and waits to be killed; "count:NAME" increments the number in a file under the lock.
+TEST(MutexChild, DISABLED_HoldOrCount)
 {
-    const std::string name = childParameter();
+    const std::string parameter = childParameter(), name = parameter.substr(parameter.find(':') + 1);
     P<IMutex> mutex = globalMutex(name);
-    for (int i = 0; i < kIncrementsPerChild; ++i) {
+    for (int i = 0; parameter.starts_with("count:") && i < kIncrementsPerChild; ++i) {
         CMutexLock guard(*mutex);
         int value = 0;
         std::ifstream(fileFor(name, ".count")) >> value;
         std::ofstream(fileFor(name, ".count"), std::ios::trunc) << value + 1;
+    }
+    if (parameter.starts_with("hold:")) {
+        mutex->lock();
+        mutex->lock();
+        std::ofstream(fileFor(name, ".held")) << "held";
+        std::this_thread::sleep_for(std::chrono::seconds(20));
+        ADD_FAILURE() << "the parent did not kill this child";
     }
 }
 
@@ -182,7 +178,7 @@ TEST(GlobalMutex, AnotherProcessHoldsTheMutexUntilItIsKilled)
         SCOPED_TRACE(byTryLock ? "tryLock" : "lock");
         CTestName name;
         P<IMutex> mutex = globalMutex(name.str);
-        CChildProcess owner("MutexChild.DISABLED_HoldUntilKilled", name.str);
+        CChildProcess owner("MutexChild.DISABLED_HoldOrCount", "hold:" + name.str);
         for (const auto start = Clock::now(); !fs::exists(fileFor(name.str, ".held"));) {
             ASSERT_LT(msSince(start), 20000) << "the child never took the mutex";
             std::this_thread::sleep_for(std::chrono::milliseconds(5));
@@ -208,8 +204,8 @@ TEST(GlobalMutex, ProcessesCountingUnderTheLockLoseNoUpdate)
 {
     // The children create the mutex of a fresh name at the same moment.
     CTestName name;
-    CChildProcess first("MutexChild.DISABLED_CountUnderLock", name.str);
-    CChildProcess second("MutexChild.DISABLED_CountUnderLock", name.str);
+    CChildProcess first("MutexChild.DISABLED_HoldOrCount", "count:" + name.str);
+    CChildProcess second("MutexChild.DISABLED_HoldOrCount", "count:" + name.str);
     EXPECT_EQ(first.wait(), 0);
     EXPECT_EQ(second.wait(), 0);
     int value = 0;
