@@ -13,7 +13,7 @@ struct CollidingTraits : TSimpleHashKeyTraits<int> {
     static uint32_t hash(int key) { return static_cast<uint32_t>(key % 3); }
 };
 
-TEST(SimpleHashTable, CollidingKeysStayDistinctAndValuesAreReleasedByReplaceRemoveClearAndDestruction)
+TEST(SimpleHashTable, KeysStayDistinctAndValuesAreReleasedByReplaceRemoveClearAndDestruction)
 {
     std::vector<P<CObject>> values;
     auto t = make<TSimpleHashTable<int, P<CObject>, CollidingTraits>>();
@@ -37,25 +37,21 @@ TEST(SimpleHashTable, CollidingKeysStayDistinctAndValuesAreReleasedByReplaceRemo
     t->set(9, values[9]);
     t = nullptr;
     EXPECT_EQ(values[9]->getRefCount(), 1);
-}
 
-TEST(SimpleHashTable, StringKeysCompareExactlyByCodePointAcrossEncodings)
-{
-    auto t = make<TSimpleHashTable<P<IString>, int>>();
+    // String keys compare exactly, by code point, across encodings.
+    auto strings = make<TSimpleHashTable<P<IString>, int>>();
     for (const auto& [key, value] : {std::pair{"Grüße", 1}, {"grüße", 2}, {"Grüß", 3}})
-        t->set(CString::fromUTF8(key), value);
-    EXPECT_FALSE(t->set(make<CUTF16String>(u"Grüß"), 30));
+        strings->set(CString::fromUTF8(key), value);
+    EXPECT_FALSE(strings->set(make<CUTF16String>(u"Grüß"), 30));
+    // clang-format off
     const std::pair<P<IString>, int> lookups[] = {{make<CUTF16String>(u"Grüße"), 1},
-                                                  {make<CLatin1String>("Gr\xfc\xdf"
-                                                                       "e"),
-                                                   1},
-                                                  {make<CUTF32String>(U"grüße"), 2},
-                                                  {CString::fromUTF8("GRÜSSE"), 0},
-                                                  {CString::fromUTF8("Grüß"), 30}};
+        {make<CLatin1String>("Gr\xfc\xdf" "e"), 1}, {make<CUTF32String>(U"grüße"), 2}, {CString::fromUTF8("GRÜSSE"), 0},
+        {CString::fromUTF8("Grüß"), 30}};
+    // clang-format on
     for (const auto& [key, value] : lookups)
-        EXPECT_EQ(t->find(*key) ? *t->find(*key) : 0, value) << key->toUTF8();
-    EXPECT_EQ(t->getCount(), 3u);
-    EXPECT_THROW(t->set(nullptr, 0), CInvalidArgError);
+        EXPECT_EQ(strings->find(*key) ? *strings->find(*key) : 0, value) << key->toUTF8();
+    EXPECT_EQ(strings->getCount(), 3u);
+    EXPECT_THROW(strings->set(nullptr, 0), CInvalidArgError);
     EXPECT_THROW((TSimpleHashTable<int, int>(0.0, 2.0)), CInvalidArgError);
     EXPECT_THROW((TSimpleHashTable<int, int>(0.75, std::numeric_limits<double>::quiet_NaN())), CInvalidArgError);
 }

@@ -72,7 +72,7 @@ TEST_F(FileSystem, EnumerationFindsMatchingEntriesInNameOrder)
 }
 
 // An enumeration is a snapshot with an end; errors name the folder.
-TEST_F(FileSystem, EnumerationIsASnapshotWithAnEndAndErrors)
+TEST_F(FileSystem, EnumerationIsASnapshotWithAnEndAndErrorsExistenceTestAndPathService)
 {
     const auto files = IFileSystemManager::instance();
     P<IFileEnum> found = files->enumerate(*folder, "help*");
@@ -93,12 +93,9 @@ TEST_F(FileSystem, EnumerationIsASnapshotWithAnEndAndErrors)
     EXPECT_THROW(files->enumerate(*CURI::fromURIText("http://example.com/"), "*"), CURITypeNotSupportedError);
     for (const char* bad : {"", "a/b", "a\\b"})
         EXPECT_THROW(files->enumerate(*folder, bad), CInvalidArgError) << bad;
-}
 
-// The existence test tells files from folders ("" stands for the folder itself); the path
-// service gives the same folder URI with or without the trailing separator.
-TEST_F(FileSystem, ExistenceTestAndPathService)
-{
+    // The existence test tells files from folders ("" stands for the folder itself); the path
+    // service gives the same folder URI with or without the trailing separator.
     const auto system = ISystem::instance();
     for (const auto& [name, isFile, isFolder] : {std::tuple{"app-de-DE.qorlang", true, false},
                                                  {"app-folder.qorlang", false, true},

@@ -136,7 +136,7 @@ TEST(PosixGlobalMutex, SystemNameEscapesAndObjectsLeftByADeadCreatorAreInitialis
 // opening agree on that. A backslash is part of a name; every well-formed UTF-8 name is read
 // (Devanagari and emoji too), and a name that is not UTF-8 is left out with a line that names
 // the folder.
-TEST(PosixServices, NamesAreBytesThatOnlyUTF8Reads)
+TEST(PosixServices, NamesAreBytesThatOnlyUTF8ReadsRelativeFolderPathsAndTheTrace)
 {
     EXPECT_EQ(CURI::fromLocalPath("C:\\Lang\\x")->getLocalPath()->toUTF8(), "/C:/Lang/x") << "the native form";
     CTempFolder temp;
@@ -165,11 +165,8 @@ TEST(PosixServices, NamesAreBytesThatOnlyUTF8Reads)
     const P<IURI> backslash = IFileSystemManager::instance()->enumerate(*folder, "a*")->next()->getURI();
     EXPECT_TRUE(backslash->toString()->endsWith("/a%5Cb.txt"));
     EXPECT_TRUE(system->fileExists(*backslash));
-}
 
-TEST(PosixServices, RelativeFolderPathsStartAtTheCurrentFolderAndTheTraceGoesToStandardError)
-{
-    CTempFolder temp;
+    // Relative folder paths start at the current folder.
     temp.makeFolder("sub");
     char previous[4096];
     ASSERT_NE(::getcwd(previous, sizeof previous), nullptr);

@@ -104,7 +104,7 @@ TEST(LocalMutex, IsRecursiveAndTryLockOnItHeldElsewhereFailsAtOnceWhateverTheTim
 // Handles on one name share ownership, also when one is dropped while held; names that differ
 // only in characters the system name escapes are different mutexes. Names the system cannot
 // take are refused with the creation message.
-TEST(GlobalMutex, IsRecursiveAndHandlesOnOneNameShareOwnershipAndBadNamesAreRefused)
+TEST(GlobalMutex, OwnershipInOneProcess)
 {
     CTestName name, other;
     P<IMutex> first = globalMutex(name.str);
@@ -131,14 +131,10 @@ TEST(GlobalMutex, IsRecursiveAndHandlesOnOneNameShareOwnershipAndBadNamesAreRefu
         const auto create = [&] { globalMutex(bad); };
         EXPECT_EQ(descriptionOf<CException>(create), "Error createing global mutex " + bad) << bad.size() << " chars";
     }
-}
 
-// A waiting tryLock gets the mutex when its owner lets go. A thread that ends holding the mutex
-// leaves it to the next lock, and that one's thread, ending holding it in turn, to a tryLock.
-TEST(GlobalMutex, TryLockWaitsForAReleaseAndAThreadEndingWhileHoldingLeavesTheMutexToTheNext)
-{
-    CTestName name;
-    P<IMutex> mutex = globalMutex(name.str);
+    // A waiting tryLock gets the mutex when its owner lets go. A thread that ends holding the mutex
+    // leaves it to the next lock, and that one's thread, ending holding it in turn, to a tryLock.
+    const P<IMutex>& mutex = third;
     std::atomic<bool> held{false};
     std::thread owner([&] {
         CMutexLock guard(*mutex);
