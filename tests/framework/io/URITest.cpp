@@ -19,7 +19,7 @@ const auto resolved = [](const P<CURI>& folder, const CStringArg& name, bool isF
 };
 
 // Drive, UNC and POSIX paths are read the same way on every platform.
-TEST(URI, LocalPathsOfEveryPlatformBecomeFileURIsAndBackAndTextIsNormalised)
+TEST(URI, LocalPathsOfEveryPlatformAndTextAreNormalisedOrFormatErrors)
 {
     constexpr CURI::PathStyle W = CURI::kWindowsPath;
     constexpr CURI::PathStyle X = CURI::kPosixPath;
@@ -77,10 +77,8 @@ TEST(URI, LocalPathsOfEveryPlatformBecomeFileURIsAndBackAndTextIsNormalised)
         EXPECT_EQ(text(uri->toString()), out);
         EXPECT_EQ(text(CURI::fromURIText(uri->toString())->toString()), out);
     }
-}
 
-TEST(URI, PathsThatAreNotAbsoluteAndMalformedTextAreFormatErrors)
-{
+    // Paths that are not absolute and malformed text are format errors.
     for (const char* bad :
          {"", "Lang\\de", "Lang/de", "C:Lang", "\\\\", "\\\\\\x", "\\\\.\\pipe\\x", "\\\\?\\relative\\x", "~/x"})
         EXPECT_THROW(CURI::fromLocalPath(bad), CURIFormatError) << bad;

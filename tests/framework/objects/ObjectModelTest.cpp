@@ -44,7 +44,7 @@ struct CQuerying : CObject, IFirst {
     }
 };
 
-TEST(ObjectModel, CountingOwnershipSafeAssignmentAndFrailPointers)
+TEST(ObjectModel, CountingOwnershipSafeAssignmentFrailPointersAndThreads)
 {
     CCounted::destroyed = 0;
     auto* raw = new CCounted;
@@ -167,12 +167,9 @@ TEST(ObjectModel, CastFindsInterfacesAsCastQueryDirectsAndNamesBothTypesWhenItCa
     P<CQuerying> o = make<CQuerying>();
     o->candidates = &first;
     EXPECT_EQ(cast<ISecond>(o)->second(), 20);
-}
 
-// Threads share one object, count it up and down and drop their last references at about the
-// same time: no count is lost, and exactly one of them destroys the object.
-TEST(ObjectModel, CountingFromManyThreadsLosesNothingAndDestroysOnce)
-{
+    // Threads share one object, count it up and down and drop their last references at about the
+    // same time: no count is lost, and exactly one of them destroys the object.
     CCounted::destroyed = 0;
     std::vector<std::thread> threads;
     std::atomic<int> ready{0};

@@ -83,7 +83,7 @@ TEST(JsonParser, NumberKindsStringsAndStructure)
     EXPECT_EQ(describe(make<CJsonParser>()->parse(u"[\"\U0001F600\"]")), "[string '\U0001F600']");
 }
 
-TEST(JsonParser, FailuresAndTheirMessages)
+TEST(JsonParser, FailuresTheirMessagesAndHostileInputThatThePrinterRefusesToo)
 {
     // clang-format off
     const std::pair<const char*, const char*> messages[] = {
@@ -101,10 +101,7 @@ TEST(JsonParser, FailuresAndTheirMessages)
         EXPECT_EQ(parseFailure(input), message) << input;
     for (const char* input : malformed)
         EXPECT_THROW(parsed(input), CJsonParserError) << input;
-}
 
-TEST(JsonParser, HostileInputEndsInAParserErrorAndThePrinterRefusesItToo)
-{
     // The deepest nesting allowed parses; one level more fails, and so does nesting far beyond
     // what the stack could take by recursion.
     const auto nested = [](size_t depth, const char* open, const char* close) {
