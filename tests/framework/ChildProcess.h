@@ -14,7 +14,7 @@ public:
     // Starts the test `testName` ("Suite.DISABLED_Name") in a new process of this program.
     CChildProcess(const std::string& testName, const std::string& parameter);
     // A child still running is killed: a failing test must not leave processes behind.
-    ~CChildProcess();
+    ~CChildProcess() { kill(); }
     CChildProcess(const CChildProcess&) = delete;
     CChildProcess& operator=(const CChildProcess&) = delete;
 

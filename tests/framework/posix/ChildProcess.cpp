@@ -2,7 +2,6 @@
 
 #include <chrono>
 #include <cstdlib>
-#include <cstring>
 #include <stdexcept>
 #include <thread>
 
@@ -14,9 +13,7 @@ extern char** environ;
 
 namespace kore_test {
 
-namespace {
 constexpr char kParameterVariable[] = "QOR_TEST_CHILD_PARAMETER";
-}
 
 CChildProcess::CChildProcess(const std::string& testName, const std::string& parameter)
 {
@@ -31,11 +28,6 @@ CChildProcess::CChildProcess(const std::string& testName, const std::string& par
     if (rc != 0)
         throw std::runtime_error("cannot start child process for " + testName);
     m_process = pid;
-}
-
-CChildProcess::~CChildProcess()
-{
-    kill();
 }
 
 int CChildProcess::wait(uint32_t timeoutMs)

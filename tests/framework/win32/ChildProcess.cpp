@@ -40,11 +40,6 @@ CChildProcess::CChildProcess(const std::string& testName, const std::string& par
     m_process = reinterpret_cast<intptr_t>(info.hProcess);
 }
 
-CChildProcess::~CChildProcess()
-{
-    kill();
-}
-
 int CChildProcess::wait(uint32_t timeoutMs)
 {
     if (!m_process)
