@@ -4,6 +4,7 @@
 // call that throws nothing fails the test).
 
 #include "framework/errors/CInvalidArgError.h"
+#include "framework/objects/CObject.h"
 #include "framework/objects/Cast.h"
 #include "framework/text/CString.h"
 
@@ -21,6 +22,14 @@
 namespace kore_test {
 
 using namespace kore;
+
+// An object that records its id when it dies.
+struct CMortal : CObject {
+    static inline std::vector<int> dead;
+    explicit CMortal(int id) : id(id) {}
+    ~CMortal() override { dead.push_back(id); }
+    const int id;
+};
 
 // Runs `call`, which must throw an E, and hands the error to `check`.
 template <class E, class F, class Check>

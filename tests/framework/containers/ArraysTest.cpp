@@ -10,13 +10,7 @@ namespace {
 
 using namespace kore_test;
 
-// Records its id when it dies.
-struct CItem : CObject {
-    static inline std::vector<int> dead;
-    explicit CItem(int id) : id(id) {}
-    ~CItem() override { dead.push_back(id); }
-    const int id;
-};
+using CItem = CMortal;
 
 const auto isDead = [](int id) { return std::find(CItem::dead.begin(), CItem::dead.end(), id) != CItem::dead.end(); };
 

@@ -9,13 +9,7 @@
 
 namespace kore_test {
 
-// Records its id when it dies.
-struct CService : CObject {
-    static inline std::vector<int> dead;
-    explicit CService(int id) : id(id) {}
-    ~CService() override { dead.push_back(id); }
-    const int id;
-};
+using CService = CMortal;
 
 std::atomic<int> g_slowCreations{0};
 CGlobalObjFactory* g_nestedFactory = nullptr;
