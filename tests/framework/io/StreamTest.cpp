@@ -101,6 +101,7 @@ TEST_F(DiskStream, ErrorsNameTheirURIModesDecideContentAndInterfacesAndClosingEn
     char buffer[11] = {};
     const auto readEleven = [&] { cast<IInStream>(stream)->read(buffer, 11); };
     expectNaming<CEndOfStreamError>(readEleven, shortFile.get());
+    EXPECT_EQ(cast<CDiskStream>(stream)->getSystemReadCount(), 0u) << "what the known length cannot give is not read";
     cast<ISeekableInStream>(stream)->seek(1000);
     EXPECT_THROW(readEleven(), CEndOfStreamError) << "behind the end";
 

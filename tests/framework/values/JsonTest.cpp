@@ -56,6 +56,8 @@ TEST(JsonPrinter, ScalarsEscapesObjectsAndArraysCompactAndPretty)
     EXPECT_THROW(printer->print(outer.get(), out), CInvalidArgError);
     EXPECT_EQ(out, u"x");
     EXPECT_EQ(printer->print(cast<CVariantMap>(outer)->get("a").get())->toUTF8(), "{\n\t\"a\": 1,\n\t\"b\": true\n}");
+    EXPECT_TRUE(cast<CVariantMap>(outer)->remove("a"));
+    EXPECT_FALSE(cast<CVariantMap>(outer)->remove("a"));
 }
 
 TEST(JsonParser, NumberKindsStringsAndStructure)
