@@ -1,4 +1,5 @@
 #pragma once
+// What tests need from the platform; win32/ and posix/ implement it.
 // A second process for tests that need one: this test program started again to run a single
 // test, usually a DISABLED_ one that only runs when asked for by name. The parent hands the child
 // one text through the environment (read with childParameter()).
@@ -13,7 +14,7 @@ public:
     // Starts the test `testName` ("Suite.DISABLED_Name") in a new process of this program.
     CChildProcess(const std::string& testName, const std::string& parameter);
     // A child still running is killed: a failing test must not leave processes behind.
-    ~CChildProcess();
+    ~CChildProcess() { kill(); }
     CChildProcess(const CChildProcess&) = delete;
     CChildProcess& operator=(const CChildProcess&) = delete;
 
@@ -33,5 +34,23 @@ std::string childParameter();
 
 // True in a Windows build that runs under Wine rather than Windows.
 bool runsUnderWine();
+
+// Loads a shared library (module) found next to the test program, and unloads it again.
+class CModule {
+public:
+    explicit CModule(const std::string& fileName);
+    ~CModule() { unload(); }
+    CModule(const CModule&) = delete;
+    CModule& operator=(const CModule&) = delete;
+    void* symbol(const char* name) const;
+    void unload(); // now; the destructor does nothing afterwards
+
+private:
+    void* m_handle = nullptr;
+};
+
+// Removes a global mutex name left in the system by a test (a no-op where, as on Windows, the
+// name disappears with its last handle).
+void removeGlobalMutexName(const std::string& name);
 
 } // namespace kore_test

@@ -54,9 +54,7 @@ private:
             return false;
         s.failed = true;
         s.failedKind = kind;
-        error.kind = kore::platform::NativeErrorKind::kOther;
-        error.code = 5;
-        error.message = "injected failure";
+        error = NativeError{kore::platform::NativeErrorKind::kOther, 5, "injected failure"};
         return true;
     }
 
@@ -89,12 +87,8 @@ private:
     {
         if (mode != kore::platform::kNativeRead)
             ++state().writableOpens;
-        if (fails("open", error))
-            return nullptr;
-        std::unique_ptr<kore::platform::INativeFile> inner = kore::platform::openSystemFile(path, mode, error);
-        if (!inner)
-            return nullptr;
-        return std::make_unique<CFile>(std::move(inner), mode);
+        auto inner = fails("open", error) ? nullptr : kore::platform::openSystemFile(path, mode, error);
+        return inner ? std::make_unique<CFile>(std::move(inner), mode) : nullptr;
     }
 
     kore::platform::NativeFileOpener m_previous = nullptr;

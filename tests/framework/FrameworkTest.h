@@ -1,19 +1,35 @@
 #pragma once
-// What most framework tests need: GoogleTest, the framework's strings, pointers and casts, and
-// checks on the error a call must throw (a call that throws nothing fails the test).
+// What most framework tests need: GoogleTest, the framework's strings, pointers and casts, the
+// standard headers of the thread and table tests, and checks on the error a call must throw (a
+// call that throws nothing fails the test).
 
 #include "framework/errors/CInvalidArgError.h"
+#include "framework/objects/CObject.h"
 #include "framework/objects/Cast.h"
 #include "framework/text/CString.h"
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <chrono>
+#include <functional>
+#include <limits>
+#include <random>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace kore_test {
 
 using namespace kore;
+
+// An object that records its id when it dies.
+struct CMortal : CObject {
+    static inline std::vector<int> dead;
+    explicit CMortal(int id) : id(id) {}
+    ~CMortal() override { dead.push_back(id); }
+    const int id;
+};
 
 // Runs `call`, which must throw an E, and hands the error to `check`.
 template <class E, class F, class Check>

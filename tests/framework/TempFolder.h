@@ -1,9 +1,19 @@
 #pragma once
-// A fresh folder under the system's temporary folder for one test, removed with its content
-// afterwards. Set-up goes through the standard library, so that the code under test is not
+// What the file tests need: the file services, their errors, and a fresh folder under the
+// system's temporary folder for one test, removed with its content afterwards. Set-up goes through the standard library, so that the code under test is not
 // also the code that prepares its input.
 
+#include "framework/errors/CFileNotFoundError.h"
+#include "framework/errors/CURIFormatError.h"
+#include "framework/errors/CURITypeNotSupportedError.h"
+#include "framework/io/CURI.h"
+#include "framework/io/IFileEntry.h"
+#include "framework/io/IFileEnum.h"
+#include "framework/io/IFileSystemManager.h"
+#include "framework/io/IInStream.h"
 #include "framework/io/IPathes.h"
+#include "framework/io/IStreamManager.h"
+#include "framework/io/ISystem.h"
 #include "framework/io/IURI.h"
 #include "framework/text/CString.h"
 
@@ -12,6 +22,7 @@
 #include <random>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace kore_test {
 
@@ -26,14 +37,25 @@ inline std::string utf8FromPath(const std::filesystem::path& path)
     return std::string(reinterpret_cast<const char*>(text.data()), text.size());
 }
 
+// The names of the entries of `folder` that match `pattern`, in the enumeration's order; a
+// folder's name ends in "/".
+inline std::vector<std::string> names(const kore::P<kore::IURI>& folder, const kore::CStringArg& pattern)
+{
+    std::vector<std::string> out;
+    for (auto found = kore::IFileSystemManager::instance()->enumerate(*folder, pattern); found->hasNext();) {
+        const kore::P<kore::IFileEntry> entry = found->next();
+        out.push_back(entry->getName()->toUTF8() + (entry->isFolder() ? "/" : ""));
+    }
+    return out;
+}
+
 class CTempFolder {
 public:
     CTempFolder()
     {
         std::random_device random;
-        const std::filesystem::path base = std::filesystem::temp_directory_path();
         do
-            m_path = base / ("qor_streams_test_" + std::to_string(random()));
+            m_path = std::filesystem::temp_directory_path() / ("qor_streams_test_" + std::to_string(random()));
         while (!std::filesystem::create_directory(m_path));
     }
     ~CTempFolder()

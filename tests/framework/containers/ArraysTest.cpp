@@ -3,23 +3,14 @@
 #include "framework/containers/TCleaningSimpleArray.h"
 #include "framework/containers/TFrailArray.h"
 #include "framework/containers/TSimpleArray.h"
-#include "framework/objects/PFrail.h"
 
 #include <algorithm>
-#include <functional>
-#include <stdexcept>
 
 namespace {
 
 using namespace kore_test;
 
-// Records its id when it dies.
-struct CItem : CObject {
-    static inline std::vector<int> dead;
-    explicit CItem(int id) : id(id) {}
-    ~CItem() override { dead.push_back(id); }
-    const int id;
-};
+using CItem = CMortal;
 
 const auto isDead = [](int id) { return std::find(CItem::dead.begin(), CItem::dead.end(), id) != CItem::dead.end(); };
 
@@ -31,19 +22,17 @@ std::vector<int> ids(const TSimpleArray<P<CItem>>& a)
     return out;
 }
 
-// Growth is linear, to the larger of need and grow step.
-TEST(SimpleArray, GrowthAndBadPositions)
+// Elements inserted from the array's own
+// buffer survive the growth that frees it; removal and shrinking drop exactly the references of
+// the elements they take out.
+TEST(SimpleArray, GrowthBadPositionsAndReferences)
 {
     auto b = make<TSimpleArray<int>>(16);
     const std::vector<int> many(40, 7);
     b->insert(0, many.data(), 20);
-    EXPECT_EQ(b->getCapacity(), 20);
     b->add(1);
-    EXPECT_EQ(b->getCapacity(), 36);
     b->insert(0, many.data(), 40);
-    EXPECT_EQ(b->getCapacity(), 61);
     EXPECT_EQ((*b)[60], 1);
-
     const std::function<void()> bad[] = {[&] { (*b)[-1]; }, [&] { b->insert(62, 5); }, [&] { b->remove(60, 2); },
                                          [&] { b->setCapacity(-1); },
                                          [&] { b->insert(0, static_cast<const int*>(nullptr), 1); }};
@@ -51,71 +40,26 @@ TEST(SimpleArray, GrowthAndBadPositions)
         EXPECT_THROW(call(), CInvalidArgError);
     EXPECT_EQ(b->getCount(), 61);
     EXPECT_NE(descriptionOf<CInvalidArgError>([&] { (*b)[65]; }).find("index 65"), std::string::npos);
-}
 
-TEST(SimpleArray, InsertRemoveAndReallocationKeepOrderAndReferences)
-{
     std::vector<P<CItem>> items;
     auto a = make<TSimpleArray<P<CItem>>>(1);
     for (int i = 0; i < 3; ++i)
         a->add(items.emplace_back(make<CItem>(i)));
     a->insert(0, (*a)[2]); // refers into the buffer that this very growth frees
-    EXPECT_EQ(ids(*a), (std::vector<int>{2, 0, 1, 2}));
     a->insert(1, a->data() + 2, 2);
     EXPECT_EQ(ids(*a), (std::vector<int>{2, 1, 2, 0, 1, 2}));
-    EXPECT_EQ(items[2]->getRefCount(), 4);
-
     a->insert(3, make<CItem>(7));
     a->remove(3);
     EXPECT_TRUE(isDead(7)) << "a removed element must drop its reference at once";
     a->remove(1, 2);
     EXPECT_EQ(ids(*a), (std::vector<int>{2, 0, 1, 2}));
-
-    // Reallocation keeps every count; shrinking drops the elements that no longer fit, and only those.
     a->setCapacity(40);
     EXPECT_EQ(items[2]->getRefCount(), 3);
     a->setCapacity(2);
     EXPECT_EQ(ids(*a), (std::vector<int>{2, 0}));
-    EXPECT_EQ(items[2]->getRefCount(), 2);
-    EXPECT_EQ(items[1]->getRefCount(), 1);
+    EXPECT_EQ(items[2]->getRefCount() * 10 + items[1]->getRefCount(), 21);
     a = nullptr;
     EXPECT_EQ(items[2]->getRefCount(), 1);
-}
-
-// Copy assignment throws for one marked value; moves never throw.
-struct CFragile {
-    static inline int poison = -1;
-    int v = 0;
-    CFragile() noexcept = default;
-    CFragile(int v) noexcept : v(v) {}
-    CFragile(const CFragile&) = default;
-    CFragile(CFragile&&) noexcept = default;
-    CFragile& operator=(CFragile&&) noexcept = default;
-    CFragile& operator=(const CFragile& o)
-    {
-        if (o.v == poison)
-            throw std::runtime_error("poisoned copy");
-        v = o.v;
-        return *this;
-    }
-};
-
-TEST(SimpleArray, ThrowingAssignmentLeavesTheArrayUnchanged)
-{
-    auto a = make<TSimpleArray<CFragile>>(4);
-    for (int i = 1; i <= 4; ++i)
-        a->add(CFragile(i));
-    const CFragile incoming[3] = {10, 11, 12};
-    CFragile::poison = 11;
-    EXPECT_THROW(a->insert(1, incoming, 3), std::runtime_error);
-    const int32_t capacity = a->getCapacity(); // the growth itself succeeded and may stay
-    CFragile::poison = 3;
-    EXPECT_THROW(a->setCapacity(capacity * 2), std::runtime_error);
-    CFragile::poison = -1;
-    ASSERT_EQ(a->getCount(), 4);
-    EXPECT_EQ(a->getCapacity(), capacity);
-    for (int i = 0; i < 4; ++i)
-        EXPECT_EQ((*a)[i].v, i + 1);
 }
 
 TEST(CleaningSimpleArray, RemovalDuringAWalkEmptiesTheSlotAndCleansAfterwards)
@@ -146,8 +90,7 @@ TEST(CleaningSimpleArray, RemovalDuringAWalkEmptiesTheSlotAndCleansAfterwards)
     }
 }
 
-class IListener : public virtual IBase {
-public:
+struct IListener : virtual IBase {
     virtual void onEvent(std::vector<int>& journal) = 0;
 };
 
@@ -169,13 +112,10 @@ struct CListener : CObject, IListener {
 TEST(FrailArray, HoldsNoReferencesAndSurvivesListenersThatLeaveOrDieWhileCalled)
 {
     auto list = make<TFrailArray<IListener>>();
-    auto a = make<CListener>(1, list.get());
-    auto b = make<CListener>(2, list.get());
-    auto c = make<CListener>(3, list.get());
+    auto a = make<CListener>(1, list.get()), b = make<CListener>(2, list.get()), c = make<CListener>(3, list.get());
     EXPECT_EQ(a->getRefCount(), 1);
     EXPECT_FALSE(list->add(a.get())) << "a listener is registered once";
     EXPECT_THROW(list->add(nullptr), CInvalidArgError);
-
     // The first listener destroys the second one (which leaves the list) and adds a new one.
     P<CListener> late;
     a->action = [&] {
@@ -183,14 +123,11 @@ TEST(FrailArray, HoldsNoReferencesAndSurvivesListenersThatLeaveOrDieWhileCalled)
         if (!late)
             late = make<CListener>(4, list.get());
     };
-    const auto notify = [&] {
+    for (const auto& expected : {std::vector<int>{1, 3}, std::vector<int>{1, 3, 4}}) {
         std::vector<int> journal;
         list->forEach([&](IListener& l) { l.onEvent(journal); });
-        return journal;
-    };
-    EXPECT_EQ(notify(), (std::vector<int>{1, 3}));
-    EXPECT_EQ(notify(), (std::vector<int>{1, 3, 4}));
-    EXPECT_EQ(list->getCount(), 3);
+        EXPECT_EQ(journal, expected);
+    }
     EXPECT_TRUE(list->remove(c.get()));
     EXPECT_FALSE(list->contains(c.get()));
     EXPECT_TRUE(list->add(c.get()));

@@ -1,22 +1,14 @@
-#include "FolderNames.h"
 #include "FrameworkTest.h"
 #include "TempFolder.h"
 
 #include "framework/errors/CEndOfEnumError.h"
-#include "framework/errors/CFileNotFoundError.h"
-#include "framework/errors/CURIFormatError.h"
-#include "framework/errors/CURITypeNotSupportedError.h"
 #include "framework/io/CFileSystemManager.h"
-#include "framework/io/CURI.h"
-#include "framework/io/IInStream.h"
-#include "framework/io/IStreamManager.h"
-#include "framework/io/ISystem.h"
 
 namespace kore_test {
 
 // One matching is the same on every platform: no Windows dialect ("*.*" needs a dot, "?" is
 // exactly one character, also outside the BMP), and case counts unless told otherwise.
-TEST(FileNamePattern, WildcardsMeanTheSameEverywhere)
+TEST(FileNamePattern, WildcardsMeanTheSameEverywhereAndOrderIsByNameInUpperCase)
 {
     // clang-format off
     const struct {
@@ -37,12 +29,8 @@ TEST(FileNamePattern, WildcardsMeanTheSameEverywhere)
         EXPECT_EQ(CFileSystemManager::matches(CUTF16String(c.name), CUTF16String(c.pattern), c.ignoreCase), c.matches)
             << CUTF16String(c.name).toUTF8() << " ~ " << CUTF16String(c.pattern).toUTF8();
     }
-}
-
-// As NTFS compares upper-cased names, "_" (after "Z") sorts after the letters; names equal but
-// for case still have a fixed order.
-TEST(FileNamePattern, OrderIsByNameInUpperCase)
-{
+    // As NTFS compares upper-cased names, "_" (after "Z") sorts after the letters; names equal
+    // but for case still have a fixed order.
     const auto compare = [](const char16_t* a, const char16_t* b) {
         return CFileSystemManager::compareNames(CUTF16String(a), CUTF16String(b));
     };
@@ -75,39 +63,29 @@ TEST_F(FileSystem, EnumerationFindsMatchingEntriesInNameOrder)
               (std::vector<std::string>{"app-de-DE.qorlang", "app-en-US.qorlang", "app-folder.qorlang/",
                                         "app-fr-FR.qorlang", "app-zz ä 100%.qorlang"}));
     EXPECT_EQ(names(folder, u"*").size(), 9u);
-    // Each entry's URI is the folder's resolved with the entry's name, and opens the very file.
+    // Each entry's URI is the folder's resolved with the entry's name (opening is the streams').
     for (P<IFileEnum> found = IFileSystemManager::instance()->enumerate(*folder, u"app*"); found->hasNext();) {
         const P<IFileEntry> entry = found->next();
-        const std::string name = entry->getName()->toUTF8();
-        const P<IString> uri = entry->getURI()->toString();
-        EXPECT_EQ(uri->toUTF8(), folder->resolve(entry->getName(), entry->isFolder())->toString()->toUTF8()) << name;
-        if (entry->isFolder())
-            continue;
-        P<IStream> stream = IStreamManager::instance()->openURI(*CURI::fromURIText(uri), IStreamManager::kRead);
-        std::string content(name.size(), '\0');
-        cast<IInStream>(stream)->read(content.data(), static_cast<uint32_t>(content.size()));
-        EXPECT_EQ(content, name);
+        EXPECT_EQ(entry->getURI()->toString()->toUTF8(),
+                  folder->resolve(entry->getName(), entry->isFolder())->toString()->toUTF8());
     }
 }
 
-TEST_F(FileSystem, EnumerationIsASnapshotWithAnEnd)
+// An enumeration is a snapshot with an end; errors name the folder.
+TEST_F(FileSystem, EnumerationIsASnapshotWithAnEndAndErrorsExistenceTestAndPathService)
 {
-    P<IFileEnum> found = IFileSystemManager::instance()->enumerate(*folder, "help*");
+    const auto files = IFileSystemManager::instance();
+    P<IFileEnum> found = files->enumerate(*folder, "help*");
     EXPECT_EQ(found->getCount(), 2u);
     temp.writeFile(std::string(kFolder) + "/help_fr-FR.pdf", "");
-    EXPECT_EQ(found->next()->getName()->toUTF8(), "help_de-DE.pdf");
-    EXPECT_EQ(found->next()->getName()->toUTF8(), "help_en-US.pdf");
+    for (const char* name : {"help_de-DE.pdf", "help_en-US.pdf"})
+        EXPECT_EQ(found->next()->getName()->toUTF8(), name);
     EXPECT_FALSE(found->hasNext());
     EXPECT_THROW(found->next(), CEndOfEnumError);
     found->reset();
     EXPECT_EQ(found->next()->getName()->toUTF8(), "help_de-DE.pdf");
-    // A new enumeration sees the new file.
-    EXPECT_EQ(names(folder, u"help*").size(), 3u);
-}
+    EXPECT_EQ(names(folder, u"help*").size(), 3u) << "a new enumeration sees the new file";
 
-TEST_F(FileSystem, EnumerationErrors)
-{
-    const auto files = IFileSystemManager::instance();
     const P<IURI> missing = folder->resolve("missing", true);
     expectNaming<CFileNotFoundError>([&] { files->enumerate(*missing, "*"); }, missing.get());
     EXPECT_THROW(files->enumerate(*folder->resolve("help_de-DE.pdf"), "*"), CFileNotFoundError)
@@ -115,12 +93,10 @@ TEST_F(FileSystem, EnumerationErrors)
     EXPECT_THROW(files->enumerate(*CURI::fromURIText("http://example.com/"), "*"), CURITypeNotSupportedError);
     for (const char* bad : {"", "a/b", "a\\b"})
         EXPECT_THROW(files->enumerate(*folder, bad), CInvalidArgError) << bad;
-}
 
-TEST_F(FileSystem, ExistenceTestTellsFilesFromFolders)
-{
+    // The existence test tells files from folders ("" stands for the folder itself); the path
+    // service gives the same folder URI with or without the trailing separator.
     const auto system = ISystem::instance();
-    // "" stands for the folder itself.
     for (const auto& [name, isFile, isFolder] : {std::tuple{"app-de-DE.qorlang", true, false},
                                                  {"app-folder.qorlang", false, true},
                                                  {"", false, true},
@@ -130,24 +106,15 @@ TEST_F(FileSystem, ExistenceTestTellsFilesFromFolders)
         EXPECT_EQ(system->folderExists(*uri), isFolder) << name;
     }
     EXPECT_THROW(system->fileExists(*CURI::fromURIText("http://example.com/x")), CURITypeNotSupportedError);
-}
 
-TEST_F(FileSystem, PathServiceGivesFolderURIsToResolveIn)
-{
     P<IPathes> pathes = IPathes::instance();
-    // With or without the trailing separator, the result is the same folder URI.
-    const P<IURI> plain = pathes->folderPathToURI(CString::fromUTF8(temp.utf8(kFolder)));
     const P<IURI> slashed = pathes->folderPathToURI(CString::fromUTF8(temp.utf8(kFolder) + "/"));
-    EXPECT_TRUE(plain->isFolder());
-    EXPECT_EQ(plain->toString()->toUTF8(), slashed->toString()->toUTF8());
-    EXPECT_TRUE(plain->toString()->endsWith("/Sprachdateien%20%C3%A4%C3%B6%C3%BC/%E6%97%A5%E6%9C%AC/"));
-    EXPECT_TRUE(ISystem::instance()->fileExists(*plain->resolve("help_de-DE.pdf")));
+    EXPECT_TRUE(slashed->isFolder());
+    EXPECT_EQ(slashed->toString()->toUTF8(), folder->toString()->toUTF8());
+    EXPECT_TRUE(folder->toString()->endsWith("/Sprachdateien%20%C3%A4%C3%B6%C3%BC/%E6%97%A5%E6%9C%AC/"));
     // The local path comes back as the platform writes it.
-    EXPECT_EQ(pathFromUTF8(plain->getLocalPath()->toUTF8()), temp.path(kFolder) / "");
-
-    const P<IURI> tempFolder = pathes->getTempFolder();
-    EXPECT_TRUE(tempFolder->isFolder());
-    EXPECT_TRUE(ISystem::instance()->folderExists(*tempFolder));
+    EXPECT_EQ(pathFromUTF8(folder->getLocalPath()->toUTF8()), temp.path(kFolder) / "");
+    EXPECT_TRUE(system->folderExists(*pathes->getTempFolder()));
     EXPECT_THROW(pathes->folderPathToURI(""), CURIFormatError);
 }
 

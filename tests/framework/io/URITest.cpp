@@ -19,7 +19,7 @@ const auto resolved = [](const P<CURI>& folder, const CStringArg& name, bool isF
 };
 
 // Drive, UNC and POSIX paths are read the same way on every platform.
-TEST(URI, LocalPathsOfEveryPlatformBecomeFileURIsAndBack)
+TEST(URI, LocalPathsOfEveryPlatformAndTextAreNormalisedOrFormatErrors)
 {
     constexpr CURI::PathStyle W = CURI::kWindowsPath;
     constexpr CURI::PathStyle X = CURI::kPosixPath;
@@ -61,43 +61,35 @@ TEST(URI, LocalPathsOfEveryPlatformBecomeFileURIsAndBack)
     EXPECT_EQ(localPath("file:///", W), "\\");
     EXPECT_THROW(localPath("file:///a%5Cb", W), CURIFormatError);
     EXPECT_THROW(localPath("file://server/share/x", X), CURITypeNotSupportedError);
-}
 
-TEST(URI, TextIsNormalised)
-{
+    // URI text is normalised; the normal form parses to itself.
     // clang-format off
-    const std::pair<const char*, const char*> cases[] = {
+    const std::pair<const char*, const char*> texts[] = {
         {"FILE://LocalHost/C:/x", "file:///C:/x"}, {"file:/usr/x", "file:///usr/x"}, {"file:C:/x", "file:///C:/x"},
         {"file://C:/x", "file:///C:/x"}, {"file://ab/x", "file://ab/x"}, {"file://server", "file://server/"},
         {"file:///a%2fb%c3%a4", "file:///a%2Fb%C3%A4"}, {"urn:isbn:0451450523", "urn:isbn:0451450523"},
         {"http://[::1]:80/", "http://[::1]:80/"}, {"file:///C:/Program Files/ä", "file:///C:/Program%20Files/%C3%A4"},
         {"HTTP://Example.com:8080/a/b?q=1&r=/x?#frag/?", "http://Example.com:8080/a/b?q=1&r=/x?#frag/?"}};
     // clang-format on
-    for (const auto& [in, out] : cases) {
+    for (const auto& [in, out] : texts) {
         SCOPED_TRACE(in);
         P<CURI> uri = CURI::fromURIText(CString::fromUTF8(in));
         EXPECT_EQ(text(uri->toString()), out);
-        EXPECT_EQ(text(CURI::fromURIText(uri->toString())->toString()), out) << "the normal form parses to itself";
+        EXPECT_EQ(text(CURI::fromURIText(uri->toString())->toString()), out);
     }
-}
 
-TEST(URI, PathsThatAreNotAbsoluteAndMalformedTextAreFormatErrors)
-{
+    // Paths that are not absolute and malformed text are format errors.
     for (const char* bad :
-         {"", "Lang\\de", "Lang/de", "C:Lang", "\\\\", "\\\\\\x", "\\\\.\\pipe\\x", "\\\\?\\relative\\x", "~/x"}) {
-        SCOPED_TRACE(bad);
-        EXPECT_THROW(CURI::fromLocalPath(bad), CURIFormatError);
-    }
+         {"", "Lang\\de", "Lang/de", "C:Lang", "\\\\", "\\\\\\x", "\\\\.\\pipe\\x", "\\\\?\\relative\\x", "~/x"})
+        EXPECT_THROW(CURI::fromLocalPath(bad), CURIFormatError) << bad;
     EXPECT_THROW(CURI::fromLocalPath(CStringArg(u"/a\0b", 4)), CURIFormatError);
     // The path is the text's placeholder; the error texts themselves are ErrorsTest's.
-    // The path is the text's placeholder.
     expectNaming<CURIFormatError>([] { CURI::fromLocalPath("Lang\\de"); }, static_cast<IURI*>(nullptr), "('Lang\\de')");
 
     for (const char* bad :
          {"", "C:\\Lang", "c:/Lang", "Lang/de", "://x", "1ab:x", "a:x", "file:///a%2", "file:///a%zz", "file:///a\\b",
           "file:///a<b", "file:relative", "http://h/a#b#c", "http://h/a[1]", "file:///a\tb"}) {
-        SCOPED_TRACE(bad);
-        EXPECT_THROW(CURI::fromURIText(bad), CURIFormatError);
+        EXPECT_THROW(CURI::fromURIText(bad), CURIFormatError) << bad;
     }
     // Escapes that cannot be part of a local path.
     for (const char* bad : {"file:///a%00b", "file:///a%2Fb/c", "file:///a%FFb", "file:///%C3"}) {
@@ -107,32 +99,27 @@ TEST(URI, PathsThatAreNotAbsoluteAndMalformedTextAreFormatErrors)
     }
 }
 
-TEST(URI, PartsOfAURI)
+TEST(URI, PartsAndResolvingANameAsOneEscapedSegment)
 {
     P<CURI> http = CURI::fromURIText("http://user@www.example.com:8080/a/b%20c.txt?x#y");
-    EXPECT_EQ(text(http->getScheme()), "http");
+    EXPECT_EQ(text(http->getScheme()) + " " + text(http->getPath()), "http /a/b%20c.txt");
     EXPECT_FALSE(http->isFile());
-    EXPECT_EQ(text(http->getPath()), "/a/b%20c.txt");
-    EXPECT_EQ(parts(http), "www.example.com|b c.txt");
-    EXPECT_TRUE(CURI::fromLocalPath("\\\\server\\share\\Lang\\")->isFile());
-    EXPECT_EQ(parts(CURI::fromLocalPath("\\\\server\\share\\Lang\\")), "server|Lang/");
-    EXPECT_EQ(parts(CURI::fromLocalPath("/")), "|/");
-
-    EXPECT_EQ(text(CURI::fromLocation("C:\\Lang")->toString()), "file:///C:/Lang");
-    EXPECT_EQ(text(CURI::fromLocation("/usr/x")->toString()), "file:///usr/x");
-    EXPECT_EQ(text(CURI::fromLocation("file:///usr/x")->toString()), "file:///usr/x");
-
     expectNaming<CURITypeNotSupportedError>([&] { http->getLocalPath(); }, http.get());
-}
+    // clang-format off
+    const std::pair<P<CURI>, const char*> partsOf[] = {{http, "www.example.com|b c.txt"},
+        {CURI::fromLocalPath("\\\\server\\share\\Lang\\"), "server|Lang/"}, {CURI::fromLocalPath("/"), "|/"}};
+    // clang-format on
+    for (const auto& [uri, expected] : partsOf)
+        EXPECT_EQ(parts(uri), expected);
+    for (const auto& [location, uri] :
+         {std::pair{"C:\\Lang", "file:///C:/Lang"}, {"/usr/x", "file:///usr/x"}, {"file:///usr/x", "file:///usr/x"}})
+        EXPECT_EQ(text(CURI::fromLocation(location)->toString()), uri);
 
-TEST(URI, ResolveEscapesTheNameAsOneSegment)
-{
     P<IURI> file = CURI::fromLocalPath(u"C:\\Sprachdateien äöü\\日本\\")->resolve("A-de-DE.qorlang");
     EXPECT_EQ(text(file->toString()),
               "file:///C:/Sprachdateien%20%C3%A4%C3%B6%C3%BC/%E6%97%A5%E6%9C%AC/A-de-DE.qorlang");
     EXPECT_EQ(text(cast<CURI>(file)->getLocalPath(CURI::kWindowsPath)), "C:\\Sprachdateien äöü\\日本\\A-de-DE.qorlang");
     EXPECT_EQ(text(file->getName()), "A-de-DE.qorlang");
-
     // The folder's trailing "/" is supplied when missing; query and fragment belong to the
     // folder, not to the entry; a backslash is a character of the name.
     const P<CURI> share = CURI::fromLocalPath("/usr/share");
@@ -142,12 +129,9 @@ TEST(URI, ResolveEscapesTheNameAsOneSegment)
     EXPECT_EQ(resolved(CURI::fromLocalPath("/"), "x"), "file:///x");
     EXPECT_EQ(resolved(CURI::fromURIText("http://h/a/?q#f"), "b"), "http://h/a/b");
     EXPECT_EQ(resolved(CURI::fromURIText("http://h"), "b"), "http://h/b");
-
     const P<CURI> folder = CURI::fromLocalPath("/usr/share/");
-    for (const char* bad : {"", ".", "..", "a/b", "/x"}) {
-        SCOPED_TRACE(bad);
-        EXPECT_THROW(folder->resolve(bad), CInvalidArgError);
-    }
+    for (const char* bad : {"", ".", "..", "a/b", "/x"})
+        EXPECT_THROW(folder->resolve(bad), CInvalidArgError) << bad;
     EXPECT_EQ(descriptionOf<CInvalidArgError>([&] { folder->resolve("a/b"); }),
               "An invalid argument was passed to method 'CURI::resolve' of 'file:///usr/share/': name");
     EXPECT_THROW(CURI::fromURIText("mailto:someone@example.com")->resolve("x"), CURITypeNotSupportedError);

@@ -5,9 +5,6 @@
 #include "framework/objects/PC.h"
 #include "framework/objects/PFrail.h"
 
-#include <atomic>
-#include <thread>
-
 namespace kore_test {
 
 struct IFirst : virtual IBase {
@@ -17,7 +14,6 @@ struct ISecond : virtual IBase {
     virtual int second() const = 0;
 };
 
-// Counts destructions.
 struct CCounted : CObject, IFirst {
     static inline int destroyed = 0;
     ~CCounted() override { ++destroyed; }
@@ -48,11 +44,10 @@ struct CQuerying : CObject, IFirst {
     }
 };
 
-TEST(ObjectModel, CountingOwnershipAndSafeAssignment)
+TEST(ObjectModel, CountingOwnershipSafeAssignmentFrailPointersAndThreads)
 {
     CCounted::destroyed = 0;
     auto* raw = new CCounted;
-    EXPECT_EQ(raw->getRefCount(), 1);
     P<CCounted> owner = P<CCounted>::adopt(raw);
     {
         P<CCounted> copy = owner;
@@ -64,11 +59,9 @@ TEST(ObjectModel, CountingOwnershipAndSafeAssignment)
     // An instance wrapper keeps it alive when no pointer is left.
     IInstanceWrapper* wrapper = new CInstanceWrapper(raw);
     owner.reset();
-    EXPECT_EQ(raw->getRefCount(), 1);
     EXPECT_EQ(CCounted::destroyed, 0);
     wrapper->deleteThis();
     EXPECT_EQ(CCounted::destroyed, 1);
-
     // The only reference to the child is held by the parent: assigning the child over the
     // parent must keep the child alive.
     P<CCounted> p = make<CCounted>();
@@ -76,51 +69,34 @@ TEST(ObjectModel, CountingOwnershipAndSafeAssignment)
     p = p->child;
     EXPECT_EQ(CCounted::destroyed, 2);
     EXPECT_EQ(p->getRefCount(), 1);
-    EXPECT_EQ(p->first(), 1);
-}
 
-TEST(ObjectModel, CountIsParkedFarBelowZeroDuringDestruction)
-{
-    static std::vector<int32_t> seen;
-    struct CRecording : CObject {
-        ~CRecording() override
+    // During destruction the count is parked far below zero (where it stays), so that a pointer
+    // taken and dropped there cannot destroy the object a second time.
+    static int32_t seen = 0;
+    struct CResurrecting : CObject {
+        ~CResurrecting() override
         {
-            seen.push_back(getRefCount());
-            P<CRecording> self(this);
-            seen.push_back(getRefCount());
-            self.reset();
-            seen.push_back(getRefCount());
+            P<CResurrecting> self(this);
+            seen = self->getRefCount();
         }
     };
-    make<CRecording>();
-    EXPECT_EQ(seen, (std::vector<int32_t>{-1000000, -999999, -1000000}));
-}
+    make<CResurrecting>();
+    EXPECT_EQ(seen, -999999);
 
-TEST(ObjectModel, FrailPointersNeverTouchTheCountStrongOnesDoAndKeepWhatTheyHold)
-{
-    P<CCounted> owner = make<CCounted>();
-    CCounted* raw = owner.get();
+    // Frail pointers never touch the count, strong ones do, and both keep what they hold.
+    owner = make<CCounted>();
+    raw = owner.get();
     {
-        PFrail<CCounted> frail(raw, kFrail);
-        PFrail<CCounted> copy = frail;
-        PFrail<CCounted> assigned;
-        assigned = copy;
-        EXPECT_FALSE(assigned.isStrong());
-        EXPECT_EQ(raw->getRefCount(), 1);
-    }
-    EXPECT_EQ(raw->getRefCount(), 1);
-    {
-        PFrail<CCounted> strong(raw);
+        PFrail<CCounted> frail(raw, kFrail), assigned, strong(raw);
+        assigned = PFrail<CCounted>(frail);
         PFrail<CCounted> copy = strong;
-        EXPECT_EQ(raw->getRefCount(), 3);
-        PFrail<CCounted> frail(raw, kFrail);
+        EXPECT_EQ(raw->getRefCount() * 10 + assigned.isStrong(), 30);
         copy = frail; // takes over the frail flag and drops the strong reference it had
         EXPECT_EQ(raw->getRefCount(), 2);
     }
     EXPECT_EQ(raw->getRefCount(), 1);
     PFrail<CCounted> defaulted;
-    EXPECT_TRUE(defaulted.isStrong());
-    EXPECT_FALSE(defaulted);
+    EXPECT_TRUE(defaulted.isStrong() && !defaulted);
 
     // A chain whose nodes own the next one only through a strong frail pointer: walking it by
     // assignment frees each node as the walk leaves it, after its successor was taken.
@@ -129,12 +105,10 @@ TEST(ObjectModel, FrailPointersNeverTouchTheCountStrongOnesDoAndKeepWhatTheyHold
         CCounted::destroyed = 0;
         PFrail<CCounted> cur(new CCounted); // the node's first reference...
         cur->release(); // ...handed over to the pointer
-        CCounted* tail = cur.get();
-        for (int i = 1; i < 4; ++i) {
+        for (CCounted* tail = cur.get(); tail->value < 3; tail = tail->next.get()) {
             tail->next = PFrail<CCounted>(new CCounted);
             tail->next->release();
-            tail = tail->next.get();
-            tail->value = i;
+            tail->next->value = tail->value + 1;
         }
         for (int i = 1; i < 4; ++i) {
             cur = moving ? std::move(cur->next) : cur->next;
@@ -147,18 +121,16 @@ TEST(ObjectModel, FrailPointersNeverTouchTheCountStrongOnesDoAndKeepWhatTheyHold
     }
 }
 
-TEST(ObjectModel, CastFindsInterfacesAndNamesBothTypesWhenItCannot)
+TEST(ObjectModel, CastFindsInterfacesAsCastQueryDirectsAndNamesBothTypesWhenItCannot)
 {
     EXPECT_EQ(cast<IFirst>(static_cast<const IBase*>(nullptr)), nullptr);
-    EXPECT_EQ(tryCast<IFirst>(static_cast<const IBase*>(nullptr)), nullptr);
     P<CBoth> both = make<CBoth>();
     EXPECT_EQ(both->toString()->toUTF8(), "class kore_test::CBoth object");
-    P<ISecond> second = cast<ISecond>(static_cast<const IBase*>(static_cast<IFirst*>(both.get())));
-    EXPECT_EQ(second->second(), 20);
+    P<ISecond> sibling = cast<ISecond>(static_cast<const IBase*>(static_cast<IFirst*>(both.get())));
+    EXPECT_EQ(sibling->second(), 20);
     EXPECT_EQ(both->getRefCount(), 2) << "interfaces of one object share one count";
 
     P<CObject> plain = make<CObject>();
-    EXPECT_EQ(plain->toString()->toUTF8(), "class kore::CObject object");
     EXPECT_EQ(tryCast<IFirst>(plain), nullptr);
     // The one cast text with both type names filled in; the error class's texts are ErrorsTest's.
     expectThrown<CCastError>([&] { cast<IFirst>(plain); },
@@ -169,22 +141,17 @@ TEST(ObjectModel, CastFindsInterfacesAndNamesBothTypesWhenItCannot)
                                  EXPECT_STREQ(e.what(), message);
                                  EXPECT_EQ(e.getObject().get(), static_cast<IBase*>(plain.get()));
                              });
-}
 
-TEST(ObjectModel, CastQueryMayRefuseRedirectOrOfferCandidates)
-{
+    // castQuery may refuse, redirect or offer candidates.
     P<CQuerying> q = make<CQuerying>();
     q->refuse = true;
     EXPECT_EQ(tryCast<IFirst>(q), nullptr) << "not even to its own interface";
-    EXPECT_THROW(cast<IFirst>(q), CCastError);
-
     q->refuse = false;
     P<CBoth> target = make<CBoth>();
     q->redirect = static_cast<IFirst*>(target.get());
     // The object implements IFirst itself, but a followed redirect wins; unfollowed, the object
     // itself is tried.
     EXPECT_EQ(cast<IFirst>(q)->first(), 10);
-    EXPECT_EQ(tryCast<IFirst>(q, true)->first(), 10);
     EXPECT_EQ(tryCast<IFirst>(q, false)->first(), 99);
     // A redirect that cannot be cast is a failed cast, with no fallback to the object.
     P<CObject> dead = make<CObject>();
@@ -200,22 +167,17 @@ TEST(ObjectModel, CastQueryMayRefuseRedirectOrOfferCandidates)
     P<CQuerying> o = make<CQuerying>();
     o->candidates = &first;
     EXPECT_EQ(cast<ISecond>(o)->second(), 20);
-}
 
-// Threads share one object, count it up and down and drop their last references at about the
-// same time: no count is lost, and exactly one of them destroys the object.
-TEST(ObjectModel, CountingFromManyThreadsLosesNothingAndDestroysOnce)
-{
-    constexpr int kThreads = 4;
+    // Threads share one object, count it up and down and drop their last references at about the
+    // same time: no count is lost, and exactly one of them destroys the object.
     CCounted::destroyed = 0;
     std::vector<std::thread> threads;
     std::atomic<int> ready{0};
     {
         P<CCounted> shared = make<CCounted>();
-        for (int t = 0; t < kThreads; ++t) {
+        for (int t = 0; t < 4; ++t) {
             threads.emplace_back([&ready, mine = shared] {
-                ++ready;
-                while (ready < kThreads)
+                for (++ready; ready < 4;)
                     std::this_thread::yield();
                 for (int i = 0; i < 20000; ++i) {
                     P<CCounted> copy = mine;
@@ -224,7 +186,7 @@ TEST(ObjectModel, CountingFromManyThreadsLosesNothingAndDestroysOnce)
                 }
             });
         }
-        while (ready < kThreads)
+        while (ready < 4)
             std::this_thread::yield();
     }
     for (std::thread& t : threads)

@@ -2,10 +2,8 @@
 
 #include <chrono>
 #include <cstdlib>
-#include <cstring>
 #include <stdexcept>
 #include <thread>
-#include <vector>
 
 #include <signal.h>
 #include <spawn.h>
@@ -15,32 +13,21 @@ extern char** environ;
 
 namespace kore_test {
 
-namespace {
 constexpr char kParameterVariable[] = "QOR_TEST_CHILD_PARAMETER";
-}
 
 CChildProcess::CChildProcess(const std::string& testName, const std::string& parameter)
 {
     std::string args[] = {"/proc/self/exe", "--gtest_also_run_disabled_tests", "--gtest_filter=" + testName,
                           "--gtest_brief=1"};
     char* argv[] = {args[0].data(), args[1].data(), args[2].data(), args[3].data(), nullptr};
-    // This environment without our variable, then the variable with `parameter`.
-    std::string variable = std::string(kParameterVariable) + "=" + parameter;
-    std::vector<char*> envp;
-    for (char** e = environ; *e; ++e) {
-        if (std::strncmp(*e, kParameterVariable, sizeof(kParameterVariable) - 1) != 0)
-            envp.push_back(*e);
-    }
-    envp.insert(envp.end(), {variable.data(), nullptr});
+    // The child inherits the variable, which this process drops again at once.
+    setenv(kParameterVariable, parameter.c_str(), 1);
     pid_t pid;
-    if (posix_spawn(&pid, args[0].c_str(), nullptr, nullptr, argv, envp.data()) != 0)
+    const int rc = posix_spawn(&pid, args[0].c_str(), nullptr, nullptr, argv, environ);
+    unsetenv(kParameterVariable);
+    if (rc != 0)
         throw std::runtime_error("cannot start child process for " + testName);
     m_process = pid;
-}
-
-CChildProcess::~CChildProcess()
-{
-    kill();
 }
 
 int CChildProcess::wait(uint32_t timeoutMs)

@@ -1,6 +1,5 @@
-// The POSIX side of ModuleLoader.h and MutexTestSupport.h.
-#include "../ModuleLoader.h"
-#include "../MutexTestSupport.h"
+// The POSIX side of the module loader and the mutex-name clean-up of ChildProcess.h.
+#include "../ChildProcess.h"
 
 #include "framework/posix/CGlobalMutexImpl.h"
 
@@ -17,11 +16,6 @@ CModule::CModule(const std::string& fileName)
     const ssize_t n = readlink("/proc/self/exe", path, sizeof path - 1);
     const std::string exe(path, n > 0 ? static_cast<size_t>(n) : 0);
     m_handle = dlopen((exe.substr(0, exe.rfind('/') + 1) + fileName).c_str(), RTLD_NOW | RTLD_LOCAL);
-}
-
-CModule::~CModule()
-{
-    unload();
 }
 
 void* CModule::symbol(const char* name) const

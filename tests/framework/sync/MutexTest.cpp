@@ -1,18 +1,13 @@
 #include "ChildProcess.h"
 #include "FrameworkTest.h"
-#include "MutexTestSupport.h"
 
 #include "framework/errors/CException.h"
 #include "framework/sync/IMutex.h"
 #include "framework/sync/IMutexFactory.h"
 
-#include <atomic>
-#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <memory>
-#include <random>
-#include <thread>
 
 namespace kore_test {
 
@@ -24,7 +19,9 @@ namespace {
 const auto msSince = [](Clock::time_point start) {
     return std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start).count();
 };
-const auto globalMutex = [](const std::string& name) { return createMutexFactory()->createGlobalMutex(name.c_str()); };
+const auto globalMutex = [](const std::string& name) {
+    return createMutexFactory()->createGlobalMutex(CStringArg(name.data(), static_cast<uint32_t>(name.size())));
+};
 const auto fileFor = [](const std::string& name, const char* suffix) {
     return fs::temp_directory_path() / (name + suffix);
 };
@@ -71,30 +68,26 @@ void expectRecursive(IMutex& mutex)
 
 // --- Children, started by the tests below
 
-// Takes the mutex (twice, so that a recursion count dies with it), reports it held and waits to
-// be killed.
-TEST(MutexChild, DISABLED_HoldUntilKilled)
-{
-    const std::string name = childParameter();
-    P<IMutex> mutex = globalMutex(name);
-    mutex->lock();
-    mutex->lock();
-    std::ofstream(fileFor(name, ".held")) << "held";
-    std::this_thread::sleep_for(std::chrono::seconds(20));
-    ADD_FAILURE() << "the parent did not kill this child";
-}
-
 constexpr int kIncrementsPerChild = 200;
 
-TEST(MutexChild, DISABLED_CountUnderLock)
+// "hold:NAME" takes the mutex (twice, so that a recursion count dies with it), reports it held
+// and waits to be killed; "count:NAME" increments the number in a file under the lock.
+TEST(MutexChild, DISABLED_HoldOrCount)
 {
-    const std::string name = childParameter();
+    const std::string parameter = childParameter(), name = parameter.substr(parameter.find(':') + 1);
     P<IMutex> mutex = globalMutex(name);
-    for (int i = 0; i < kIncrementsPerChild; ++i) {
+    for (int i = 0; parameter.starts_with("count:") && i < kIncrementsPerChild; ++i) {
         CMutexLock guard(*mutex);
         int value = 0;
         std::ifstream(fileFor(name, ".count")) >> value;
         std::ofstream(fileFor(name, ".count"), std::ios::trunc) << value + 1;
+    }
+    if (parameter.starts_with("hold:")) {
+        mutex->lock();
+        mutex->lock();
+        std::ofstream(fileFor(name, ".held")) << "held";
+        std::this_thread::sleep_for(std::chrono::seconds(20));
+        ADD_FAILURE() << "the parent did not kill this child";
     }
 }
 
@@ -104,15 +97,14 @@ TEST(LocalMutex, IsRecursiveAndTryLockOnItHeldElsewhereFailsAtOnceWhateverTheTim
     expectRecursive(*mutex);
     CMutexLock guard(*mutex);
     const auto start = Clock::now();
-    bool got = true;
-    std::thread([&] { got = mutex->tryLock(5000); }).join();
-    EXPECT_FALSE(got);
+    std::thread([&] { EXPECT_FALSE(mutex->tryLock(5000)); }).join();
     EXPECT_LT(msSince(start), 1000);
 }
 
 // Handles on one name share ownership, also when one is dropped while held; names that differ
-// only in characters the system name escapes are different mutexes.
-TEST(GlobalMutex, IsRecursiveAndHandlesOnOneNameShareOwnership)
+// only in characters the system name escapes are different mutexes. Names the system cannot
+// take are refused with the creation message.
+TEST(GlobalMutex, OwnershipInOneProcess)
 {
     CTestName name, other;
     P<IMutex> first = globalMutex(name.str);
@@ -134,12 +126,15 @@ TEST(GlobalMutex, IsRecursiveAndHandlesOnOneNameShareOwnership)
     P<IMutex> slash = globalMutex(name.str + "/x");
     CMutexLock guard(*slash);
     EXPECT_TRUE(otherThreadGets(*globalMutex(name.str + "%2Fx")));
-}
+    for (const std::string& bad :
+         {std::string(), std::string("qor_test_nul\0inside", 19), std::string("qor_test\\no\\such\\namespace")}) {
+        const auto create = [&] { globalMutex(bad); };
+        EXPECT_EQ(descriptionOf<CException>(create), "Error createing global mutex " + bad) << bad.size() << " chars";
+    }
 
-TEST(GlobalMutex, TryLockWaitsForAReleaseWithinTheTimeout)
-{
-    CTestName name;
-    P<IMutex> mutex = globalMutex(name.str);
+    // A waiting tryLock gets the mutex when its owner lets go. A thread that ends holding the mutex
+    // leaves it to the next lock, and that one's thread, ending holding it in turn, to a tryLock.
+    const P<IMutex>& mutex = third;
     std::atomic<bool> held{false};
     std::thread owner([&] {
         CMutexLock guard(*mutex);
@@ -153,19 +148,13 @@ TEST(GlobalMutex, TryLockWaitsForAReleaseWithinTheTimeout)
     EXPECT_GE(msSince(start), 50);
     mutex->unlock();
     owner.join();
-}
 
-TEST(GlobalMutex, ThreadEndingWhileHoldingLeavesTheMutexToTheNextLockAndTryLock)
-{
-    CTestName name;
-    P<IMutex> mutex = globalMutex(name.str);
     std::thread([&] {
         mutex->lock();
         mutex->lock();
     }).join();
     mutex->lock();
     EXPECT_FALSE(otherThreadGets(*mutex)) << "lock returned without owning the mutex";
-    // The next thread waits for it, takes it and ends holding it; tryLock inherits it in turn.
     std::thread waiter([&] { mutex->lock(); });
     std::this_thread::sleep_for(std::chrono::milliseconds(20));
     mutex->unlock();
@@ -173,20 +162,6 @@ TEST(GlobalMutex, ThreadEndingWhileHoldingLeavesTheMutexToTheNextLockAndTryLock)
     ASSERT_TRUE(mutex->tryLock(0));
     EXPECT_FALSE(otherThreadGets(*mutex));
     mutex->unlock();
-}
-
-TEST(GlobalMutex, RejectedNamesThrowTheCreationMessage)
-{
-    for (const std::u16string& name : {std::u16string(), std::u16string(u"qor_test_nul\0inside", 19),
-                                       std::u16string(u"qor_test\\no\\such\\namespace")}) {
-        std::u16string description;
-        expectThrown<CException>(
-            [&] {
-                createMutexFactory()->createGlobalMutex(CStringArg(name.c_str(), static_cast<uint32_t>(name.size())));
-            },
-            [&](const CException& e) { description = e.getDescription()->toU16(); });
-        EXPECT_EQ(description, u"Error createing global mutex " + name) << name.size() << " units";
-    }
 }
 
 // --- Global mutex across processes
@@ -199,7 +174,7 @@ TEST(GlobalMutex, AnotherProcessHoldsTheMutexUntilItIsKilled)
         SCOPED_TRACE(byTryLock ? "tryLock" : "lock");
         CTestName name;
         P<IMutex> mutex = globalMutex(name.str);
-        CChildProcess owner("MutexChild.DISABLED_HoldUntilKilled", name.str);
+        CChildProcess owner("MutexChild.DISABLED_HoldOrCount", "hold:" + name.str);
         for (const auto start = Clock::now(); !fs::exists(fileFor(name.str, ".held"));) {
             ASSERT_LT(msSince(start), 20000) << "the child never took the mutex";
             std::this_thread::sleep_for(std::chrono::milliseconds(5));
@@ -225,8 +200,8 @@ TEST(GlobalMutex, ProcessesCountingUnderTheLockLoseNoUpdate)
 {
     // The children create the mutex of a fresh name at the same moment.
     CTestName name;
-    CChildProcess first("MutexChild.DISABLED_CountUnderLock", name.str);
-    CChildProcess second("MutexChild.DISABLED_CountUnderLock", name.str);
+    CChildProcess first("MutexChild.DISABLED_HoldOrCount", "count:" + name.str);
+    CChildProcess second("MutexChild.DISABLED_HoldOrCount", "count:" + name.str);
     EXPECT_EQ(first.wait(), 0);
     EXPECT_EQ(second.wait(), 0);
     int value = 0;

@@ -7,8 +7,6 @@
 #include "framework/values/CJsonParser.h"
 #include "framework/values/CJsonPrinter.h"
 
-#include <limits>
-
 namespace kore_test {
 
 namespace {
@@ -27,7 +25,7 @@ const auto text = [](std::string_view latin1) -> P<IBase> {
 
 } // namespace
 
-TEST(JsonPrinter, ScalarsAndEscapes)
+TEST(JsonPrinter, ScalarsEscapesObjectsAndArraysCompactAndPretty)
 {
     // clang-format off
     const std::pair<P<IBase>, const char*> rows[] = {
@@ -45,44 +43,24 @@ TEST(JsonPrinter, ScalarsAndEscapes)
         EXPECT_EQ(printed(value, true), compact);
     }
     EXPECT_THROW(printed(make<CObject>()), CInvalidArgError);
-}
 
-TEST(JsonPrinter, ObjectsAndArraysCompactAndPretty)
-{
-    auto map = make<CVariantMap>();
-    map->set("b", make<CBool>(true));
-    map->set("a", make<CInt>(1));
-    EXPECT_EQ(printed(map), R"({"a":1,"b":true})");
-    EXPECT_EQ(printed(map, true), "{\n\t\"a\": 1,\n\t\"b\": true\n}");
-
-    // Keys in code-point order, escaped like strings; nested values at the deeper indent.
-    auto array = make<CVariantArray>();
-    array->add(make<CVariantMap>());
-    array->add(make<CVariantArray>());
-    array->add(nullptr);
-    auto outer = make<CVariantMap>();
-    outer->set(u"\u00e9", make<CInt>(3));
-    outer->set("Z\"", array);
-    outer->set("a", map);
+    // Keys in code-point order, escaped like strings; nested values at the deeper indent. A
+    // failure leaves nothing half-printed, and the printer stays usable.
+    const P<IBase> outer = parsed(R"({"\u00e9":3,"Z\"":[{},[],null],"a":{"b":true,"a":1}})");
     EXPECT_EQ(printed(outer), R"({"Z\"":[{},[],null],"a":{"a":1,"b":true},"é":3})");
     EXPECT_EQ(printed(outer, true), "{\n\t\"Z\\\"\": [\n\t\t{\n\n\t\t},\n\t\t[\n\n\t\t],\n\t\tnull\n\t],\n"
                                     "\t\"a\": {\n\t\t\"a\": 1,\n\t\t\"b\": true\n\t},\n\t\"é\": 3\n}");
-    EXPECT_EQ(printed(make<CVariantMap>(), true), "{\n\n}");
-    EXPECT_EQ(printed(make<CVariantArray>(), true), "[\n\n]");
-
-    // A failure leaves nothing half-printed, and the printer stays usable.
     auto printer = make<CJsonPrinter>(true);
     std::u16string out = u"x";
-    array->add(make<CObject>());
+    cast<CVariantArray>(cast<CVariantMap>(outer)->get(u"Z\""))->add(make<CObject>());
     EXPECT_THROW(printer->print(outer.get(), out), CInvalidArgError);
     EXPECT_EQ(out, u"x");
-    EXPECT_EQ(printer->print(map.get())->toUTF8(), "{\n\t\"a\": 1,\n\t\"b\": true\n}");
-    EXPECT_TRUE(map->remove("b"));
-    EXPECT_FALSE(map->remove("b"));
-    EXPECT_EQ(printed(map), R"({"a":1})");
+    EXPECT_EQ(printer->print(cast<CVariantMap>(outer)->get("a").get())->toUTF8(), "{\n\t\"a\": 1,\n\t\"b\": true\n}");
+    EXPECT_TRUE(cast<CVariantMap>(outer)->remove("a"));
+    EXPECT_FALSE(cast<CVariantMap>(outer)->remove("a"));
 }
 
-TEST(JsonParser, NumberKinds)
+TEST(JsonParser, NumberKindsStringsAndStructure)
 {
     // clang-format off
     const std::pair<const char*, const char*> rows[] = {
@@ -90,18 +68,8 @@ TEST(JsonParser, NumberKinds)
         {"-2147483648", "int -2147483648"}, {"2147483648", "int64 2147483648"},
         {"-9223372036854775808", "int64 -9223372036854775808"}, {"9223372036854775808", "double 9.223372036854776e+18"},
         {"1.5", "double 1.5"}, {"1E2", "double 100.0"}, {"-1e-2", "double -0.01"}, {"0e+1", "double 0.0"},
-        {"1e-400", "double 0.0"}};
-    // clang-format on
-    for (const auto& [input, expected] : rows)
-        EXPECT_EQ(describe(parsed(input)), expected) << input;
-    EXPECT_EQ(describe(parsed("0." + std::string(65, '0') + "1e-300")), "double 0.0");
-}
-
-TEST(JsonParser, StringsAndStructure)
-{
-    // Escapes; surrogates without their partner; every UTF-8 character, also those led by E0 and F0.
-    // clang-format off
-    const std::pair<const char*, const char*> rows[] = {
+        {"1e-400", "double 0.0"},
+        // Escapes; surrogates without their partner; every UTF-8 character, also those led by E0 and F0.
         {R"("\"\\\/\b\f\n\r\t\u0041\u00e9")", "string '\"\\/\b\f\n\r\tA\u00e9'"}, {R"("\uD834\uDD1E")", "string '\U0001D11E'"},
         {R"("\uDD1E\uD834x\uD834\u0041")", "string '\uFFFD\uFFFDx\uFFFDA'"}, {R"("\uD834")", "string '\uFFFD'"},
         {"\"\u0928\u092e\u0938\u094d\u0924\u0947 \U0001F600 \u0800\"", "string '\u0928\u092e\u0938\u094d\u0924\u0947 \U0001F600 \u0800'"},
@@ -109,6 +77,7 @@ TEST(JsonParser, StringsAndStructure)
     // clang-format on
     for (const auto& [input, expected] : rows)
         EXPECT_EQ(describe(parsed(input)), expected) << input;
+    EXPECT_EQ(describe(parsed("0." + std::string(65, '0') + "1e-300")), "double 0.0");
     // Repeated keys keep the last value.
     EXPECT_EQ(printed(parsed(R"( { "b" : [ 1 , { } , [ ] ] , "a" : 1 , "a" : "x" } )")), R"({"a":"x","b":[1,{},[]]})");
 
@@ -116,7 +85,7 @@ TEST(JsonParser, StringsAndStructure)
     EXPECT_EQ(describe(make<CJsonParser>()->parse(u"[\"\U0001F600\"]")), "[string '\U0001F600']");
 }
 
-TEST(JsonParser, FailuresAndTheirMessages)
+TEST(JsonParser, FailuresTheirMessagesAndHostileInputThatThePrinterRefusesToo)
 {
     // clang-format off
     const std::pair<const char*, const char*> messages[] = {
@@ -125,27 +94,22 @@ TEST(JsonParser, FailuresAndTheirMessages)
         {R"("\u)", "stream size to small for reading unicode char"}, {R"("\u12G4")", "could not parse unicode escaped string"},
         {R"(["\uD834\u-123"])", "could not parse unicode escaped string"}, {"[1,]", "expected a value at character 3"},
         {"[1", "expected ',' or ']' in an array: the text ends at character 2"}};
-    const char* malformed[] = {"", " ", "[", "]", "{", "{\"a\"}", "{\"a\":1,}", "{a:1}", "{\"a\" 1}", "[1 2]", "01", "-", "1.",
-        ".5", "1e", "1e+", "+1", "0x10", "NaN", "Infinity", "nul", "nulL", "\"abc", "\"a\x01\"", "\"tab\there\"", "\"\\x\"",
-        "\"\\", "[1]x", "1 2", "'a'", "\xEF\xBB\xBF{}", "[\"\xC0\xAF\"]", "\"\xED\xA0\x80\"", "\"\xF4\x90\x80\x80\"",
-        "\"\xE0\xA4\"", "\"\xFF\"", "1e999", "-1e999"};
+    // Those the public JSON suite's "n_" files hold already are left to it.
+    const char* malformed[] = {"{\"a\"}", "{\"a\":1,}", "{a:1}", "{\"a\" 1}", "[1 2]", "01", ".5", "1e", "1e+", "0x10", "nulL",
+        "\"abc", "\"a\x01\"", "\"tab\there\"", "\"\\x\"", "\"\\", "1 2", "'a'", "\xEF\xBB\xBF{}", "[\"\xC0\xAF\"]",
+        "\"\xED\xA0\x80\"", "\"\xF4\x90\x80\x80\"", "\"\xE0\xA4\"", "\"\xFF\"", "1e999", "-1e999"};
     // clang-format on
     for (const auto& [input, message] : messages)
         EXPECT_EQ(parseFailure(input), message) << input;
     for (const char* input : malformed)
         EXPECT_THROW(parsed(input), CJsonParserError) << input;
-}
 
-TEST(JsonParser, HostileInputEndsInAParserError)
-{
     // The deepest nesting allowed parses; one level more fails, and so does nesting far beyond
     // what the stack could take by recursion.
     const auto nested = [](size_t depth, const char* open, const char* close) {
         std::string s;
-        for (size_t i = 0; i < depth; ++i)
-            s += open;
-        for (size_t i = 0; i < depth; ++i)
-            s += close;
+        for (size_t i = 0; i < 2 * depth; ++i)
+            s += i < depth ? open : close;
         return s;
     };
     EXPECT_NO_THROW(parsed(nested(CJsonParser::kMaxDepth, "[", "]")));
@@ -158,42 +122,20 @@ TEST(JsonParser, HostileInputEndsInAParserError)
     EXPECT_THROW(parsed(std::string(10000, '7')), CJsonParserError);
     EXPECT_EQ(describe(parsed("0." + std::string(10000, '3'))), "double 0.3333333333333333");
     EXPECT_EQ(describe(parsed("0." + std::string(10000, '0') + "1")), "double 0.0");
-}
 
-TEST(JsonPrinter, NestingBeyondWhatTheParserReadsIsRefused)
-{
-    // Built in code, so no parser limited it; a map that holds itself would never end.
-    const auto nestedArrays = [](uint32_t depth) {
-        P<CVariantArray> outer = make<CVariantArray>();
-        for (uint32_t i = 1; i < depth; ++i) {
-            P<CVariantArray> next = make<CVariantArray>();
-            next->add(outer);
-            outer = next;
-        }
-        return P<IBase>(outer);
-    };
-    EXPECT_EQ(printed(parsed(printed(nestedArrays(CJsonParser::kMaxDepth)))),
-              std::string(CJsonParser::kMaxDepth, '[') + std::string(CJsonParser::kMaxDepth, ']'));
+    // The printer refuses what the parser would: deeper nesting (built in code, so no parser
+    // limited it), and a map that holds itself, which would never end.
+    const std::string deepest = nested(CJsonParser::kMaxDepth, "[", "]");
+    EXPECT_EQ(printed(parsed(deepest)), deepest);
+    auto deeper = make<CVariantArray>();
+    deeper->add(parsed(deepest));
     std::u16string out = u"kept";
-    EXPECT_THROW(make<CJsonPrinter>(true)->print(nestedArrays(CJsonParser::kMaxDepth + 1).get(), out),
-                 CInvalidArgError);
+    EXPECT_THROW(make<CJsonPrinter>(true)->print(deeper.get(), out), CInvalidArgError);
     EXPECT_EQ(out, u"kept");
-
     P<CVariantMap> self = make<CVariantMap>();
     self->set(u"me", self);
     EXPECT_THROW(printed(self), CInvalidArgError);
     self->clear(); // breaks the cycle, so the map can be freed
-}
-
-TEST(JsonParser, PrintedTextReadsBackTheSame)
-{
-    const char* document = R"({"list":[1,-2147483649,0.5,-1e-07,-0.0,100000.0,1e300,true,false,null,"",[],{}],)"
-                           R"("text":"\\ \"q\" \n\t/ \u00e9\u0928\ud83d\ude00","nested":{"k":{"k":[[[]]]}}})";
-    for (bool pretty : {false, true}) {
-        const std::string once = printed(parsed(document), pretty);
-        EXPECT_EQ(printed(parsed(once), pretty), once);
-        EXPECT_EQ(printed(parsed(once), !pretty), printed(parsed(document), !pretty));
-    }
 }
 
 } // namespace kore_test

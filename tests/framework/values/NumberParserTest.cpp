@@ -7,7 +7,7 @@
 
 namespace kore_test {
 
-TEST(NumberParser, IntegersInEveryBaseAndFloatingPoint)
+TEST(NumberParser, IntegersInEveryBaseFloatingPointAndFailures)
 {
     // clang-format off
     const struct {
@@ -32,11 +32,7 @@ TEST(NumberParser, IntegersInEveryBaseAndFloatingPoint)
     EXPECT_TRUE(std::signbit(CNumberParser::parseDouble("-0")));
     EXPECT_TRUE(std::isnan(CNumberParser::parseDouble("nan")));
     EXPECT_TRUE(std::isnan(CNumberParser::parseDouble("-nan")));
-}
-
-// The whole text must be the number: no spaces, prefixes, stray characters, overflow or underflow.
-TEST(NumberParser, Failures)
-{
+    // The whole text must be the number: no spaces, prefixes, stray characters, overflow or underflow.
     const auto failure = [](auto parse) { return descriptionOf<CParseError>(parse); };
     for (const char* text : {"", "-", "+", " 1", "1 ", "1x", "12a", "0x10", "--1", "+-1", "1.0", "9223372036854775808",
                              "-9223372036854775809", "\xB2" /* Latin-1 superscript 2 */})
@@ -46,8 +42,9 @@ TEST(NumberParser, Failures)
         EXPECT_EQ(failure([&] { CNumberParser::parseUInt64(text); }), "Error parsing integer.") << text;
     EXPECT_THROW(CNumberParser::parseInt64("1", 1), CInvalidArgError);
     EXPECT_THROW(CNumberParser::parseUInt64("1", 37), CInvalidArgError);
-    for (const char* text : {"", "-", ".", "e5", ".e5", "1e", "1e+", " 1", "1 ", "1,5", "0x10", "1.2.3", "infinit",
-                             "nan(1)", "1e400", "-1e400", "1e-400", "--1", "1\xE2\x80\xAF"})
+    for (const char* text : {"",          "-",      ".",     "e5",     ".e5",    "1e",      "1e+",
+                             " 1",        "1 ",     "1,5",   "0x10",   "1.2.3",  "infinit", "nan(123)",
+                             "-nan(123)", "nan(1)", "1e400", "-1e400", "1e-400", "--1",     "1\xE2\x80\xAF"})
         EXPECT_EQ(failure([&] { CNumberParser::parseDouble(CString::fromUTF8(text)); }),
                   "Error parsing floating point value.")
             << text;

@@ -4,16 +4,12 @@
 #include "TempFolder.h"
 #include "VariantTestSupport.h"
 
-#include "framework/errors/CFileNotFoundError.h"
-#include "framework/errors/CURITypeNotSupportedError.h"
-#include "framework/io/CURI.h"
+#include "framework/values/CJsonParser.h"
 #include "framework/values/CNull.h"
 #include "framework/values/IValueStore.h"
-#include "framework/values/IValueStoreFactory.h"
 #include "framework/values/IValueStoreManager.h"
 
 #include <cmath>
-#include <limits>
 
 namespace kore_test {
 
@@ -25,14 +21,7 @@ P<IValueStore> storeFor(const CTempFolder& folder, const std::string& name)
 }
 
 // Entries in the folder, by name.
-std::vector<std::string> folderContent(const CTempFolder& folder)
-{
-    std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(folder.path()))
-        names.push_back(utf8FromPath(entry.path().filename()));
-    std::sort(names.begin(), names.end());
-    return names;
-}
+const auto folderContent = [](const CTempFolder& folder) { return names(folder.uri(), "*"); };
 
 } // namespace
 
@@ -48,22 +37,17 @@ TEST(ValueList, TypedValuesAndSwap)
     EXPECT_EQ(describe(*list), "list{flag=false;large=int64 1099511627776;nested=list{};real=double 0.25;"
                                "small=int -5;text=string '\u00e9';}");
     EXPECT_EQ(list->getInteger("large"), int64_t{1} << 40);
-    EXPECT_EQ(list->getDouble("small"), -5.0);
+    EXPECT_EQ(list->getDouble("small"), -5.0) << "an integer reads as a double, not the reverse";
     EXPECT_EQ(list->getBool("flag"), false);
-    EXPECT_EQ(list->getInteger("real"), std::nullopt);
-    EXPECT_EQ(list->getBool("text"), std::nullopt);
-    EXPECT_EQ(list->getDouble("missing"), std::nullopt);
     EXPECT_NE(list->getList("nested"), nullptr);
-    EXPECT_EQ(list->getList("text"), nullptr);
+    EXPECT_FALSE(list->getInteger("real") || list->getBool("text") || list->getDouble("missing") ||
+                 list->getList("text"));
 
     auto other = make<CValueList>();
     other->setBool("only", true);
     list->swap(*other);
     EXPECT_EQ(describe(*list), "list{only=true;}");
-    EXPECT_EQ(other->getCount(), 6u);
     EXPECT_EQ(other->peekString("text")->toUTF8(), "\u00e9");
-
-    // Absent, present, and strings told from other values.
     auto object = make<CObject>();
     other->set(u"text", object);
     EXPECT_EQ(other->get("text"), object);
@@ -75,53 +59,34 @@ TEST(ValueList, TypedValuesAndSwap)
     EXPECT_EQ(object->getRefCount(), 1);
 }
 
-TEST(ValueStore, ManagerChoosesByExtension)
+// The manager chooses the store by the extension, whatever its case.
+TEST(ValueStore, RoundTripsKeepEveryValueAndFailuresLoseNone)
 {
-    CTempFolder folder;
-    P<IValueStoreManager>& manager = IValueStoreManager::instance();
-    EXPECT_NE(manager->getFactory(".JSON"), nullptr);
-    EXPECT_NE(manager->getFactory(".xml"), nullptr);
-    EXPECT_THROW(storeFor(folder, "values.ini"), CURITypeNotSupportedError);
-    EXPECT_THROW(storeFor(folder, "json"), CURITypeNotSupportedError);
-    const P<IValueStore> store = storeFor(folder, "Values.Json");
-    EXPECT_TRUE(store->getURI()->toString()->endsWith("Values.Json"));
-    EXPECT_EQ(store->getValueList()->getCount(), 0u);
-}
-
-TEST(ValueStore, RoundTripsKeepEveryValue)
-{
-    for (const std::string extension : {"json", "xml"}) {
+    for (const std::string extension : {"JSON", "xml"}) {
         SCOPED_TRACE(extension);
         CTempFolder folder;
+        for (const char* unsupported : {"values.ini", "json"})
+            EXPECT_THROW(storeFor(folder, unsupported), CURITypeNotSupportedError);
         const std::string name = "v\u00e4lues." + extension;
         const P<IValueStore> store = storeFor(folder, name);
         CValueList& list = *store->getValueList();
-        list.setString("title", u"Gr\u00fc\u00dfe \u0928\u092e\u0938\u094d\u0924\u0947 \U0001F600 \u0800 <&>\"'");
-        list.setString("lines", " two\n\tlines \\ ");
-        list.setString("", "");
-        list.setString("control", "a\x01"
-                                  "b\x1f\r\b\f");
-        list.setString("spaces", " \t\n");
+        // clang-format off
+        for (const auto& [key, value] : {std::pair{"title", "Gr\u00fc\u00dfe \u0928\u0947 \U0001F600 \u0800 <&>\"'"},
+                 {"lines", " two\n\tlines \\ "}, {"", ""}, {"control", "a\x01" "b\x1f\r\b\f"}, {"spaces", " \t\n"}})
+            list.setString(key, CString::fromUTF8(value));
+        for (const auto& [key, value] : {std::pair{"pi", 3.141592653589793}, {"tiny", 5e-324}, {"two", 2.0},
+                 {"big", -1.7976931348623157e308}})
+            list.setDouble(key, value);
+        // clang-format on
         list.setInteger("int", std::numeric_limits<int32_t>::min());
         list.setInteger("int64", std::numeric_limits<int64_t>::min());
-        list.setDouble("pi", 3.141592653589793);
-        list.setDouble("tiny", 5e-324);
-        list.setDouble("two", 2.0);
-        list.setDouble("big", -1.7976931348623157e308);
         list.setBool("yes", true);
         list.set("none", make<CNull>());
         auto nested = make<CValueList>();
         nested->setString(u"\u043a\u043b\u044e\u0447", u"\u0437\u043d\u0430\u0447\u0435\u043d\u0438\u0435");
         nested->set("deeper", make<CValueList>());
         list.set("nested", nested);
-        auto map = make<CVariantMap>();
-        map->set("a", make<CDouble>(0.1));
-        auto array = make<CVariantArray>();
-        array->add(make<CInt>(1));
-        array->add(CString::fromUTF8("x"));
-        array->add(map);
-        array->add(make<CVariantArray>());
-        list.set("array", array);
+        list.set("array", make<CJsonParser>()->parseUTF8(R"([1,"x",{"a":0.1},[]])"));
 
         store->store();
         EXPECT_EQ(folderContent(folder), std::vector<std::string>{name});
@@ -136,20 +101,11 @@ TEST(ValueStore, RoundTripsKeepEveryValue)
         again->load();
         EXPECT_EQ(describe(*again->getValueList()), "list{only=int 1;}");
         EXPECT_EQ(folderContent(folder), std::vector<std::string>{name});
-    }
-}
 
-TEST(ValueStore, FailuresLoseNoData)
-{
-    for (const std::string extension : {"json", "xml"}) {
-        SCOPED_TRACE(extension);
-        const bool json = extension == "json";
-        CTempFolder folder;
-        const std::string name = "store." + extension;
-        const P<IValueStore> store = storeFor(folder, name);
-        CValueList& list = *store->getValueList();
+        std::filesystem::remove(folder.path(name));
+        list.clear();
         list.setString("kept", "yes");
-
+        const bool json = extension == "JSON";
         // A missing file, and files that do not parse, leave the list as it was.
         EXPECT_THROW(store->load(), CFileNotFoundError);
         // Cut short, not a list, an unnamed entry or bad UTF-8, a value of the wrong form.

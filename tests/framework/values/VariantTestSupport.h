@@ -26,15 +26,14 @@ inline std::string describe(IBase& value)
     std::string out;
     if (auto* list = tryCast<CValueList>(&value)) {
         list->forEach(collect);
-        out = "list";
+        out = "list{";
     } else if (auto* map = tryCast<CVariantMap>(&value)) {
         map->forEach(collect);
-        out = "map";
+        out = "map{";
     } else if (auto* array = tryCast<CVariantArray>(&value)) {
-        out = "[";
         for (uint32_t i = 0; i < array->getCount(); ++i)
             out += (i ? "," : "") + describe(*array->get(i));
-        return out + "]";
+        return "[" + out + "]";
     } else if (auto* text = tryCast<IString>(&value)) {
         return "string '" + text->toUTF8() + "'";
     } else if (auto* i32 = tryCast<CInt>(&value)) {
@@ -43,12 +42,10 @@ inline std::string describe(IBase& value)
         return "int64 " + std::to_string(i64->getValue());
     } else if (auto* real = tryCast<CDouble>(&value)) {
         return "double " + real->toExactString()->toUTF8();
-    } else if (auto* flag = tryCast<CBool>(&value)) {
-        return flag->getValue() ? "true" : "false";
     } else {
-        return tryCast<CNull>(&value) ? "null" : "?";
+        auto* flag = tryCast<CBool>(&value);
+        return flag ? (flag->getValue() ? "true" : "false") : tryCast<CNull>(&value) ? "null" : "?";
     }
-    out += "{";
     for (const auto& [key, member] : members)
         out += key + "=" + member + ";";
     return out + "}";

@@ -17,49 +17,27 @@ std::wstring widen(const std::string& utf8)
     return std::filesystem::path(std::u8string(utf8.begin(), utf8.end())).wstring();
 }
 
-// This process's environment without our variable, then the variable with `parameter`.
-std::vector<wchar_t> childEnvironment(const std::string& parameter)
-{
-    std::vector<wchar_t> block;
-    const std::wstring prefix = std::wstring(kParameterVariable) + L"=";
-    wchar_t* strings = GetEnvironmentStringsW();
-    for (const wchar_t* entry = strings; *entry; entry += wcslen(entry) + 1) {
-        if (wcsncmp(entry, prefix.c_str(), prefix.size()) != 0)
-            block.insert(block.end(), entry, entry + wcslen(entry) + 1);
-    }
-    FreeEnvironmentStringsW(strings);
-    const std::wstring ours = prefix + widen(parameter);
-    block.insert(block.end(), ours.c_str(), ours.c_str() + ours.size() + 1);
-    block.push_back(L'\0');
-    return block;
-}
-
 } // namespace
 
 CChildProcess::CChildProcess(const std::string& testName, const std::string& parameter)
 {
-    std::vector<wchar_t> path(MAX_PATH);
-    DWORD length;
-    while ((length = GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()))) == path.size())
-        path.resize(path.size() * 2);
-    const std::wstring exe(path.data(), length);
+    std::vector<wchar_t> path(32768); // the longest path Windows has
+    const std::wstring exe(path.data(), GetModuleFileNameW(nullptr, path.data(), 32768));
     std::wstring commandLine =
         L"\"" + exe + L"\" --gtest_also_run_disabled_tests --gtest_filter=" + widen(testName) + L" --gtest_brief=1";
-    std::vector<wchar_t> environment = childEnvironment(parameter);
 
     STARTUPINFOW startup{};
     startup.cb = sizeof(startup);
     PROCESS_INFORMATION info{};
-    if (!CreateProcessW(exe.c_str(), commandLine.data(), nullptr, nullptr, FALSE, CREATE_UNICODE_ENVIRONMENT,
-                        environment.data(), nullptr, &startup, &info))
+    // The child inherits the variable, which this process drops again at once.
+    SetEnvironmentVariableW(kParameterVariable, widen(parameter).c_str());
+    const BOOL started =
+        CreateProcessW(exe.c_str(), commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &info);
+    SetEnvironmentVariableW(kParameterVariable, nullptr);
+    if (!started)
         throw std::runtime_error("cannot start child process for " + testName);
     CloseHandle(info.hThread);
     m_process = reinterpret_cast<intptr_t>(info.hProcess);
-}
-
-CChildProcess::~CChildProcess()
-{
-    kill();
 }
 
 int CChildProcess::wait(uint32_t timeoutMs)

@@ -1,20 +1,13 @@
-// The Windows side of ModuleLoader.h and MutexTestSupport.h.
-#include "../ModuleLoader.h"
-#include "../MutexTestSupport.h"
+// The Windows side of the module loader and the mutex-name clean-up of ChildProcess.h.
+#include "../ChildProcess.h"
 
 #include <windows.h>
 
 namespace kore_test {
 
-CModule::CModule(const std::string& fileName)
+// A bare file name: Windows looks next to the program first.
+CModule::CModule(const std::string& fileName) : m_handle(LoadLibraryA(fileName.c_str()))
 {
-    // A bare file name: Windows looks next to the program first.
-    m_handle = LoadLibraryA(fileName.c_str());
-}
-
-CModule::~CModule()
-{
-    unload();
 }
 
 void* CModule::symbol(const char* name) const

@@ -1,12 +1,7 @@
 // What only Windows does: the ANSI code page, names whatever their case, long and relative paths.
-#include "../FolderNames.h"
 #include "../FrameworkTest.h"
 #include "../TempFolder.h"
 
-#include "framework/io/CURI.h"
-#include "framework/io/IInStream.h"
-#include "framework/io/IStreamManager.h"
-#include "framework/io/ISystem.h"
 #include "framework/text/CCPCharEncoding.h"
 #include "framework/text/CCPString.h"
 
@@ -32,10 +27,11 @@ uint32_t decode(uint32_t byte)
 
 } // namespace
 
-// Decoding goes through the ANSI code page, encoding through the C runtime's current locale. In
-// the "C" locale the runtime writes exactly the code points below 256, one byte each, and
-// nothing else: bytes that decode into that range round-trip, the others cannot be written back.
-TEST(CodePageWin32, EncodingFollowsTheRuntimeLocale)
+// Decoding goes through the ANSI code page (Windows-1252 as the charts say, where it is that),
+// encoding through the C runtime's current locale. In the "C" locale the runtime writes exactly
+// the code points below 256, one byte each, and nothing else: bytes that decode into that range
+// round-trip, the others cannot be written back.
+TEST(CodePageWin32, DecodingFollowsTheANSICodePageAndEncodingTheRuntimeLocale)
 {
     const ICharEncoding& page = *CCPCharEncoding::instance();
     EXPECT_EQ(page.getMaxCharSize(), static_cast<uint32_t>(MB_CUR_MAX));
@@ -49,10 +45,6 @@ TEST(CodePageWin32, EncodingFollowsTheRuntimeLocale)
     // What the "C" locale cannot write, such as the euro sign and U+4E00, is dropped.
     const CCPString text(CUTF16String(u"A\u20AC\u00E9\u4E00"));
     EXPECT_EQ(std::string(reinterpret_cast<const char*>(text.getBuffer()), text.getByteLength()), "A\xE9");
-}
-
-TEST(CodePageWin32, Windows1252AsTheChartsSay)
-{
     if (GetACP() != 1252)
         GTEST_SKIP() << "ANSI code page is " << GetACP();
     for (uint32_t b = 0; b < 256; ++b) {
@@ -63,8 +55,9 @@ TEST(CodePageWin32, Windows1252AsTheChartsSay)
     }
 }
 
-// Names are equal whatever their case; enumeration, the existence test and opening agree.
-TEST(Win32Services, LetterCaseIsIgnored)
+// Names are equal whatever their case; enumeration, the existence test and opening agree. Long
+// and relative paths work.
+TEST(Win32Services, LetterCaseIsIgnoredAndLongAndRelativePathsWork)
 {
     EXPECT_EQ(CURI::fromLocalPath("C:/Lang/x")->getLocalPath()->toUTF8(), "C:\\Lang\\x") << "the native form";
     CTempFolder temp;
@@ -76,25 +69,23 @@ TEST(Win32Services, LetterCaseIsIgnored)
     EXPECT_EQ(names(folder, "case*"), std::vector<std::string>{"Case.txt"});
     EXPECT_TRUE(ISystem::instance()->fileExists(*folder->resolve("CASE.TXT")));
     P<IStream> stream = IStreamManager::instance()->openURI(*folder->resolve("cAsE.tXt"), IStreamManager::kRead);
-    char text[5] = {};
+    char text[6] = {};
     cast<IInStream>(stream)->read(text, 5);
-    EXPECT_EQ(std::string(text, 5), "upper");
-}
+    EXPECT_STREQ(text, "upper");
 
-TEST(Win32Services, RelativeAndLongFolderPaths)
-{
-    CTempFolder temp;
     // A path longer than MAX_PATH works through the "\\?\" form.
     std::string deep = "sub";
     while (deep.size() < 300)
         deep += "/Sprachdateien äöü 日本";
     temp.makeFolder(deep);
     temp.writeFile(deep + "/A-de-DE.qorlang", "deep");
-    const P<IURI> folder = temp.uri(deep);
-    EXPECT_TRUE(ISystem::instance()->fileExists(*folder->resolve("A-de-DE.qorlang")));
-    EXPECT_EQ(names(folder, "A-*.qorlang"), std::vector<std::string>{"A-de-DE.qorlang"});
-    P<IStream> stream = IStreamManager::instance()->openURI(*folder->resolve("A-de-DE.qorlang"), IStreamManager::kRead);
-    EXPECT_EQ(stream->getLength(), 4);
+    const P<IURI> deepFolder = temp.uri(deep);
+    EXPECT_TRUE(ISystem::instance()->fileExists(*deepFolder->resolve("A-de-DE.qorlang")));
+    EXPECT_EQ(names(deepFolder, "A-*.qorlang"), std::vector<std::string>{"A-de-DE.qorlang"});
+    EXPECT_EQ(IStreamManager::instance()
+                  ->openURI(*deepFolder->resolve("A-de-DE.qorlang"), IStreamManager::kRead)
+                  ->getLength(),
+              4);
 
     // "." and ".." are resolved by the system.
     const P<IURI> dotted = IPathes::instance()->folderPathToURI(CString::fromUTF8(temp.utf8("sub") + "\\.\\..\\sub"));
