@@ -22,16 +22,21 @@ std::vector<int> ids(const TSimpleArray<P<CItem>>& a)
     return out;
 }
 
-// Elements inserted from the array's own
-// buffer survive the growth that frees it; removal and shrinking drop exactly the references of
+// Elements inserted from the array's own buffer survive the growth that frees it; removal and shrinking drop exactly the references of
 // the elements they take out.
 TEST(SimpleArray, GrowthBadPositionsAndReferences)
 {
     auto b = make<TSimpleArray<int>>(16);
     const std::vector<int> many(40, 7);
+    // Growth is linear, to the larger of need and grow step.
+    std::vector<int32_t> capacities;
     b->insert(0, many.data(), 20);
+    capacities.push_back(b->getCapacity());
     b->add(1);
+    capacities.push_back(b->getCapacity());
     b->insert(0, many.data(), 40);
+    capacities.push_back(b->getCapacity());
+    EXPECT_EQ(capacities, (std::vector<int32_t>{20, 36, 61}));
     EXPECT_EQ((*b)[60], 1);
     const std::function<void()> bad[] = {[&] { (*b)[-1]; }, [&] { b->insert(62, 5); }, [&] { b->remove(60, 2); },
                                          [&] { b->setCapacity(-1); },
