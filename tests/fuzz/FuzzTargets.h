@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <exception>
+#include <ostream>
 
 namespace qor_fuzz {
 
@@ -43,6 +44,11 @@ struct FuzzTarget {
     const char* name;
     void (*run)(const uint8_t* data, size_t size);
 };
+// CTest names carry the printed parameter: the name, not the bytes of two pointers.
+inline void PrintTo(const FuzzTarget& target, std::ostream* out)
+{
+    *out << target.name;
+}
 
 #define QOR_FUZZ_ENTRY_OF(name, body) {#name, body},
 inline constexpr FuzzTarget kFuzzTargets[] = {QOR_FUZZ_TARGETS(QOR_FUZZ_ENTRY_OF)};
