@@ -261,6 +261,10 @@ TEST(StringFormat, LiteralTextArgumentsStringsAndCharacters)
     EXPECT_EQ(utf8(formatString("%d %c %c", U'A', 66, 0x20ACu)), "65 B \xE2\x82\xAC");
     // Every character type is a character; plain char reads as Latin-1, not as a negative number.
     EXPECT_EQ(utf8(formatString("%c%c%c", '\xE9', u'\u00E9', U'\u00E9')), "\xC3\xA9\xC3\xA9\xC3\xA9");
+    // ... and so none fills a floating-point field, as an integer would.
+    for (const auto& push : {+[] { formatString("%f", 'A'); }, +[] { formatString("%f", u'A'); },
+                             +[] { formatString("%f", U'A'); }, +[] { formatString("%f", L'A'); }})
+        EXPECT_THROW(push(), CInvalidArgError);
     // A floating-point field takes integers, unsigned ones by their unsigned value.
     EXPECT_EQ(utf8(formatString("%.0f %.0f", -3, UINT64_MAX)), "-3 18446744073709551616");
 }
