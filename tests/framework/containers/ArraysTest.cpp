@@ -5,6 +5,7 @@
 #include "framework/containers/TSimpleArray.h"
 
 #include <algorithm>
+#include <stdexcept>
 
 namespace {
 
@@ -65,6 +66,44 @@ TEST(SimpleArray, GrowthBadPositionsAndReferences)
     EXPECT_EQ(std::pair(items[2]->getRefCount(), items[1]->getRefCount()), std::pair(2, 1));
     a = nullptr;
     EXPECT_EQ(items[2]->getRefCount(), 1);
+}
+
+// Copy assignment throws for one marked value; moves never throw.
+struct CFragile {
+    static inline int poison = -1;
+    int v = 0;
+    CFragile() noexcept = default;
+    CFragile(int v) noexcept : v(v) {}
+    CFragile(const CFragile&) = default;
+    CFragile(CFragile&&) noexcept = default;
+    CFragile& operator=(CFragile&&) noexcept = default;
+    CFragile& operator=(const CFragile& o)
+    {
+        if (o.v == poison)
+            throw std::runtime_error("poisoned copy");
+        v = o.v;
+        return *this;
+    }
+};
+
+// An element whose copy throws, in an insertion or a reallocation, leaves the array as it was.
+TEST(SimpleArray, ThrowingAssignmentLeavesTheArrayUnchanged)
+{
+    auto a = make<TSimpleArray<CFragile>>(4);
+    for (int i = 1; i <= 4; ++i)
+        a->add(CFragile(i));
+    const CFragile incoming[3] = {10, 11, 12};
+    CFragile::poison = 11;
+    EXPECT_THROW(a->insert(1, incoming, 3), std::runtime_error);
+    const int32_t capacity = a->getCapacity(); // the growth itself succeeded and may stay
+    CFragile::poison = 3;
+    EXPECT_THROW(a->setCapacity(capacity * 2), std::runtime_error);
+    CFragile::poison = -1;
+    EXPECT_EQ(a->getCapacity(), capacity);
+    std::vector<int> values;
+    for (int i = 0; i < a->getCount(); ++i)
+        values.push_back((*a)[i].v);
+    EXPECT_EQ(values, (std::vector<int>{1, 2, 3, 4}));
 }
 
 TEST(CleaningSimpleArray, RemovalDuringAWalkEmptiesTheSlotAndCleansAfterwards)
