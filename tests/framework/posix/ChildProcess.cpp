@@ -2,8 +2,10 @@
 
 #include <chrono>
 #include <cstdlib>
+#include <cstring>
 #include <stdexcept>
 #include <thread>
+#include <vector>
 
 #include <signal.h>
 #include <spawn.h>
@@ -20,12 +22,16 @@ CChildProcess::CChildProcess(const std::string& testName, const std::string& par
     std::string args[] = {"/proc/self/exe", "--gtest_also_run_disabled_tests", "--gtest_filter=" + testName,
                           "--gtest_brief=1"};
     char* argv[] = {args[0].data(), args[1].data(), args[2].data(), args[3].data(), nullptr};
-    // The child inherits the variable, which this process drops again at once.
-    setenv(kParameterVariable, parameter.c_str(), 1);
+    // This environment without our variable, then the variable with `parameter`: built apart, so
+    // that this process's own environment (its own parameter, if it is a child) stays untouched.
+    std::string variable = std::string(kParameterVariable) + "=" + parameter;
+    std::vector<char*> envp;
+    for (char** e = environ; *e; ++e)
+        if (std::strncmp(*e, kParameterVariable, sizeof(kParameterVariable) - 1) != 0)
+            envp.push_back(*e);
+    envp.insert(envp.end(), {variable.data(), nullptr});
     pid_t pid;
-    const int rc = posix_spawn(&pid, args[0].c_str(), nullptr, nullptr, argv, environ);
-    unsetenv(kParameterVariable);
-    if (rc != 0)
+    if (posix_spawn(&pid, args[0].c_str(), nullptr, nullptr, argv, envp.data()) != 0)
         throw std::runtime_error("cannot start child process for " + testName);
     m_process = pid;
 }

@@ -1,5 +1,6 @@
 #include "../ChildProcess.h"
 
+#include <cwchar>
 #include <filesystem>
 #include <stdexcept>
 #include <vector>
@@ -17,6 +18,23 @@ std::wstring widen(const std::string& utf8)
     return std::filesystem::path(std::u8string(utf8.begin(), utf8.end())).wstring();
 }
 
+// This process's environment without our variable, then the variable with `parameter`: built
+// apart, so that this process's own environment (its own parameter, if it is a child) stays untouched.
+std::vector<wchar_t> childEnvironment(const std::string& parameter)
+{
+    std::vector<wchar_t> block;
+    const std::wstring prefix = std::wstring(kParameterVariable) + L"=";
+    wchar_t* strings = GetEnvironmentStringsW();
+    for (const wchar_t* entry = strings; *entry; entry += wcslen(entry) + 1)
+        if (wcsncmp(entry, prefix.c_str(), prefix.size()) != 0)
+            block.insert(block.end(), entry, entry + wcslen(entry) + 1);
+    FreeEnvironmentStringsW(strings);
+    const std::wstring ours = prefix + widen(parameter);
+    block.insert(block.end(), ours.c_str(), ours.c_str() + ours.size() + 1);
+    block.push_back(L'\0');
+    return block;
+}
+
 } // namespace
 
 CChildProcess::CChildProcess(const std::string& testName, const std::string& parameter)
@@ -29,12 +47,9 @@ CChildProcess::CChildProcess(const std::string& testName, const std::string& par
     STARTUPINFOW startup{};
     startup.cb = sizeof(startup);
     PROCESS_INFORMATION info{};
-    // The child inherits the variable, which this process drops again at once.
-    SetEnvironmentVariableW(kParameterVariable, widen(parameter).c_str());
-    const BOOL started =
-        CreateProcessW(exe.c_str(), commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &info);
-    SetEnvironmentVariableW(kParameterVariable, nullptr);
-    if (!started)
+    std::vector<wchar_t> environment = childEnvironment(parameter);
+    if (!CreateProcessW(exe.c_str(), commandLine.data(), nullptr, nullptr, FALSE, CREATE_UNICODE_ENVIRONMENT,
+                        environment.data(), nullptr, &startup, &info))
         throw std::runtime_error("cannot start child process for " + testName);
     CloseHandle(info.hThread);
     m_process = reinterpret_cast<intptr_t>(info.hProcess);
